@@ -1,0 +1,73 @@
+#pragma once
+
+#include "Models/BankRecipe.h"
+#include "Models/SampleRecords.h"
+#include "Platform/FileManager.h"
+
+#include <memory>
+#include <vector>
+
+namespace torvo {
+
+/// Reads the format of an audio file, or throws when it cannot be read as audio. May be called from
+/// any thread.
+class AudioFileInspecting {
+public:
+    virtual ~AudioFileInspecting() = default;
+    virtual AudioFormatDetails inspectAudioFile(const FileURL& at) const = 0;
+};
+
+/// The inspector of the program: WAV by its own chunk walk, every other format through the media
+/// library, the demuxer chosen by the file's first bytes.
+class AVAudioFileInspector final : public AudioFileInspecting {
+public:
+    explicit AVAudioFileInspector(
+        std::shared_ptr<const FileManager> fileManager = systemFileManager());
+    AudioFormatDetails inspectAudioFile(const FileURL& at) const override;
+
+private:
+    std::shared_ptr<const FileManager> fileManager_;
+};
+
+/// The rule that says which files the device takes unchanged: WAV, 44100 Hz, 16 or 24 bits of linear
+/// PCM, any number of channels.
+struct AudioCompatibilityEvaluator {
+    /// A sample rate that is not finite ends the process.
+    SampleCompatibility compatibility(const AudioFormatDetails& details) const;
+};
+
+/// How a sample came to its destination.
+enum class SamplePreparationMode { copied, converted };
+
+/// Puts a sample at its destination in a form that the device plays.
+class AudioFilePreparing {
+public:
+    virtual ~AudioFilePreparing() = default;
+
+    /// Replaces whatever stands at the destination. Throws `GenerationError` or `FileError`; a partial
+    /// destination is then left as it stands.
+    virtual SamplePreparationMode prepare(const SampleCandidate& sample,
+                                          const FileURL& destinationURL) const = 0;
+
+    /// A preparer for exactly one export of these recipes, which may look ahead: it will be asked
+    /// for channels 1 to 8 of each recipe in order, twice each. None means that this one serves.
+    /// The recipes outlive it.
+    virtual std::shared_ptr<const AudioFilePreparing>
+    forRun(const std::vector<BankRecipe>& recipes) const;
+};
+
+/// Copies what the device plays and converts everything else to WAV, 44100 Hz, 16-bit, mono.
+class AVAudioSamplePreparer final : public AudioFilePreparing {
+public:
+    explicit AVAudioSamplePreparer(
+        std::shared_ptr<const FileManager> fileManager = systemFileManager());
+    SamplePreparationMode prepare(const SampleCandidate& sample,
+                                  const FileURL& destinationURL) const override;
+    std::shared_ptr<const AudioFilePreparing>
+    forRun(const std::vector<BankRecipe>& recipes) const override;
+
+private:
+    std::shared_ptr<const FileManager> fileManager_;
+};
+
+} // namespace torvo

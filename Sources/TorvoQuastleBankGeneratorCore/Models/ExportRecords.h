@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Models/BankNameScheme.h"
+#include "Models/BankRecipe.h"
+#include "Models/GenerationMode.h"
+#include "Models/SampleRecords.h"
+#include "TorvoMetadataOptions.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace torvo {
+
+/// What an export writes, and where.
+struct ExportJob {
+    FileURL sourceFolder;
+    FileURL exportFolder;
+    GenerationTemplate generationTemplate;
+    std::int64_t targetBankCount = 0;
+    std::uint64_t seed = 0;
+    BankNameScheme naming;
+    TorvoMetadataOptions metadataOptions;
+    std::vector<BankRecipe> recipes; ///< in bank order
+};
+
+/// The counts of a finished export.
+struct ExportSummary {
+    FileURL rootFolder; ///< the device folder
+    std::int64_t banksWritten = 0;
+    std::int64_t copiedFiles = 0;    ///< bank and pool files together
+    std::int64_t convertedFiles = 0; ///< bank and pool files together
+    std::int64_t reusedBankCount = 0;
+    std::int64_t poolFilesWritten = 0; ///< 8 for each bank with channels, not a tally of files
+
+    friend bool operator==(const ExportSummary&, const ExportSummary&) = default;
+};
+
+/// Sent after each finished bank.
+struct ProgressUpdate {
+    std::int64_t completedBanks = 0;
+    std::int64_t totalBanks = 0;
+    std::string currentBankName;
+
+    friend bool operator==(const ProgressUpdate&, const ProgressUpdate&) = default;
+};
+
+/// The record of one whole run.
+struct GenerationReport {
+    ScanReport scanReport;
+    ExportSummary summary;
+    std::uint64_t seed = 0;
+    std::vector<std::string> missingRequirements;
+
+    friend bool operator==(const GenerationReport&, const GenerationReport&) = default;
+};
+
+} // namespace torvo

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Models/GenerationMode.h"
+#include "Platform/FileURL.h"
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <variant>
+
+namespace torvo {
+
+/// The one error type of the core. Errors of the file system and of the document reader are passed
+/// on beside it.
+class GenerationError : public std::exception {
+public:
+    struct RequiredRoleMissing {
+        ChannelRole role;
+        friend bool operator==(const RequiredRoleMissing&, const RequiredRoleMissing&) = default;
+    };
+    /// `found` usable samples; the number required stands in the text.
+    struct InsufficientPercussion {
+        std::int64_t found;
+        friend bool operator==(const InsufficientPercussion&,
+                               const InsufficientPercussion&) = default;
+    };
+    struct InsufficientLoops {
+        std::int64_t found;
+        friend bool operator==(const InsufficientLoops&, const InsufficientLoops&) = default;
+    };
+    struct InsufficientStabs {
+        std::int64_t found;
+        friend bool operator==(const InsufficientStabs&, const InsufficientStabs&) = default;
+    };
+    struct UnsupportedAudio {
+        FileURL url;
+        friend bool operator==(const UnsupportedAudio&, const UnsupportedAudio&) = default;
+    };
+    /// The complete message, written by whoever raises it.
+    struct ExportFailed {
+        std::string message;
+        friend bool operator==(const ExportFailed&, const ExportFailed&) = default;
+    };
+    struct NoRecipesGenerated {
+        friend bool operator==(const NoRecipesGenerated&, const NoRecipesGenerated&) = default;
+    };
+    using Case = std::variant<RequiredRoleMissing, InsufficientPercussion, InsufficientLoops,
+                              InsufficientStabs, UnsupportedAudio, ExportFailed, NoRecipesGenerated>;
+
+    static GenerationError requiredRoleMissing(ChannelRole role);
+    static GenerationError insufficientPercussion(std::int64_t found);
+    static GenerationError insufficientLoops(std::int64_t found);
+    static GenerationError insufficientStabs(std::int64_t found);
+    static GenerationError unsupportedAudio(const FileURL& url);
+    static GenerationError exportFailed(std::string message);
+    static GenerationError noRecipesGenerated();
+
+    const Case& value() const { return value_; }
+    /// The text for the user.
+    const std::string& errorDescription() const { return description_; }
+    const char* what() const noexcept override { return description_.c_str(); }
+
+    friend bool operator==(const GenerationError& left, const GenerationError& right) {
+        return left.value_ == right.value_;
+    }
+
+private:
+    explicit GenerationError(Case value);
+
+    Case value_;
+    std::string description_;
+};
+
+} // namespace torvo

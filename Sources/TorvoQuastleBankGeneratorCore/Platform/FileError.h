@@ -1,0 +1,45 @@
+#pragma once
+
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+namespace torvo {
+
+/// What was being done to a file when it failed.
+enum class FileOperation {
+    read,
+    write,
+    list,
+    createFolder,
+    remove,
+    copy,
+    replace,
+    flush,
+    inspect,
+};
+
+/// A failure of the file system, with the path it happened at and the system's reason.
+class FileError : public std::exception {
+public:
+    FileError(FileOperation operation, std::filesystem::path path, std::error_code code);
+    /// From the value of `errno`.
+    FileError(FileOperation operation, std::filesystem::path path, int errorNumber);
+
+    FileOperation operation() const { return operation_; }
+    const std::filesystem::path& path() const { return path_; }
+    const std::error_code& code() const { return code_; }
+
+    /// One sentence: "Unable to write /card/Kit/QZT508/Bank 1/info.txt: No space left on device."
+    std::string errorDescription() const { return description_; }
+    const char* what() const noexcept override { return description_.c_str(); }
+
+private:
+    FileOperation operation_;
+    std::filesystem::path path_;
+    std::error_code code_;
+    std::string description_;
+};
+
+} // namespace torvo

@@ -1,0 +1,136 @@
+#pragma once
+
+#include "Platform/FileError.h"
+#include "Platform/FileURL.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace torvo {
+
+enum class FileKind { regular, directory, symbolicLink, other };
+
+/// Same identity, same file, whatever the path.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t node = 0;
+
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
+struct FileStatus {
+    FileKind kind = FileKind::regular;
+    std::uint64_t size = 0; ///< bytes
+    FileIdentity identity;
+    std::filesystem::perms permissions = std::filesystem::perms::none;
+};
+
+/// A name in a folder. `kind` is the entry's own: a link is a link, whatever it points to.
+struct DirectoryEntry {
+    std::string name;
+    FileKind kind = FileKind::regular;
+};
+
+/// An open regular file. Every function throws `FileError` on failure; a read that meets the end
+/// of the file is none.
+class File {
+public:
+    virtual ~File() = default;
+
+    /// Fills `bytes` from `offset` on; fewer bytes come back only at the end of the file.
+    virtual std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const = 0;
+    /// Writes all of `bytes` at `offset`.
+    virtual void write(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+    /// Size in bytes, now.
+    virtual std::uint64_t size() const = 0;
+    virtual void setPermissions(std::filesystem::perms permissions) = 0;
+    /// Waits until the content is on the medium.
+    virtual void flush() = 0;
+    /// Reports what the destructor would swallow. Nothing may be called afterwards.
+    virtual void close() = 0;
+};
+
+enum class OpenMode {
+    read,         ///< an existing regular file
+    update,       ///< an existing regular file, read and written in place
+    create,       ///< a new or emptied file with ordinary permissions
+    createUnique, ///< a new file with ordinary permissions; an existing one is an error
+};
+
+/// The file system as the core sees it. It is an interface so that faults can be put between the
+/// program and the disk. Functions may be called from any thread and throw `FileError`.
+class FileManager {
+public:
+    virtual ~FileManager() = default;
+
+    /// What stands at the path, a link itself not followed. Absent when there is nothing.
+    virtual std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const = 0;
+    /// What stands at the path, links followed. Absent when there is nothing or a dead link.
+    virtual std::optional<FileStatus> status(const std::filesystem::path& path) const = 0;
+    /// The path of an existing item without any link, "." or "..".
+    virtual std::filesystem::path resolve(const std::filesystem::path& path) const = 0;
+    /// The entries of a folder in no particular order, without "." and "..".
+    virtual std::vector<DirectoryEntry>
+    contentsOfDirectory(const std::filesystem::path& path) const = 0;
+
+    /// Creates the folder and those above it; one that exists is left as it is.
+    virtual void createDirectory(const std::filesystem::path& path) const = 0;
+    /// Removes a file, a link (never what it points to) or a folder with all its content.
+    virtual void removeItem(const std::filesystem::path& path) const = 0;
+    /// Copies a file's bytes to a new file with ordinary permissions.
+    virtual void copyItem(const std::filesystem::path& source,
+                          const std::filesystem::path& destination) const = 0;
+    /// Puts `source` in the place of `destination` in one step.
+    virtual void replaceItem(const std::filesystem::path& destination,
+                             const std::filesystem::path& source) const = 0;
+
+    /// Opens a regular file; anything else (a folder, a pipe, a device) is an error and is not
+    /// waited for.
+    virtual std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const = 0;
+
+    /// Waits until everything written to the volume that holds `path` is on the medium.
+    virtual void flushVolume(const std::filesystem::path& path) const = 0;
+};
+
+/// The operating system's file system.
+std::shared_ptr<const FileManager> systemFileManager();
+
+/// The whole file.
+std::vector<std::byte> readFile(const FileManager& fileManager, const std::filesystem::path& path);
+
+/// Writes a hidden file beside the target, flushes it and puts it in the target's place: under the
+/// target's name stands the old content or the new, never a part. The hidden file is removed when
+/// anything fails. `permissions` absent means those of an ordinary new file.
+void writeFileAtomically(const FileManager& fileManager, const std::filesystem::path& path,
+                         std::span<const std::byte> bytes,
+                         std::optional<std::filesystem::perms> permissions = std::nullopt);
+
+/// The resolved path of an item that may not exist yet: links are followed as far as there is
+/// something, the rest is standardised.
+FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url);
+
+/// One item below a folder, as the deep enumeration finds it.
+struct EnumeratedItem {
+    FileURL url;
+    FileKind kind = FileKind::regular; ///< the entry's own kind
+};
+
+enum class EnumerationOptions {
+    skipPackageContents, ///< folders that are shown as one item are not entered
+    skipHidden,          ///< names that begin with a dot are left out, folders with their content
+};
+
+/// Everything below `root`, depth first, the entries of each folder in byte order of their names.
+/// Links are yielded and not followed; folders that cannot be read are passed over. Absent when the
+/// root itself is no folder or cannot be read.
+std::optional<std::vector<EnumeratedItem>> enumerateDeep(const FileManager& fileManager,
+                                                         const FileURL& root,
+                                                         EnumerationOptions options);
+
+} // namespace torvo

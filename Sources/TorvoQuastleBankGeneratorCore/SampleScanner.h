@@ -1,0 +1,30 @@
+#pragma once
+
+#include "AudioSupport.h"
+#include "Models/SampleRecords.h"
+#include "Platform/FileManager.h"
+
+#include <memory>
+
+namespace torvo {
+
+/// Sorts every file below a folder: a usable sample with a role, an ignored file with its reason, or
+/// dropped with its ignored folder.
+class SampleScanner {
+public:
+    SampleScanner(std::shared_ptr<const AudioFileInspecting> inspector,
+                  AudioCompatibilityEvaluator evaluator,
+                  std::shared_ptr<const FileManager> fileManager);
+
+    /// Blocks while it walks and opens files, on all cores; the report does not depend on their
+    /// number. Throws `GenerationError` when the folder cannot be read and `FileError` when an item
+    /// cannot be (a dead link); a file that is no sample is never an error.
+    ScanReport scan(const FileURL& sourceFolder, GenerationMode mode) const;
+
+private:
+    std::shared_ptr<const AudioFileInspecting> inspector_;
+    AudioCompatibilityEvaluator evaluator_;
+    std::shared_ptr<const FileManager> fileManager_;
+};
+
+} // namespace torvo

@@ -1,0 +1,24 @@
+# One interface target carries the language level, the warnings and the sanitizers; every target of
+# the project links it, no other target and no global variable is touched.
+add_library(TorvoOptions INTERFACE)
+target_compile_features(TorvoOptions INTERFACE cxx_std_20)
+target_compile_options(TorvoOptions INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wformat=2 -Wimplicit-fallthrough
+    $<$<BOOL:${TORVO_WARNINGS_AS_ERRORS}>:-Werror>)
+# The 128-bit product of the bounded draw is the only extension in use.
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(TORVO_SANITIZE)
+    target_compile_options(TorvoOptions INTERFACE
+        -fsanitize=${TORVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(TorvoOptions INTERFACE -fsanitize=${TORVO_SANITIZE})
+elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    # The distribution's hardening: position independent, full RELRO, fortified, stack protected.
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES CXX)
+    target_compile_options(TorvoOptions INTERFACE
+        -fstack-protector-strong -fstack-clash-protection -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    target_link_options(TorvoOptions INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,--as-needed)
+endif()
