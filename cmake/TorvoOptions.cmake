@@ -4,7 +4,7 @@ add_library(TorvoOptions INTERFACE)
 target_compile_features(TorvoOptions INTERFACE cxx_std_20)
 target_compile_options(TorvoOptions INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
-    -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wformat=2 -Wimplicit-fallthrough
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wimplicit-fallthrough
     $<$<BOOL:${TORVO_WARNINGS_AS_ERRORS}>:-Werror>)
 # The 128-bit product of the bounded draw is the only extension in use.
 set(CMAKE_CXX_EXTENSIONS OFF)

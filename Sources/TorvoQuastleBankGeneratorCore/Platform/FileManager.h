@@ -49,6 +49,7 @@ public:
     virtual void write(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
     /// Size in bytes, now.
     virtual std::uint64_t size() const = 0;
+    virtual void resize(std::uint64_t size) = 0;
     virtual void setPermissions(std::filesystem::perms permissions) = 0;
     /// Waits until the content is on the medium.
     virtual void flush() = 0;
@@ -129,8 +130,7 @@ enum class EnumerationOptions {
 /// Everything below `root`, depth first, the entries of each folder in byte order of their names.
 /// Links are yielded and not followed; folders that cannot be read are passed over. Absent when the
 /// root itself is no folder or cannot be read.
-std::optional<std::vector<EnumeratedItem>> enumerateDeep(const FileManager& fileManager,
-                                                         const FileURL& root,
-                                                         EnumerationOptions options);
+std::optional<std::vector<EnumeratedItem>>
+enumerateDeep(const FileManager& fileManager, const FileURL& root, EnumerationOptions options);
 
 } // namespace torvo

@@ -8,7 +8,8 @@
 namespace torvo {
 
 /// A location of the file scheme: an absolute path of raw bytes, and whether it was named as a
-/// folder. Two URLs are equal when their URL strings are: a folder's ends in "/", a file's does not.
+/// folder. Two URLs are equal when their URL strings are: a folder's ends in "/", a file's does
+/// not.
 class FileURL {
 public:
     enum class Kind { file, directory };
@@ -29,8 +30,8 @@ public:
     /// escaped NUL, a query or a fragment.
     static std::optional<FileURL> parse(std::string_view absoluteString);
 
-    /// "file://" and the path with every byte outside RFC 3986's `pchar` percent-encoded. Reading it
-    /// back gives an equal URL, whatever the bytes.
+    /// "file://" and the path with every byte outside RFC 3986's `pchar` percent-encoded. Reading
+    /// it back gives an equal URL, whatever the bytes.
     std::string absoluteString() const;
 
     /// The raw path, without a trailing slash (the root excepted).

@@ -1,0 +1,314 @@
+#include "Platform/FileManager.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace torvo {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A file descriptor that closes itself.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() {
+        if (number_ >= 0)
+            ::close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&&) = delete;
+
+    int number() const { return number_; }
+    bool isValid() const { return number_ >= 0; }
+    int release() { return std::exchange(number_, -1); }
+
+private:
+    int number_;
+};
+
+int openDescriptor(const fs::path& path, int flags) {
+    constexpr mode_t ordinary = 0666;
+    int number = -1;
+    do {
+        number = ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, ordinary);
+    } while (number < 0 && errno == EINTR);
+    return number;
+}
+
+FileKind kindOf(mode_t mode) {
+    if (S_ISREG(mode))
+        return FileKind::regular;
+    if (S_ISDIR(mode))
+        return FileKind::directory;
+    if (S_ISLNK(mode))
+        return FileKind::symbolicLink;
+    return FileKind::other;
+}
+
+FileStatus statusOf(const struct stat& details) {
+    return {.kind = kindOf(details.st_mode),
+            .size = static_cast<std::uint64_t>(details.st_size),
+            .identity = {.device = details.st_dev, .node = details.st_ino},
+            .permissions = static_cast<fs::perms>(details.st_mode) & fs::perms::mask};
+}
+
+std::optional<FileStatus> statusAt(const fs::path& path, int flags) {
+    struct stat details {};
+    if (::fstatat(AT_FDCWD, path.c_str(), &details, flags) == 0)
+        return statusOf(details);
+    if (errno == ENOENT || errno == ENOTDIR)
+        return std::nullopt;
+    throw FileError(FileOperation::inspect, path, errno);
+}
+
+void closeChecked(Descriptor& descriptor, const fs::path& path) {
+    // After EINTR the descriptor is gone all the same (close(2)).
+    if (::close(descriptor.release()) != 0 && errno != EINTR)
+        throw FileError(FileOperation::flush, path, errno);
+}
+
+class SystemFile final : public File {
+public:
+    SystemFile(fs::path path, Descriptor descriptor)
+        : path_(std::move(path)), descriptor_(std::move(descriptor)) {}
+
+    std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            const auto count = ::pread(descriptor_.number(), bytes.data() + done,
+                                       bytes.size() - done, static_cast<off_t>(offset + done));
+            if (count == 0)
+                break;
+            if (count > 0)
+                done += static_cast<std::size_t>(count);
+            else if (errno != EINTR)
+                throw FileError(FileOperation::read, path_, errno);
+        }
+        return done;
+    }
+
+    void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            const auto count = ::pwrite(descriptor_.number(), bytes.data() + done,
+                                        bytes.size() - done, static_cast<off_t>(offset + done));
+            if (count >= 0)
+                done += static_cast<std::size_t>(count);
+            else if (errno != EINTR)
+                throw FileError(FileOperation::write, path_, errno);
+        }
+    }
+
+    std::uint64_t size() const override {
+        struct stat details {};
+        if (::fstat(descriptor_.number(), &details) != 0)
+            throw FileError(FileOperation::inspect, path_, errno);
+        return static_cast<std::uint64_t>(details.st_size);
+    }
+
+    void resize(std::uint64_t size) override {
+        if (::ftruncate(descriptor_.number(), static_cast<off_t>(size)) != 0)
+            throw FileError(FileOperation::write, path_, errno);
+    }
+
+    void setPermissions(fs::perms permissions) override {
+        if (::fchmod(descriptor_.number(), static_cast<mode_t>(permissions)) != 0)
+            throw FileError(FileOperation::write, path_, errno);
+    }
+
+    void flush() override {
+        if (::fsync(descriptor_.number()) != 0)
+            throw FileError(FileOperation::flush, path_, errno);
+    }
+
+    void close() override { closeChecked(descriptor_, path_); }
+
+private:
+    fs::path path_;
+    Descriptor descriptor_;
+};
+
+/// The kernel copies where it can; across volumes or on a file system that cannot, bytes go through
+/// a buffer.
+void copyBytes(const Descriptor& from, const Descriptor& to, const fs::path& source,
+               const fs::path& destination) {
+    constexpr std::size_t atOnce = std::size_t{1} << 30U;
+    for (;;) {
+        const auto count =
+            ::copy_file_range(from.number(), nullptr, to.number(), nullptr, atOnce, 0);
+        if (count == 0)
+            return;
+        if (count > 0 || errno == EINTR)
+            continue;
+        if (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP)
+            break;
+        throw FileError(FileOperation::copy, destination, errno);
+    }
+    std::vector<std::byte> buffer(std::size_t{256} * 1024);
+    for (;;) {
+        const auto count = ::read(from.number(), buffer.data(), buffer.size());
+        if (count == 0)
+            return;
+        if (count < 0) {
+            if (errno == EINTR)
+                continue;
+            throw FileError(FileOperation::read, source, errno);
+        }
+        for (ssize_t done = 0; done < count;) {
+            const auto written =
+                ::write(to.number(), buffer.data() + done, static_cast<std::size_t>(count - done));
+            if (written >= 0)
+                done += written;
+            else if (errno != EINTR)
+                throw FileError(FileOperation::copy, destination, errno);
+        }
+    }
+}
+
+/// The descriptor of an existing regular file. Opened without waiting, so that a pipe that appears
+/// under the name cannot hold the program.
+Descriptor openRegular(const fs::path& path, int flags) {
+    Descriptor descriptor(openDescriptor(path, flags | O_NONBLOCK));
+    if (!descriptor.isValid())
+        throw FileError(FileOperation::read, path, errno);
+    struct stat details {};
+    if (::fstat(descriptor.number(), &details) != 0)
+        throw FileError(FileOperation::inspect, path, errno);
+    if (!S_ISREG(details.st_mode))
+        throw FileError(FileOperation::read, path, S_ISDIR(details.st_mode) ? EISDIR : EINVAL);
+    return descriptor;
+}
+
+Descriptor openNew(const fs::path& path, int flags) {
+    Descriptor descriptor(openDescriptor(path, flags | O_RDWR | O_CREAT));
+    if (!descriptor.isValid())
+        throw FileError(FileOperation::write, path, errno);
+    return descriptor;
+}
+
+class SystemFileManager final : public FileManager {
+public:
+    std::optional<FileStatus> linkStatus(const fs::path& path) const override {
+        return statusAt(path, AT_SYMLINK_NOFOLLOW);
+    }
+
+    std::optional<FileStatus> status(const fs::path& path) const override {
+        return statusAt(path, 0);
+    }
+
+    fs::path resolve(const fs::path& path) const override {
+        const std::unique_ptr<char, decltype(&std::free)> resolved(
+            ::realpath(path.c_str(), nullptr), &std::free);
+        if (!resolved)
+            throw FileError(FileOperation::read, path, errno);
+        return resolved.get();
+    }
+
+    std::vector<DirectoryEntry> contentsOfDirectory(const fs::path& path) const override {
+        const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(path.c_str()), &::closedir);
+        if (!directory)
+            throw FileError(FileOperation::list, path, errno);
+        std::vector<DirectoryEntry> entries;
+        for (;;) {
+            errno = 0;
+            const auto* entry = ::readdir(directory.get());
+            if (entry == nullptr)
+                break;
+            std::string name = entry->d_name;
+            if (name != "." && name != "..")
+                entries.push_back({name, kindOf(directory.get(), *entry)});
+        }
+        if (errno != 0)
+            throw FileError(FileOperation::list, path, errno);
+        return entries;
+    }
+
+    void createDirectory(const fs::path& path) const override {
+        std::error_code code;
+        fs::create_directories(path, code);
+        if (code)
+            throw FileError(FileOperation::createFolder, path, code);
+    }
+
+    void removeItem(const fs::path& path) const override {
+        std::error_code code;
+        fs::remove_all(path, code);
+        if (code)
+            throw FileError(FileOperation::remove, path, code);
+    }
+
+    void copyItem(const fs::path& source, const fs::path& destination) const override {
+        const auto from = openRegular(source, O_RDONLY);
+        auto to = openNew(destination, O_EXCL);
+        copyBytes(from, to, source, destination);
+        closeChecked(to, destination);
+    }
+
+    void replaceItem(const fs::path& destination, const fs::path& source) const override {
+        if (::rename(source.c_str(), destination.c_str()) != 0)
+            throw FileError(FileOperation::replace, destination, errno);
+    }
+
+    std::unique_ptr<File> open(const fs::path& path, OpenMode mode) const override {
+        const auto opened = [&]() {
+            switch (mode) {
+            case OpenMode::read:
+                return openRegular(path, O_RDONLY);
+            case OpenMode::update:
+                return openRegular(path, O_RDWR);
+            case OpenMode::create:
+                return openNew(path, O_TRUNC);
+            case OpenMode::createUnique:
+                break;
+            }
+            return openNew(path, O_EXCL);
+        };
+        return std::make_unique<SystemFile>(path, opened());
+    }
+
+    void flushVolume(const fs::path& path) const override {
+        const Descriptor descriptor(openDescriptor(path, O_RDONLY));
+        if (!descriptor.isValid() || ::syncfs(descriptor.number()) != 0)
+            throw FileError(FileOperation::flush, path, errno);
+    }
+
+private:
+    /// Some file systems leave the kind out of the folder; then the entry itself is asked.
+    static FileKind kindOf(DIR* directory, const dirent& entry) {
+        switch (entry.d_type) {
+        case DT_REG:
+            return FileKind::regular;
+        case DT_DIR:
+            return FileKind::directory;
+        case DT_LNK:
+            return FileKind::symbolicLink;
+        case DT_UNKNOWN: {
+            struct stat details {};
+            if (::fstatat(::dirfd(directory), entry.d_name, &details, AT_SYMLINK_NOFOLLOW) == 0)
+                return torvo::kindOf(details.st_mode);
+            return FileKind::regular;
+        }
+        default:
+            return FileKind::other;
+        }
+    }
+};
+
+} // namespace
+
+std::shared_ptr<const FileManager> systemFileManager() {
+    static const auto shared = std::make_shared<const SystemFileManager>();
+    return shared;
+}
+
+} // namespace torvo
