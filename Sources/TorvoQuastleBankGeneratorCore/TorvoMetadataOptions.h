@@ -25,7 +25,9 @@ inline constexpr std::array<TorvoPlaybackRate, 8> allTorvoPlaybackRates{
     TorvoPlaybackRate::rate9,  TorvoPlaybackRate::rate11, TorvoPlaybackRate::rate14,
     TorvoPlaybackRate::rate22, TorvoPlaybackRate::rate44};
 
-constexpr std::int64_t rawValue(TorvoPlaybackRate rate) { return static_cast<std::int64_t>(rate); }
+constexpr std::int64_t rawValue(TorvoPlaybackRate rate) {
+    return static_cast<std::int64_t>(rate);
+}
 /// The number alone: "44".
 std::string displayName(TorvoPlaybackRate rate);
 /// The byte in the file. The device counts from the fastest rate down: 0 for `rate44`, 7 for
@@ -56,10 +58,10 @@ struct TorvoMetadataOptions {
     std::set<std::int64_t> cvAssignedChannels;
 
     TorvoMetadataOptions() = default;
-    /// Clamps `bits` to 1 … 16 and keeps of the channels those from 1 to 8.
-    TorvoMetadataOptions(std::int64_t bits, TorvoPlaybackRate rate, TorvoFilterType filterType,
-                         bool cvAssignmentsEnabled,
-                         const std::set<std::int64_t>& cvAssignedChannels);
+    /// Clamps the bit depth to 1 … 16 and keeps of the channels those from 1 to 8.
+    TorvoMetadataOptions(std::int64_t bitDepth, TorvoPlaybackRate playbackRate,
+                         TorvoFilterType filter, bool enablesCV,
+                         const std::set<std::int64_t>& cvChannels);
 
     /// Whether a file of this channel receives the CV routing; never without a channel.
     bool appliesCV(std::optional<std::int64_t> channel) const;

@@ -12,9 +12,9 @@ struct BankNameScheme {
 
     BankNameScheme() = default;
     /// Derives the prefix from the name.
-    explicit BankNameScheme(std::string sourceFolderName);
+    explicit BankNameScheme(std::string folderName);
     /// Takes both as they are.
-    BankNameScheme(std::string sourceFolderName, std::string prefix);
+    BankNameScheme(std::string folderName, std::string bankPrefix);
 
     /// The folder that an export creates below the chosen one.
     const std::string& exportFolderName() const { return sourceFolderName; }

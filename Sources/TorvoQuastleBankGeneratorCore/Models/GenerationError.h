@@ -44,8 +44,9 @@ public:
     struct NoRecipesGenerated {
         friend bool operator==(const NoRecipesGenerated&, const NoRecipesGenerated&) = default;
     };
-    using Case = std::variant<RequiredRoleMissing, InsufficientPercussion, InsufficientLoops,
-                              InsufficientStabs, UnsupportedAudio, ExportFailed, NoRecipesGenerated>;
+    using Case =
+        std::variant<RequiredRoleMissing, InsufficientPercussion, InsufficientLoops,
+                     InsufficientStabs, UnsupportedAudio, ExportFailed, NoRecipesGenerated>;
 
     static GenerationError requiredRoleMissing(ChannelRole role);
     static GenerationError insufficientPercussion(std::int64_t found);

@@ -13,10 +13,10 @@ namespace torvo {
 
 /// The format facts of one audio file, as stored.
 struct AudioFormatDetails {
-    std::string fileExtension;  ///< lower case, without the dot
-    double sampleRate = 0;      ///< Hz
+    std::string fileExtension; ///< lower case, without the dot
+    double sampleRate = 0;     ///< Hz
     std::int64_t channels = 0;
-    std::int64_t bitDepth = 0;  ///< bits per stored sample, 0 where the encoding has none
+    std::int64_t bitDepth = 0; ///< bits per stored sample, 0 where the encoding has none
     bool isLinearPCM = false;
 
     friend bool operator==(const AudioFormatDetails&, const AudioFormatDetails&) = default;
