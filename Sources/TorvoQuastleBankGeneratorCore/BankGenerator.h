@@ -18,8 +18,8 @@ public:
     /// eight files.
     bool canGenerate(const RoleBuckets& from, GenerationMode mode) const;
 
-    /// The recipes of banks 1 … `targetBankCount` (at least 1). Without a template the mode's own is
-    /// used. Throws `GenerationError`; nothing partial is returned.
+    /// The recipes of banks 1 … `targetBankCount` (at least 1). Without a template the mode's own
+    /// is used. Throws `GenerationError`; nothing partial is returned.
     std::vector<BankRecipe> makeRecipes(const RoleBuckets& from, GenerationMode mode,
                                         const std::optional<GenerationTemplate>& generationTemplate,
                                         std::int64_t targetBankCount, const BankNameScheme& naming,

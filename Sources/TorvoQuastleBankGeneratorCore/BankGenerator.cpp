@@ -1,0 +1,212 @@
+#include "BankGenerator.h"
+
+#include "Models/GenerationError.h"
+#include "Platform/Precondition.h"
+#include "Platform/UnicodeText.h"
+#include "SeededGenerator.h"
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace torvo {
+
+namespace {
+
+constexpr std::size_t requiredPercussion = 3;
+constexpr std::size_t requiredUniformFiles = 8;
+
+/// The standardised paths of the samples that a bank already holds.
+using UsedPaths = std::unordered_set<std::string>;
+
+struct CyclingPick {
+    const SampleCandidate* item;
+    bool reused; ///< the pool started over during this pick, or every sample was excluded
+};
+
+/// Hands out all samples of a bucket in random order before any comes again.
+class CyclingPool {
+public:
+    CyclingPool(const std::vector<SampleCandidate>& items, SeededGenerator& random) {
+        for (const auto& item : items)
+            items_.push_back({&item, item.sourceURL.standardized().path().native()});
+        reshuffle(random);
+    }
+
+    bool isEmpty() const { return items_.empty(); }
+
+    CyclingPick next(const UsedPaths& excluding, SeededGenerator& random) {
+        if (items_.empty())
+            throw GenerationError::noRecipesGenerated();
+        bool wrapped = false;
+        const SampleCandidate* fallback = nullptr;
+        for (std::size_t attempt = 0; attempt < 3 * items_.size(); ++attempt) {
+            if (cursor_ >= order_.size()) {
+                reshuffle(random);
+                wrapped = true;
+            }
+            const auto* candidate = order_[cursor_++];
+            if (fallback == nullptr)
+                fallback = candidate->sample;
+            if (!excluding.contains(candidate->path))
+                return {candidate->sample, wrapped};
+        }
+        return {fallback, true};
+    }
+
+private:
+    struct Item {
+        const SampleCandidate* sample;
+        std::string path;
+    };
+
+    /// Always from bucket order: shuffling the previous permutation on would give other banks.
+    void reshuffle(SeededGenerator& random) {
+        order_.clear();
+        for (const auto& item : items_)
+            order_.push_back(&item);
+        random.shuffle(order_);
+        cursor_ = 0;
+    }
+
+    std::vector<Item> items_;
+    std::vector<const Item*> order_;
+    std::size_t cursor_ = 0;
+};
+
+/// The pool that fills a slot, or a `GenerationError` for a role the mode cannot fill.
+using PoolForRole = std::function<CyclingPool&(ChannelRole)>;
+
+std::vector<BankRecipe> fillBanks(const GenerationTemplate& generationTemplate,
+                                  std::int64_t targetBankCount, const BankNameScheme& naming,
+                                  std::uint64_t seed, SeededGenerator& random,
+                                  const PoolForRole& poolForRole) {
+    auto slots = generationTemplate.slots;
+    std::ranges::stable_sort(slots, {}, &TemplateSlot::channel);
+
+    std::vector<BankRecipe> recipes;
+    for (std::int64_t bankIndex = 1; bankIndex <= targetBankCount; ++bankIndex) {
+        BankRecipe recipe{bankIndex, naming.bankName(bankIndex), {}, seed, false};
+        UsedPaths used;
+        for (const auto& slot : slots) {
+            const auto pick = poolForRole(slot.role).next(used, random);
+            recipe.channels.insert_or_assign(slot.channel, *pick.item);
+            recipe.reusedSamples = recipe.reusedSamples || pick.reused;
+            used.insert(pick.item->sourceURL.standardized().path().native());
+        }
+        recipes.push_back(std::move(recipe));
+    }
+    if (recipes.empty())
+        throw GenerationError::noRecipesGenerated();
+    return recipes;
+}
+
+void validateDrumRequirements(const RoleBuckets& buckets) {
+    if (buckets.kick.empty())
+        throw GenerationError::requiredRoleMissing(ChannelRole::kick);
+    if (buckets.perc.size() < requiredPercussion)
+        throw GenerationError::insufficientPercussion(
+            static_cast<std::int64_t>(buckets.perc.size()));
+}
+
+std::vector<BankRecipe> makeDrumRecipes(const RoleBuckets& buckets,
+                                        const GenerationTemplate& generationTemplate,
+                                        std::int64_t targetBankCount, const BankNameScheme& naming,
+                                        std::uint64_t seed) {
+    SeededGenerator random(seed);
+    // The pools are shuffled in this order, which is part of what a seed means.
+    CyclingPool kick(buckets.kick, random);
+    CyclingPool clap(buckets.clap, random);
+    CyclingPool closedHat(buckets.closedHat, random);
+    CyclingPool openHat(buckets.openHat, random);
+    CyclingPool snare(buckets.snare, random);
+    CyclingPool perc(buckets.perc, random);
+
+    const auto orPerc = [&](CyclingPool& pool) -> CyclingPool& {
+        return pool.isEmpty() ? perc : pool;
+    };
+    const auto poolForRole = [&](ChannelRole role) -> CyclingPool& {
+        switch (role) {
+        case ChannelRole::kick:
+            return kick;
+        case ChannelRole::clap:
+            return orPerc(clap);
+        case ChannelRole::closedHat:
+            return orPerc(closedHat);
+        case ChannelRole::openHat:
+            return orPerc(openHat);
+        case ChannelRole::snare:
+            return orPerc(snare);
+        case ChannelRole::perc:
+            return perc;
+        case ChannelRole::loop:
+        case ChannelRole::stab:
+            break;
+        }
+        throw GenerationError::exportFailed(std::string(displayName(role)) +
+                                            " slots are not valid in Drums mode.");
+    };
+    return fillBanks(generationTemplate, targetBankCount, naming, seed, random, poolForRole);
+}
+
+/// Loops and stabs: one role, one pool.
+std::vector<BankRecipe> makeUniformRecipes(const std::vector<SampleCandidate>& bucket,
+                                           ChannelRole onlyRole, GenerationMode mode,
+                                           const GenerationTemplate& generationTemplate,
+                                           std::int64_t targetBankCount,
+                                           const BankNameScheme& naming, std::uint64_t seed) {
+    SeededGenerator random(seed);
+    CyclingPool pool(bucket, random);
+    const auto poolForRole = [&](ChannelRole role) -> CyclingPool& {
+        if (role != onlyRole) {
+            throw GenerationError::exportFailed("Only " + text::lowercased(displayName(onlyRole)) +
+                                                " slots are valid in " +
+                                                std::string(displayName(mode)) + " mode.");
+        }
+        return pool;
+    };
+    return fillBanks(generationTemplate, targetBankCount, naming, seed, random, poolForRole);
+}
+
+} // namespace
+
+bool BankGenerator::canGenerate(const RoleBuckets& from, GenerationMode mode) const {
+    switch (mode) {
+    case GenerationMode::loops:
+        return from.loop.size() >= requiredUniformFiles;
+    case GenerationMode::stabs:
+        return from.stab.size() >= requiredUniformFiles;
+    case GenerationMode::drums:
+        break;
+    }
+    return !from.kick.empty() && from.perc.size() >= requiredPercussion;
+}
+
+std::vector<BankRecipe>
+BankGenerator::makeRecipes(const RoleBuckets& from, GenerationMode mode,
+                           const std::optional<GenerationTemplate>& generationTemplate,
+                           std::int64_t targetBankCount, const BankNameScheme& naming,
+                           std::uint64_t seed) const {
+    precondition(targetBankCount >= 1, "a run has at least one bank");
+    const auto& chosen = generationTemplate ? *generationTemplate : torvo::generationTemplate(mode);
+    switch (mode) {
+    case GenerationMode::loops:
+        if (from.loop.size() < requiredUniformFiles)
+            throw GenerationError::insufficientLoops(static_cast<std::int64_t>(from.loop.size()));
+        return makeUniformRecipes(from.loop, ChannelRole::loop, mode, chosen, targetBankCount,
+                                  naming, seed);
+    case GenerationMode::stabs:
+        if (from.stab.size() < requiredUniformFiles)
+            throw GenerationError::insufficientStabs(static_cast<std::int64_t>(from.stab.size()));
+        return makeUniformRecipes(from.stab, ChannelRole::stab, mode, chosen, targetBankCount,
+                                  naming, seed);
+    case GenerationMode::drums:
+        break;
+    }
+    validateDrumRequirements(from);
+    return makeDrumRecipes(from, chosen, targetBankCount, naming, seed);
+}
+
+} // namespace torvo
