@@ -1,0 +1,221 @@
+#include "SampleScanner.h"
+
+#include "Models/GenerationError.h"
+#include "Platform/UnicodeText.h"
+#include "RoleClassifier.h"
+
+#include <tbb/parallel_for.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace torvo {
+
+namespace {
+
+constexpr auto hiddenReason = "Ignored hidden or sidecar file";
+constexpr auto unclassifiedReason = "Unclassified sample";
+constexpr auto unsupportedReason = "Unsupported audio file";
+constexpr auto ignoredFolderReason = "Ignored v1 folder";
+
+/// No folder between the file and the source folder decides anything.
+struct NoFolderDecides {};
+/// The verdict on the folders above a file: they name a role, they are left out, or neither.
+using FolderDecision = std::variant<NoFolderDecides, ChannelRole, IgnoredItem>;
+
+/// Relative to the root; what lies outside is shown by its name alone.
+std::string relativePathForDisplay(const FileURL& url, const FileURL& root) {
+    const auto& path = url.path().native();
+    const auto& rootPath = root.path().native();
+    if (path == rootPath)
+        return ".";
+    const auto prefix = rootPath == "/" ? rootPath : rootPath + "/";
+    if (path.starts_with(prefix))
+        return text::validUTF8(path.substr(prefix.size()));
+    return url.lastPathComponent();
+}
+
+/// Judges the folders of one scan; each folder is looked at once.
+class FolderJudge {
+public:
+    explicit FolderJudge(FileURL root) : root_(std::move(root)) {}
+
+    /// The nearest folder that decides wins; the source folder's own name never does.
+    const FolderDecision& classifyFromAncestors(const FileURL& folder) {
+        const auto& path = folder.path().native();
+        if (const auto known = decisions_.find(path); known != decisions_.end())
+            return known->second;
+        return decisions_.emplace(path, decide(folder)).first->second;
+    }
+
+private:
+    FolderDecision decide(const FileURL& folder) {
+        const auto& path = folder.path().native();
+        const auto& rootPath = root_.path().native();
+        // A prefix of the text, on purpose: for a link's target in "Kit Extra", a neighbour of the
+        // source folder "Kit", the folders' names count as if it lay inside.
+        if (path == rootPath || !path.starts_with(rootPath))
+            return NoFolderDecides{};
+        const auto name = folder.lastPathComponent();
+        if (namesIgnoredFolder(name))
+            return IgnoredItem{relativePathForDisplay(folder, root_), ignoredFolderReason};
+        if (const auto role = classifyRole(name))
+            return *role;
+        return classifyFromAncestors(folder.deletingLastPathComponent());
+    }
+
+    FileURL root_;
+    std::unordered_map<std::string, FolderDecision> decisions_;
+};
+
+/// A file with a role, waiting to be opened.
+struct PendingSample {
+    FileURL url;
+    ChannelRole role = ChannelRole::kick;
+    bool mayBeOpened = true; ///< false for pipes, sockets and devices
+};
+
+bool isHiddenOrSidecar(const FileURL& url) {
+    if (url.path().filename().native().starts_with('.'))
+        return true;
+    const auto extension = text::lowercased(url.pathExtension());
+    return extension == "asd" || extension == "ds_store";
+}
+
+/// The item with its link followed. A dead link is an error.
+EnumeratedItem followed(const FileManager& fileManager, EnumeratedItem item) {
+    if (item.kind != FileKind::symbolicLink)
+        return item; // the walk starts at the resolved root and enters no link
+    const FileURL target(fileManager.resolve(item.url.path()));
+    const auto status = fileManager.status(target.path());
+    return {target, status ? status->kind : FileKind::other};
+}
+
+std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredItem> items) {
+    std::ranges::stable_sort(items, {}, &IgnoredItem::path);
+    return items;
+}
+
+/// The first, sequential half of a scan: names only. What needs opening is left in `pending`.
+class NamePass {
+public:
+    NamePass(FileURL root, GenerationMode mode)
+        : root_(std::move(root)), mode_(mode), judge_(root_) {}
+
+    void take(const EnumeratedItem& item) {
+        if (item.kind == FileKind::directory)
+            return;
+        if (isHiddenOrSidecar(item.url)) {
+            ignore(item.url, hiddenReason);
+        } else if (mode_ != GenerationMode::drums) {
+            keep(item, mode_ == GenerationMode::loops ? ChannelRole::loop : ChannelRole::stab);
+        } else {
+            takeDrum(item);
+        }
+    }
+
+    void ignore(const FileURL& url, const char* reason) {
+        ignoredFiles_.push_back({relativePathForDisplay(url, root_), reason});
+    }
+
+    const std::vector<PendingSample>& pending() const { return pending_; }
+    std::vector<IgnoredItem> takeIgnoredFiles() { return sortedByPath(std::move(ignoredFiles_)); }
+    std::vector<IgnoredItem> takeIgnoredFolders() {
+        std::vector<IgnoredItem> folders;
+        for (auto& [path, folder] : ignoredFolders_)
+            folders.push_back(std::move(folder));
+        return folders; // the map is in order of the paths
+    }
+
+private:
+    void takeDrum(const EnumeratedItem& item) {
+        const auto& decision = judge_.classifyFromAncestors(item.url.deletingLastPathComponent());
+        if (const auto* folder = std::get_if<IgnoredItem>(&decision)) {
+            ignoredFolders_.emplace(folder->path, *folder);
+            return;
+        }
+        const auto* folderRole = std::get_if<ChannelRole>(&decision);
+        const auto role = folderRole != nullptr
+                              ? std::optional(*folderRole)
+                              : classifyRole(item.url.lastPathComponentWithoutExtension());
+        if (role)
+            keep(item, *role);
+        else
+            ignore(item.url, unclassifiedReason);
+    }
+
+    void keep(const EnumeratedItem& item, ChannelRole role) {
+        pending_.push_back({item.url, role, item.kind == FileKind::regular});
+    }
+
+    FileURL root_;
+    GenerationMode mode_;
+    FolderJudge judge_;
+    std::vector<PendingSample> pending_;
+    std::vector<IgnoredItem> ignoredFiles_;
+    std::map<std::string, IgnoredItem> ignoredFolders_;
+};
+
+} // namespace
+
+SampleScanner::SampleScanner(std::shared_ptr<const AudioFileInspecting> inspector,
+                             AudioCompatibilityEvaluator evaluator,
+                             std::shared_ptr<const FileManager> fileManager)
+    : inspector_(std::move(inspector)),
+      evaluator_(evaluator),
+      fileManager_(std::move(fileManager)) {}
+
+ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode) const {
+    const auto unreadable = [&] {
+        return GenerationError::exportFailed("Unable to read " + sourceFolder.shownPath() + ".");
+    };
+    FileURL root;
+    try {
+        root = FileURL::directory(resolvingSymlinks(*fileManager_, sourceFolder).path());
+    } catch (const FileError&) {
+        throw unreadable();
+    }
+    auto items = enumerateDeep(*fileManager_, root, EnumerationOptions::skipPackageContents);
+    if (!items)
+        throw unreadable();
+
+    NamePass names(root, mode);
+    for (auto& item : *items)
+        names.take(followed(*fileManager_, std::move(item)));
+    items.reset();
+
+    const auto& pending = names.pending();
+    std::vector<std::optional<AudioFormatDetails>> formats(pending.size());
+    tbb::parallel_for(std::size_t{0}, pending.size(), [&](std::size_t i) {
+        if (!pending[i].mayBeOpened)
+            return;
+        try {
+            formats[i] = inspector_->inspectAudioFile(pending[i].url);
+        } catch (const std::exception&) {
+            // Recorded below: a file that is no audio never fails a scan.
+        }
+    });
+
+    ScanReport report{mode, root, {}, {}, {}};
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        const auto& [url, role, mayBeOpened] = pending[i];
+        if (!formats[i]) {
+            names.ignore(url, unsupportedReason);
+            continue;
+        }
+        report.buckets.samples(role).push_back({url, role, url.lastPathComponentWithoutExtension(),
+                                                evaluator_.compatibility(*formats[i]),
+                                                std::move(*formats[i])});
+    }
+    report.ignoredFiles = names.takeIgnoredFiles();
+    report.ignoredFolders = names.takeIgnoredFolders();
+    return report;
+}
+
+} // namespace torvo
