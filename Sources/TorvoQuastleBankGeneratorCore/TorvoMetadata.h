@@ -36,11 +36,13 @@ public:
                          std::optional<std::int64_t> channel) const;
 
 private:
+    bool isStampable(const EnumeratedItem& item) const;
+
     std::shared_ptr<const FileManager> fileManager_;
 };
 
-/// The channel that the name of a file's folder gives: an optional sign and ASCII digits in the range
-/// 1 to 8, or none.
+/// The channel that the name of a file's folder gives: an optional sign and ASCII digits in the
+/// range 1 to 8, or none.
 std::optional<std::int64_t> channelNumber(const FileURL& file);
 
 } // namespace torvo

@@ -1,0 +1,256 @@
+#include "TorvoMetadata.h"
+
+#include "Models/GenerationError.h"
+#include "Platform/Precondition.h"
+#include "Platform/UnicodeText.h"
+#include "RiffChunks.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <ranges>
+#include <span>
+#include <string_view>
+#include <utility>
+
+namespace torvo {
+
+namespace {
+
+constexpr std::size_t payloadSize = 1936;
+constexpr std::uint32_t payloadSignature = 0x12345677;
+constexpr std::size_t chunkHeaderSize = 8;
+
+using Payload = std::vector<std::byte>; ///< `payloadSize` bytes
+
+/// Offsets in the payload, in bytes.
+namespace at {
+constexpr std::size_t signature = 0;
+constexpr std::size_t bits = 24;
+constexpr std::size_t filter = 50;
+constexpr std::array<std::size_t, 3> dataSize{16, 20, 916};
+constexpr std::array<std::size_t, 2> rate{54, 55};
+constexpr std::array<std::size_t, 3> channelIndex{62, 63, 909};
+} // namespace at
+
+/// One of the three CV routings: where its word stands, which bit of the word routes it, and where
+/// its block of four bytes stands.
+struct CVRouting {
+    std::size_t wordOffset;
+    std::uint32_t routingBit;
+    std::size_t blockOffset;
+};
+
+constexpr std::array<CVRouting, 3> cvRoutings{{
+    {76, 0x4000, 160}, // CV1: filter cutoff
+    {80, 0x8000, 252}, // CV2: filter resonance
+    {84, 0x20, 300},   // CV3: playback speed
+}};
+
+std::span<std::byte, 4> wordAt(Payload& payload, std::size_t offset) {
+    return std::span(payload).subspan(offset).first<4>();
+}
+
+void writeUInt32(std::span<std::byte, 4> bytes, std::uint32_t value) {
+    for (auto& byte : bytes) {
+        byte = static_cast<std::byte>(value);
+        value >>= 8U;
+    }
+}
+
+/// Bytes of a fresh payload that are neither zero nor taken from the options. What they mean to the
+/// device is not known; they are what it writes itself.
+void writeFixedBytes(Payload& payload) {
+    constexpr std::array<std::pair<std::size_t, int>, 14> fixedBytes{{{43, 4},
+                                                                      {48, 1},
+                                                                      {58, 0xEE},
+                                                                      {59, 0x7F},
+                                                                      {60, 0xCC},
+                                                                      {61, 0x4C},
+                                                                      {72, 0xFF},
+                                                                      {73, 0xFF},
+                                                                      {74, 0xFF},
+                                                                      {75, 0xFF},
+                                                                      {904, 4},
+                                                                      {1680, 1},
+                                                                      {1684, 0xE8},
+                                                                      {1685, 0x03}}};
+    for (const auto& [offset, value] : fixedBytes)
+        payload[offset] = static_cast<std::byte>(value);
+    for (std::size_t block = 0; block < 8; ++block) {
+        for (std::size_t entry = 0; entry < 17; ++entry)
+            payload[110 + 88 * block + 4 * entry] = std::byte{99};
+    }
+}
+
+Payload freshPayload(std::uint32_t dataSize, std::optional<std::int64_t> channel) {
+    Payload payload(payloadSize);
+    writeFixedBytes(payload);
+    writeUInt32(wordAt(payload, at::signature), payloadSignature);
+    for (const auto offset : at::dataSize)
+        writeUInt32(wordAt(payload, offset), dataSize);
+    const auto index = std::clamp<std::int64_t>(channel.value_or(1), 1, 8) - 1;
+    for (const auto offset : at::channelIndex)
+        payload[offset] = static_cast<std::byte>(index);
+    return payload;
+}
+
+void routeCV(Payload& payload) {
+    std::uint32_t allBits = 0;
+    for (const auto& routing : cvRoutings)
+        allBits |= routing.routingBit;
+    for (const auto& routing : cvRoutings) {
+        const auto word = wordAt(payload, routing.wordOffset);
+        writeUInt32(word, (readUInt32(word) & ~allBits) | routing.routingBit);
+        constexpr std::array<std::byte, 4> block{std::byte{0}, std::byte{0}, std::byte{99},
+                                                 std::byte{0}};
+        std::ranges::copy(block, wordAt(payload, routing.blockOffset).begin());
+    }
+}
+
+void writeSettings(Payload& payload, const TorvoMetadataOptions& options,
+                   std::optional<std::int64_t> channel) {
+    precondition(options.bits >= 0 && options.bits <= 255, "the bit depth fits into one byte");
+    payload[at::bits] = static_cast<std::byte>(options.bits);
+    for (const auto offset : at::rate)
+        payload[offset] = static_cast<std::byte>(storedByte(options.rate));
+    payload[at::filter] = (payload[at::filter] & std::byte{0xF0}) |
+                          static_cast<std::byte>(rawValue(options.filterType));
+    if (options.appliesCV(channel))
+        routeCV(payload);
+}
+
+/// A search that a damaged tail ends without an error: a new chunk is then appended.
+std::optional<RiffChunk> findBusyChunk(const ByteSource& bytes) {
+    RiffChunkWalk walk(bytes);
+    while (const auto chunk = walk.next()) {
+        if (!walk.fits(*chunk))
+            return std::nullopt;
+        if (chunk->is("busy"))
+            return chunk;
+    }
+    return std::nullopt;
+}
+
+/// Replace `replacedSize` bytes at `offset` by `bytes`.
+struct Edit {
+    std::uint64_t offset = 0;
+    std::uint64_t replacedSize = 0;
+    std::vector<std::byte> bytes;
+};
+
+std::vector<std::byte> chunkWith(const Payload& payload) {
+    std::vector<std::byte> chunk(chunkHeaderSize);
+    std::ranges::copy(std::as_bytes(std::span(std::string_view("busy"))), chunk.begin());
+    writeUInt32(wordAt(chunk, 4), static_cast<std::uint32_t>(payload.size()));
+    chunk.insert(chunk.end(), payload.begin(), payload.end());
+    return chunk;
+}
+
+/// The RIFF size is never touched, also when the file grows: the device does not read it, and files
+/// stamped long ago stay byte for byte what they were.
+Edit busyChunkEdit(const ByteSource& bytes, const TorvoMetadataOptions& options,
+                   std::optional<std::int64_t> channel) {
+    const auto data = findDataChunk(bytes);
+    const auto busy = findBusyChunk(bytes);
+    const bool hasFullPayload = busy && busy->payloadSize == payloadSize;
+
+    Payload payload;
+    if (hasFullPayload) {
+        payload.resize(payloadSize);
+        bytes.read(busy->payloadOffset(), payload);
+    }
+    // A payload of the device's own kind keeps what it says of sizes and channel.
+    if (!hasFullPayload || readUInt32(wordAt(payload, at::signature)) != payloadSignature)
+        payload = freshPayload(data.payloadSize, channel);
+    writeSettings(payload, options, channel);
+
+    if (hasFullPayload)
+        return {busy->payloadOffset(), payloadSize, std::move(payload)};
+    // The pad byte of an odd old payload is not part of the range and stays, on purpose.
+    if (busy)
+        return {busy->headerOffset, busy->payloadEnd() - busy->headerOffset, chunkWith(payload)};
+    return {bytes.size(), 0, chunkWith(payload)};
+}
+
+} // namespace
+
+TorvoWAVMetadataWriter::TorvoWAVMetadataWriter(std::shared_ptr<const FileManager> fileManager)
+    : fileManager_(std::move(fileManager)) {}
+
+void TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options, const FileURL& to,
+                                   std::optional<std::int64_t> channel) const {
+    const auto status = fileManager_->status(to.path());
+    auto bytes = readFile(*fileManager_, to.path());
+    updateBusyChunk(bytes, options, channel);
+    writeFileAtomically(*fileManager_, to.path(), bytes,
+                        status ? std::optional(status->permissions) : std::nullopt);
+}
+
+std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
+                                           const FileURL& toWAVsUnder) const {
+    // The list is complete before the first file is written: a walk over a folder that is being
+    // rewritten may meet a file twice.
+    const auto items = enumerateDeep(*fileManager_, toWAVsUnder, EnumerationOptions::skipHidden);
+    if (!items)
+        return 0;
+    std::int64_t written = 0;
+    for (const auto& item : *items) {
+        if (text::lowercased(item.url.pathExtension()) != "wav" || !isStampable(item))
+            continue;
+        apply(options, item.url, channelNumber(item.url));
+        ++written;
+    }
+    fileManager_->flushVolume(toWAVsUnder.path());
+    return written;
+}
+
+/// Files, and links to files; a folder named x.wav is a folder.
+bool TorvoWAVMetadataWriter::isStampable(const EnumeratedItem& item) const {
+    if (item.kind != FileKind::symbolicLink)
+        return item.kind == FileKind::regular;
+    const auto target = fileManager_->status(item.url.path());
+    return target && target->kind == FileKind::regular;
+}
+
+void TorvoWAVMetadataWriter::updateBusyChunk(std::vector<std::byte>& in,
+                                             const TorvoMetadataOptions& options,
+                                             std::optional<std::int64_t> channel) const {
+    const auto edit = busyChunkEdit(MemoryByteSource(in), options, channel);
+    const auto begin = in.begin() + static_cast<std::ptrdiff_t>(edit.offset);
+    const auto kept = std::min<std::uint64_t>(edit.replacedSize, edit.bytes.size());
+    const auto middle = edit.bytes.begin() + static_cast<std::ptrdiff_t>(kept);
+    auto position = std::copy(edit.bytes.begin(), middle, begin);
+    position = in.erase(position, begin + static_cast<std::ptrdiff_t>(edit.replacedSize));
+    in.insert(position, middle, edit.bytes.end());
+}
+
+void TorvoWAVMetadataWriter::updateBusyChunk(File& in, const TorvoMetadataOptions& options,
+                                             std::optional<std::int64_t> channel) const {
+    const FileByteSource source(in);
+    auto edit = busyChunkEdit(source, options, channel);
+    if (edit.replacedSize != edit.bytes.size()) {
+        const auto tailOffset = edit.offset + edit.replacedSize;
+        std::vector<std::byte> tail(source.size() - tailOffset);
+        source.read(tailOffset, tail);
+        edit.bytes.insert(edit.bytes.end(), tail.begin(), tail.end());
+        const auto newSize = edit.offset + edit.bytes.size();
+        if (newSize < source.size())
+            in.resize(newSize);
+    }
+    in.write(edit.offset, edit.bytes);
+}
+
+std::optional<std::int64_t> channelNumber(const FileURL& file) {
+    const auto name = file.deletingLastPathComponent().lastPathComponent();
+    std::string_view digits = name;
+    if (digits.starts_with('+'))
+        digits.remove_prefix(1); // a negative number is no channel anyway
+    std::int64_t number = 0;
+    const auto* end = digits.data() + digits.size();
+    const auto [stopped, error] = std::from_chars(digits.data(), end, number);
+    const bool isWhole = error == std::errc() && stopped == end;
+    return isWhole && number >= 1 && number <= 8 ? std::optional(number) : std::nullopt;
+}
+
+} // namespace torvo
