@@ -1,0 +1,241 @@
+#include "BankExporter.h"
+
+#include "Models/BankNameScheme.h"
+#include "Models/GenerationError.h"
+#include "Platform/UnicodeText.h"
+
+#include <algorithm>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace torvo {
+
+namespace {
+
+constexpr std::string_view deviceFolderName = "QZT508";
+constexpr std::int64_t deviceChannels = 8;
+
+FileURL folderIn(const FileURL& parent, std::string_view name) {
+    return parent.appendingPathComponent(name, FileURL::Kind::directory);
+}
+
+/// ASCII letters and digits with single "-" between them, or "Sample".
+std::string sanitizedFileName(std::string_view from) {
+    const auto isASCIIAlphanumeric = [](char32_t c) {
+        return (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z') || (c >= U'0' && c <= U'9');
+    };
+    std::string name;
+    for (const char32_t scalar : text::scalars(from)) {
+        if (isASCIIAlphanumeric(scalar))
+            name += static_cast<char>(scalar);
+        else if (!name.empty() && name.back() != '-')
+            name += '-';
+    }
+    if (name.ends_with('-'))
+        name.pop_back();
+    return name.empty() ? "Sample" : name;
+}
+
+/// The names taken in one pool folder. Two that differ only in case are one: the tree ends on a
+/// card whose file system thinks so.
+class PoolNames {
+public:
+    std::string nextAvailable(const SampleCandidate& sample) {
+        const auto base = sanitizedFileName(sample.displayName);
+        auto name = base + ".wav";
+        for (std::int64_t n = 2; !taken_.insert(text::lowercased(name)).second; ++n)
+            name = base + "-" + zeroPadded(n, 3) + ".wav";
+        return name;
+    }
+
+private:
+    std::set<std::string> taken_;
+};
+
+/// The run folder lies directly in the export folder, or nothing is touched.
+void requirePlainRunFolder(const FileManager& fileManager, const FileURL& runFolder,
+                           const std::string& name) {
+    if (name.empty() || name == "." || name == ".." ||
+        name.find_first_of(std::string_view("/\0", 2)) != std::string::npos) {
+        throw GenerationError::exportFailed("\"" + name +
+                                            "\" cannot be the name of an export folder.");
+    }
+    const auto status = fileManager.linkStatus(runFolder.path());
+    if (status && status->kind == FileKind::symbolicLink) {
+        throw GenerationError::exportFailed(runFolder.shownPath() +
+                                            " is a link to another place. Nothing was written.");
+    }
+}
+
+/// Whether a folder lies in the device folder, by identity and not by name: links and file systems
+/// without case give one folder many names.
+class DeviceFolderGuard {
+public:
+    DeviceFolderGuard(const FileManager& fileManager, FileIdentity deviceFolder)
+        : fileManager_(fileManager), deviceFolder_(deviceFolder) {}
+
+    bool holds(const FileURL& folder) {
+        const auto& path = folder.path().native();
+        if (const auto known = answers_.find(path); known != answers_.end())
+            return known->second;
+        const auto status = fileManager_.status(folder.path());
+        const bool answer = (status && status->identity == deviceFolder_) ||
+                            (path != "/" && holds(folder.deletingLastPathComponent()));
+        answers_.emplace(path, answer);
+        return answer;
+    }
+
+private:
+    const FileManager& fileManager_;
+    FileIdentity deviceFolder_;
+    std::unordered_map<std::string, bool> answers_;
+};
+
+/// Replacing the device folder must not delete what the run reads.
+void requireSamplesOutside(const FileManager& fileManager, const FileURL& deviceFolder,
+                           const std::vector<BankRecipe>& recipes) {
+    const auto status = fileManager.linkStatus(deviceFolder.path());
+    if (!status || status->kind != FileKind::directory)
+        return;
+    DeviceFolderGuard guard(fileManager, status->identity);
+    for (const auto& recipe : recipes) {
+        for (const auto& [channel, sample] : recipe.channels) {
+            const auto resolved = resolvingSymlinks(fileManager, sample.sourceURL);
+            if (guard.holds(resolved.deletingLastPathComponent())) {
+                throw GenerationError::exportFailed(
+                    "The sample " + sample.sourceURL.lastPathComponent() + " lies inside " +
+                    deviceFolder.shownPath() + ", which this export would replace.");
+            }
+        }
+    }
+}
+
+void writeInfo(const FileManager& fileManager, const FileURL& bankFolder,
+               const std::string& shortName) {
+    const auto ascii = text::lossyASCII(shortName);
+    const auto file =
+        fileManager.open(bankFolder.appendingPathComponent("info.txt").path(), OpenMode::create);
+    file->write(0, std::as_bytes(std::span(ascii)));
+    file->close();
+}
+
+/// One export: where it writes and what it has counted.
+class Run {
+public:
+    Run(const FileManager& fileManager, const AudioFilePreparing& preparer,
+        const TorvoWAVMetadataWriter& metadataWriter, const ExportJob& job,
+        const FileURL& deviceFolder)
+        : fileManager_(fileManager),
+          preparer_(preparer),
+          metadataWriter_(metadataWriter),
+          job_(job),
+          poolFolder_(folderIn(deviceFolder, "Pool")) {
+        summary_.rootFolder = deviceFolder;
+        summary_.banksWritten = static_cast<std::int64_t>(job.recipes.size());
+        fileManager_.createDirectory(poolFolder_.path());
+    }
+
+    void write(const BankRecipe& recipe) {
+        const auto bankFolder =
+            folderIn(summary_.rootFolder, "Bank " + std::to_string(recipe.bankIndex));
+        fileManager_.createDirectory(bankFolder.path());
+        writeInfo(fileManager_, bankFolder, recipe.shortName);
+        const auto bankPool = folderIn(poolFolder_, "Bank " + zeroPadded(recipe.bankIndex, 2));
+        fileManager_.createDirectory(bankPool.path());
+
+        summary_.reusedBankCount += recipe.reusedSamples ? 1 : 0;
+        if (recipe.channels.empty())
+            return;
+        // A fixed count of the eight channels, taken before any file is written, on purpose: it
+        // tells how many pool files a full bank has, not how many were made.
+        summary_.poolFilesWritten += deviceChannels;
+        for (std::int64_t channel = 1; channel <= deviceChannels; ++channel)
+            writeChannel(recipe, channel, bankFolder, bankPool);
+    }
+
+    const ExportSummary& summary() const { return summary_; }
+
+private:
+    void writeChannel(const BankRecipe& recipe, std::int64_t channel, const FileURL& bankFolder,
+                      const FileURL& bankPool) {
+        const auto found = recipe.channels.find(channel);
+        if (found == recipe.channels.end()) {
+            throw GenerationError::exportFailed("Missing channel " + std::to_string(channel) +
+                                                " for bank " + std::to_string(recipe.bankIndex));
+        }
+        const auto& sample = found->second;
+        const auto channelFolder = folderIn(bankFolder, std::to_string(channel));
+        fileManager_.createDirectory(channelFolder.path());
+        writeStamped(
+            sample, channel,
+            channelFolder.appendingPathComponent(sanitizedFileName(sample.displayName) + ".wav"));
+        writeStamped(
+            sample, channel,
+            bankPool.appendingPathComponent(poolNames_[recipe.bankIndex].nextAvailable(sample)));
+    }
+
+    void writeStamped(const SampleCandidate& sample, std::int64_t channel,
+                      const FileURL& destination) {
+        switch (preparer_.prepare(sample, destination)) {
+        case SamplePreparationMode::copied:
+            ++summary_.copiedFiles;
+            break;
+        case SamplePreparationMode::converted:
+            ++summary_.convertedFiles;
+            break;
+        }
+        const auto file = fileManager_.open(destination.path(), OpenMode::update);
+        metadataWriter_.updateBusyChunk(*file, job_.metadataOptions, channel);
+        file->close();
+    }
+
+    const FileManager& fileManager_;
+    const AudioFilePreparing& preparer_;
+    const TorvoWAVMetadataWriter& metadataWriter_;
+    const ExportJob& job_;
+    FileURL poolFolder_;
+    std::unordered_map<std::int64_t, PoolNames> poolNames_; ///< by bank
+    ExportSummary summary_;
+};
+
+} // namespace
+
+BankExporter::BankExporter(std::shared_ptr<const FileManager> fileManager,
+                           std::shared_ptr<const AudioFilePreparing> preparer,
+                           TorvoWAVMetadataWriter metadataWriter)
+    : fileManager_(std::move(fileManager)),
+      preparer_(std::move(preparer)),
+      metadataWriter_(std::move(metadataWriter)) {}
+
+ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& progress) const {
+    const auto& name = job.naming.exportFolderName();
+    const auto runFolder = folderIn(job.exportFolder, name);
+    const auto deviceFolder = folderIn(runFolder, deviceFolderName);
+    requirePlainRunFolder(*fileManager_, runFolder, name);
+    requireSamplesOutside(*fileManager_, deviceFolder, job.recipes);
+
+    fileManager_->createDirectory(runFolder.path());
+    if (fileManager_->linkStatus(deviceFolder.path()))
+        fileManager_->removeItem(deviceFolder.path());
+    fileManager_->createDirectory(deviceFolder.path());
+
+    const auto runPreparer = preparer_->forRun(job.recipes);
+    Run run(*fileManager_, runPreparer ? *runPreparer : *preparer_, metadataWriter_, job,
+            deviceFolder);
+    std::int64_t completed = 0;
+    for (const auto& recipe : job.recipes) {
+        run.write(recipe);
+        ++completed;
+        if (progress)
+            progress({completed, run.summary().banksWritten, recipe.shortName});
+    }
+    // "Written" means on the medium: a card may be pulled out as soon as the user reads it.
+    fileManager_->flushVolume(deviceFolder.path());
+    return run.summary();
+}
+
+} // namespace torvo
