@@ -29,8 +29,8 @@ private:
     std::shared_ptr<const FileManager> fileManager_;
 };
 
-/// The rule that says which files the device takes unchanged: WAV, 44100 Hz, 16 or 24 bits of linear
-/// PCM, any number of channels.
+/// The rule that says which files the device takes unchanged: WAV, 44100 Hz, 16 or 24 bits of
+/// linear PCM, any number of channels.
 struct AudioCompatibilityEvaluator {
     /// A sample rate that is not finite ends the process.
     SampleCompatibility compatibility(const AudioFormatDetails& details) const;
@@ -44,8 +44,8 @@ class AudioFilePreparing {
 public:
     virtual ~AudioFilePreparing() = default;
 
-    /// Replaces whatever stands at the destination. Throws `GenerationError` or `FileError`; a partial
-    /// destination is then left as it stands.
+    /// Replaces whatever stands at the destination. Throws `GenerationError` or `FileError`; a
+    /// partial destination is then left as it stands.
     virtual SamplePreparationMode prepare(const SampleCandidate& sample,
                                           const FileURL& destinationURL) const = 0;
 

@@ -11,8 +11,7 @@ namespace torvo {
 /// Builds, writes and reads the JSON record of a run.
 class BankMappingStore {
 public:
-    explicit BankMappingStore(
-        std::shared_ptr<const FileManager> fileManager = systemFileManager());
+    explicit BankMappingStore(std::shared_ptr<const FileManager> fileManager = systemFileManager());
 
     /// Version 2, dated now.
     BankMappingDocument document(const FileURL& sourceFolder, GenerationMode generationMode,

@@ -21,8 +21,8 @@ TemporaryFolder::TemporaryFolder() {
 TemporaryFolder::~TemporaryFolder() {
     std::error_code ignored;
     // A test may have locked a folder.
-    for (fs::recursive_directory_iterator it(path_, fs::directory_options::skip_permission_denied,
-                                             ignored),
+    for (fs::recursive_directory_iterator
+             it(path_, fs::directory_options::skip_permission_denied, ignored),
          end;
          it != end; it.increment(ignored)) {
         if (it->is_directory(ignored) && !it->is_symlink(ignored))
@@ -64,7 +64,9 @@ std::string textOf(const fs::path& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::vector<std::byte> bytesOf(const fs::path& path) { return bytes(textOf(path)); }
+std::vector<std::byte> bytesOf(const fs::path& path) {
+    return bytes(textOf(path));
+}
 
 std::vector<std::byte> bytes(std::string_view text) {
     const auto view = std::as_bytes(std::span(text));

@@ -88,7 +88,8 @@ std::vector<std::byte> wavFile(const WavFormat& format, std::span<const double> 
 std::vector<std::byte> wavFile(const WavFormat& format, std::size_t frameCount) {
     std::vector<double> samples(frameCount * format.channels);
     for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = 0.5 * std::sin(static_cast<double>(i) * 0.0371 + 1.0 / (1.0 + static_cast<double>(i)));
+        samples[i] =
+            0.5 * std::sin(static_cast<double>(i) * 0.0371 + 1.0 / (1.0 + static_cast<double>(i)));
     return wavFile(format, samples);
 }
 
