@@ -1,0 +1,179 @@
+// Drives the core from the command line exactly as the application model does. A developer program:
+// for benchmarks, profiles and end-to-end checks.
+
+#include "Arguments.h"
+#include "AudioSupport.h"
+#include "BankExporter.h"
+#include "BankGenerator.h"
+#include "BankMappingStore.h"
+#include "Json.h"
+#include "SampleScanner.h"
+#include "TorvoMetadata.h"
+
+#include <chrono>
+#include <iostream>
+#include <limits>
+#include <random>
+
+namespace torvo::bankrun {
+
+namespace {
+
+using nlohmann::json;
+
+class Stopwatch {
+public:
+    double seconds() const {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+SampleScanner scanner() {
+    return {std::make_shared<AVAudioFileInspector>(), AudioCompatibilityEvaluator{},
+            systemFileManager()};
+}
+
+BankExporter exporter() {
+    return {systemFileManager(), std::make_shared<AVAudioSamplePreparer>(),
+            TorvoWAVMetadataWriter()};
+}
+
+std::uint64_t drawnSeed() {
+    std::random_device device;
+    return std::uniform_int_distribution<std::uint64_t>(
+        1, std::numeric_limits<std::uint64_t>::max())(device);
+}
+
+json countsJson(const ScanReport& report) {
+    auto counts = json::object();
+    for (const auto& [role, count] : report.countsByRole())
+        counts[std::string(rawValue(role))] = count;
+    return counts;
+}
+
+json summaryJson(const ExportSummary& summary, std::uint64_t seed) {
+    return {{"seed", seed},
+            {"rootFolder", summary.rootFolder.shownPath()},
+            {"banksWritten", summary.banksWritten},
+            {"copiedFiles", summary.copiedFiles},
+            {"convertedFiles", summary.convertedFiles},
+            {"reusedBankCount", summary.reusedBankCount},
+            {"poolFilesWritten", summary.poolFilesWritten}};
+}
+
+ExportJob jobFor(const BankMappingDocument& document, const Arguments& arguments) {
+    return {.sourceFolder = document.sourceFolder,
+            .exportFolder = FileURL::directory(*arguments.out),
+            .generationTemplate = document.generationTemplate,
+            .targetBankCount = static_cast<std::int64_t>(document.recipes.size()),
+            .seed = document.recipes.empty() ? 0 : document.recipes.front().seed,
+            .naming = document.naming,
+            .metadataOptions = arguments.metadataOptions,
+            .recipes = document.recipes};
+}
+
+/// Writes the document's banks; the seconds of the export are added to `result`.
+void exportDocument(const BankMappingDocument& document, const Arguments& arguments, json& result) {
+    const auto job = jobFor(document, arguments);
+    const Stopwatch watch;
+    result.update(summaryJson(exporter().exportBanks(job), job.seed));
+    result["seconds"]["export"] = watch.seconds();
+}
+
+json generate(const Arguments& arguments) {
+    auto result = json::object();
+    const Stopwatch scanWatch;
+    const auto report = scanner().scan(FileURL::directory(*arguments.source), arguments.mode);
+    result["seconds"]["scan"] = scanWatch.seconds();
+    result["counts"] = countsJson(report);
+
+    const BankMappingStore store;
+    const Stopwatch generateWatch;
+    const BankNameScheme naming(report.sourceFolder.lastPathComponent());
+    const auto& chosen = generationTemplate(arguments.mode);
+    const auto document = store.document(
+        report.sourceFolder, arguments.mode, naming, chosen,
+        BankGenerator().makeRecipes(report.buckets, arguments.mode, chosen, arguments.banks, naming,
+                                    arguments.seed ? *arguments.seed : drawnSeed()));
+    result["seconds"]["generate"] = generateWatch.seconds();
+
+    exportDocument(document, arguments, result);
+    if (arguments.json)
+        store.exportDocument(document, FileURL(*arguments.json));
+    return result;
+}
+
+json import(const Arguments& arguments) {
+    auto result = json::object();
+    const BankMappingStore store;
+    const auto document = store.importDocument(FileURL(*arguments.import));
+    exportDocument(document, arguments, result);
+    if (arguments.json)
+        store.exportDocument(document, FileURL(*arguments.json));
+    return result;
+}
+
+json candidateJson(const SampleCandidate& candidate) {
+    const auto* conversion = std::get_if<RequiresConversion>(&candidate.compatibility);
+    return {{"path", candidate.sourceURL.shownPath()},
+            {"displayName", candidate.displayName},
+            {"reason", conversion == nullptr ? json() : json(conversion->reason)},
+            {"format", candidate.formatDetails}};
+}
+
+json scan(const Arguments& arguments) {
+    const Stopwatch watch;
+    const auto report = scanner().scan(FileURL::directory(*arguments.scan), arguments.mode);
+    const double seconds = watch.seconds();
+
+    auto buckets = json::object();
+    for (const auto role : allChannelRoles) {
+        auto& list = buckets[std::string(rawValue(role))] = json::array();
+        for (const auto& candidate : report.buckets.samples(role))
+            list.push_back(candidateJson(candidate));
+    }
+    return {{"mode", report.mode},
+            {"counts", countsJson(report)},
+            {"ignoredFiles", report.ignoredFiles},
+            {"ignoredFolders", report.ignoredFolders},
+            {"buckets", std::move(buckets)},
+            {"seconds", {{"scan", seconds}}}};
+}
+
+json stamp(const Arguments& arguments) {
+    const Stopwatch watch;
+    const auto stamped = TorvoWAVMetadataWriter().apply(arguments.metadataOptions,
+                                                        FileURL::directory(*arguments.stamp));
+    return {{"stamped", stamped}, {"seconds", {{"stamp", watch.seconds()}}}};
+}
+
+json run(const Arguments& arguments) {
+    if (arguments.scan)
+        return scan(arguments);
+    if (arguments.import)
+        return import(arguments);
+    if (arguments.stamp)
+        return stamp(arguments);
+    return generate(arguments);
+}
+
+} // namespace
+
+} // namespace torvo::bankrun
+
+int main(int argc, char** argv) {
+    try {
+        std::cout << torvo::bankrun::run(torvo::bankrun::parseArguments(argc, argv)).dump(2)
+                  << std::endl;
+        return std::cout ? 0 : 1;
+    } catch (const torvo::bankrun::UsageError& error) {
+        std::cerr << error.what() << "\n" << torvo::bankrun::usage;
+        return 2;
+    } catch (const std::exception& error) {
+        std::cerr << torvo::userFacingDescription(error) << std::endl;
+        return 1;
+    }
+}
