@@ -1,0 +1,99 @@
+#include "AudioSupport.h"
+
+#include "AudioSupport/AudioError.h"
+#include "AudioSupport/AudioReader.h"
+#include "AudioSupport/Conversion.h"
+#include "AudioSupport/ConvertedFileWriter.h"
+#include "Models/GenerationError.h"
+#include "Platform/Precondition.h"
+#include "Platform/UnicodeText.h"
+#include "RiffChunks.h"
+
+#include <cmath>
+#include <utility>
+
+namespace torvo {
+
+namespace {
+
+bool isWavExtension(const AudioFormatDetails& details) {
+    return text::lowercased(details.fileExtension) == "wav";
+}
+
+bool isDeviceRate(const AudioFormatDetails& details) {
+    return std::abs(details.sampleRate - 44100.0) < 0.5;
+}
+
+bool isDeviceDepth(const AudioFormatDetails& details) {
+    return details.bitDepth == 16 || details.bitDepth == 24;
+}
+
+} // namespace
+
+AVAudioFileInspector::AVAudioFileInspector(std::shared_ptr<const FileManager> fileManager)
+    : fileManager_(std::move(fileManager)) {}
+
+AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& at) const {
+    try {
+        const auto file = fileManager_->open(at.path(), OpenMode::read);
+        const FileByteSource bytes(*file);
+        const AudioStreamFormat format = openAudio(bytes)->format();
+        const AudioFormatDetails details{text::lowercased(at.pathExtension()), format.sampleRate,
+                                         format.channels, format.bitDepth, format.isLinearPCM};
+        // It would be copied unchanged, and then its stamp would fail and end the run.
+        if (std::holds_alternative<CompatibleWav>(
+                AudioCompatibilityEvaluator{}.compatibility(details)))
+            findDataChunk(bytes);
+        return details;
+    } catch (const AudioError&) {
+        throw GenerationError::unsupportedAudio(at);
+    }
+}
+
+SampleCompatibility
+AudioCompatibilityEvaluator::compatibility(const AudioFormatDetails& details) const {
+    const double roundedRate = std::round(details.sampleRate);
+    precondition(std::abs(roundedRate) < std::ldexp(1.0, 63),
+                 "a sample rate is finite and fits a 64-bit integer");
+    std::string reason;
+    const auto add = [&reason](const std::string& failed) {
+        reason += (reason.empty() ? "" : ", ") + failed;
+    };
+    if (!isWavExtension(details))
+        add("non-WAV source");
+    if (!isDeviceRate(details))
+        add("sample rate " + std::to_string(static_cast<std::int64_t>(roundedRate)) + " Hz");
+    if (!isDeviceDepth(details))
+        add("bit depth " + std::to_string(details.bitDepth));
+    if (!details.isLinearPCM)
+        add("non-PCM encoding");
+    if (reason.empty())
+        return CompatibleWav{};
+    return RequiresConversion{reason};
+}
+
+std::shared_ptr<const AudioFilePreparing>
+AudioFilePreparing::forRun(const std::vector<BankRecipe>&) const {
+    return nullptr;
+}
+
+AVAudioSamplePreparer::AVAudioSamplePreparer(std::shared_ptr<const FileManager> fileManager)
+    : fileManager_(std::move(fileManager)) {}
+
+SamplePreparationMode AVAudioSamplePreparer::prepare(const SampleCandidate& sample,
+                                                     const FileURL& destinationURL) const {
+    if (std::holds_alternative<RequiresConversion>(sample.compatibility)) {
+        convertFile(*fileManager_, sample.sourceURL, destinationURL);
+        return SamplePreparationMode::converted;
+    }
+    removeExisting(*fileManager_, destinationURL);
+    fileManager_->copyItem(sample.sourceURL.path(), destinationURL.path());
+    return SamplePreparationMode::copied;
+}
+
+std::shared_ptr<const AudioFilePreparing>
+AVAudioSamplePreparer::forRun(const std::vector<BankRecipe>&) const {
+    return nullptr;
+}
+
+} // namespace torvo

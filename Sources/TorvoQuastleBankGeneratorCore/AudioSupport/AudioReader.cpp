@@ -1,0 +1,21 @@
+#include "AudioSupport/AudioReader.h"
+
+#include "AudioSupport/AudioError.h"
+#include "AudioSupport/AudioFileType.h"
+#include "AudioSupport/CompressedAudioReader.h"
+#include "AudioSupport/WavReader.h"
+
+namespace torvo {
+
+std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes) {
+    const auto type = audioFileType(bytes);
+    if (!type)
+        throw AudioError::invalidData();
+    if (type->container == AudioContainer::wav) {
+        if (auto reader = WavReader::open(bytes))
+            return reader;
+    }
+    return std::make_unique<CompressedAudioReader>(bytes, *type);
+}
+
+} // namespace torvo

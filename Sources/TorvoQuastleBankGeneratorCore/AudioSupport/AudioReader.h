@@ -1,0 +1,45 @@
+#pragma once
+
+#include "RiffChunks.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace torvo {
+
+/// What is stored, before any decoding.
+struct AudioStreamFormat {
+    double sampleRate = 0; ///< Hz, from `lowestSampleRate` to `highestSampleRate`
+    std::int64_t channels = 0;
+    /// The container's bits for integer and float PCM, 8 for A-law and mu-law, 0 for the rest.
+    std::int64_t bitDepth = 0;
+    /// Integer PCM. Float is none, in whatever file it stands: the device plays integers only.
+    bool isLinearPCM = false;
+};
+
+// No recording is outside of these; a file that claims so only costs time or space.
+constexpr double lowestSampleRate = 1;
+constexpr double highestSampleRate = 16'000'000;
+
+/// One audio file being decoded from its first frame to its last, mixed to mono. Functions throw
+/// `AudioError`, or the `FileError` of the bytes below.
+class AudioReader {
+public:
+    virtual ~AudioReader() = default;
+
+    virtual const AudioStreamFormat& format() const = 0;
+    /// How many frames will come, when the file tells.
+    virtual std::optional<std::uint64_t> expectedFrameCount() const = 0;
+    /// Fills `frames` with the mean of all channels, full scale at 1; fewer than asked for come
+    /// back only at the end. Every value is finite.
+    virtual std::size_t read(std::span<double> frames) = 0;
+};
+
+/// Chooses the reader by the first bytes, never by a name, and opens the file with it.
+/// `bytes` outlives the reader.
+std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes);
+
+} // namespace torvo

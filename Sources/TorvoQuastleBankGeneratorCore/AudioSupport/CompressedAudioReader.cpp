@@ -1,0 +1,268 @@
+#include "AudioSupport/CompressedAudioReader.h"
+
+#include "AudioSupport/AudioError.h"
+#include "AudioSupport/FrameMix.h"
+#include "AudioSupport/MediaInput.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <new>
+
+namespace torvo {
+
+namespace {
+
+struct Encoding {
+    AVCodecID codec;
+    std::int64_t bitDepth = 0;
+    bool isLinearPCM = false;
+};
+
+/// What is decoded; every line is covered by a test.
+constexpr Encoding encodings[] = {
+    {AV_CODEC_ID_PCM_S8, 8, true},
+    {AV_CODEC_ID_PCM_U8, 8, true},
+    {AV_CODEC_ID_PCM_S16LE, 16, true},
+    {AV_CODEC_ID_PCM_S16BE, 16, true},
+    {AV_CODEC_ID_PCM_S24LE, 24, true},
+    {AV_CODEC_ID_PCM_S24BE, 24, true},
+    {AV_CODEC_ID_PCM_S32LE, 32, true},
+    {AV_CODEC_ID_PCM_S32BE, 32, true},
+    {AV_CODEC_ID_PCM_F32LE, 32},
+    {AV_CODEC_ID_PCM_F32BE, 32},
+    {AV_CODEC_ID_PCM_F64LE, 64},
+    {AV_CODEC_ID_PCM_F64BE, 64},
+    {AV_CODEC_ID_PCM_ALAW, 8},
+    {AV_CODEC_ID_PCM_MULAW, 8},
+    {AV_CODEC_ID_ADPCM_MS},
+    {AV_CODEC_ID_ADPCM_IMA_WAV},
+    {AV_CODEC_ID_ADPCM_IMA_QT},
+    {AV_CODEC_ID_MP2},
+    {AV_CODEC_ID_MP3},
+    {AV_CODEC_ID_AAC},
+    {AV_CODEC_ID_ALAC},
+    {AV_CODEC_ID_FLAC},
+    {AV_CODEC_ID_VORBIS},
+    {AV_CODEC_ID_OPUS},
+    {AV_CODEC_ID_WMAV1},
+    {AV_CODEC_ID_WMAV2},
+    {AV_CODEC_ID_WAVPACK},
+    {AV_CODEC_ID_TTA},
+};
+
+const Encoding& encodingOf(AVCodecID codec) {
+    const auto* const found = std::ranges::find(encodings, codec, &Encoding::codec);
+    if (found == std::end(encodings))
+        throw AudioError::invalidData();
+    return *found;
+}
+
+bool isUncompressed(const Encoding& encoding) {
+    return encoding.bitDepth != 0;
+}
+
+bool isMovingPicture(const AVStream& stream) {
+    constexpr int pictures =
+        AV_DISPOSITION_ATTACHED_PIC | AV_DISPOSITION_TIMED_THUMBNAILS | AV_DISPOSITION_STILL_IMAGE;
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+           (stream.disposition & pictures) == 0;
+}
+
+/// The first audio stream, the only one that is not discarded.
+AVStream& chooseStream(AVFormatContext& context) {
+    AVStream* chosen = nullptr;
+    for (AVStream* const stream : std::span(context.streams, context.nb_streams)) {
+        if (isMovingPicture(*stream))
+            throw AudioError::invalidData();
+        if (chosen == nullptr && stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO)
+            chosen = stream;
+        else
+            stream->discard = AVDISCARD_ALL;
+    }
+    if (chosen == nullptr)
+        throw AudioError::invalidData();
+    return *chosen;
+}
+
+void check(int status) {
+    if (status == AVERROR(ENOMEM))
+        throw std::bad_alloc();
+    if (status < 0)
+        throw AudioError(status);
+}
+
+/// The count of real frames in the gapless tag of AAC files: four hexadecimal words, of which the
+/// second and third are delay and padding and the fourth is the count.
+std::optional<std::uint64_t> taggedFrameCount(const AVFormatContext& context) {
+    const AVDictionaryEntry* const tag = av_dict_get(context.metadata, "iTunSMPB", nullptr, 0);
+    unsigned long long count = 0;
+    if (tag == nullptr || std::sscanf(tag->value, "%*x %*x %*x %llx", &count) != 1 || count == 0)
+        return std::nullopt;
+    return count;
+}
+
+} // namespace
+
+class CompressedAudioReader::Decoder {
+public:
+    Decoder(const ByteSource& bytes, const AudioFileType& type)
+        : input_(bytes, type),
+          stream_(chooseStream(input_.context())),
+          encoding_(encodingOf(stream_.codecpar->codec_id)),
+          packet_(av_packet_alloc()),
+          frame_(av_frame_alloc()) {
+        if (!packet_ || !frame_)
+            throw std::bad_alloc();
+        openCodec();
+        const AVCodecParameters& parameters = *stream_.codecpar;
+        format_ = {static_cast<double>(parameters.sample_rate), parameters.ch_layout.nb_channels,
+                   encoding_.bitDepth, encoding_.isLinearPCM};
+        if (isUncompressed(encoding_))
+            checkPCMLayout();
+        else
+            decodeFirstFrame();
+        if (format_.channels <= 0 || format_.sampleRate < lowestSampleRate ||
+            format_.sampleRate > highestSampleRate)
+            throw AudioError::invalidData();
+        framesLeft_ = declaredFrameCount();
+    }
+
+    const AudioStreamFormat& format() const { return format_; }
+    std::optional<std::uint64_t> framesLeft() const { return framesLeft_; }
+
+    std::size_t read(std::span<double> frames) {
+        if (framesLeft_ && *framesLeft_ < frames.size())
+            frames = frames.first(static_cast<std::size_t>(*framesLeft_));
+        std::size_t done = 0;
+        while (done < frames.size() && (position_ < frameLength() || nextFrame())) {
+            const auto part =
+                frames.subspan(done, std::min(frames.size() - done, frameLength() - position_));
+            mixFrame(*frame_, position_, part);
+            position_ += part.size();
+            done += part.size();
+        }
+        if (framesLeft_)
+            *framesLeft_ -= done;
+        return done;
+    }
+
+private:
+    void openCodec() {
+        const AVCodec* const decoder = avcodec_find_decoder(encoding_.codec);
+        if (decoder == nullptr)
+            throw AudioError(AVERROR_DECODER_NOT_FOUND);
+        codec_.reset(avcodec_alloc_context3(decoder));
+        if (!codec_)
+            throw std::bad_alloc();
+        check(avcodec_parameters_to_context(codec_.get(), stream_.codecpar));
+        codec_->pkt_timebase = stream_.time_base;
+        codec_->thread_count = 1;
+        check(avcodec_open2(codec_.get(), decoder, nullptr));
+    }
+
+    /// The library reads samples at their own width: in a wider container it would play noise.
+    void checkPCMLayout() const {
+        const AVCodecParameters& parameters = *stream_.codecpar;
+        const std::int64_t frameSize = format_.channels * format_.bitDepth / 8;
+        if (parameters.block_align != 0 && parameters.block_align != frameSize)
+            throw AudioError::invalidData();
+    }
+
+    void decodeFirstFrame() {
+        if (nextFrame()) {
+            format_.sampleRate = frame_->sample_rate;
+            format_.channels = frame_->ch_layout.nb_channels;
+            return;
+        }
+        // Without a packet a file may still be a whole one that holds nothing.
+        const bool isDeclaredEmpty = stream_.duration == 0 || stream_.duration == AV_NOPTS_VALUE;
+        if (packetSeen_ || !isDeclaredEmpty)
+            throw AudioError::invalidData();
+    }
+
+    std::optional<std::uint64_t> declaredFrameCount() const {
+        if (encoding_.codec == AV_CODEC_ID_AAC) {
+            if (const auto tagged = taggedFrameCount(input_.context()))
+                return tagged;
+        }
+        if (stream_.duration == AV_NOPTS_VALUE || stream_.duration < 0)
+            return std::nullopt;
+        const AVRational frameTime{1, static_cast<int>(format_.sampleRate)};
+        return static_cast<std::uint64_t>(
+            av_rescale_q(stream_.duration, stream_.time_base, frameTime));
+    }
+
+    std::size_t frameLength() const { return static_cast<std::size_t>(frame_->nb_samples); }
+
+    /// A frame that belongs to what came before. False at the end.
+    bool nextFrame() {
+        position_ = 0;
+        for (;;) {
+            const int status = avcodec_receive_frame(codec_.get(), frame_.get());
+            if (status == AVERROR(ENOMEM))
+                throw std::bad_alloc();
+            if (status == 0) {
+                if (frame_->nb_samples > 0 && frame_->ch_layout.nb_channels > 0 &&
+                    (!rateKnown_ || frame_->sample_rate == codecRate_)) {
+                    codecRate_ = frame_->sample_rate;
+                    rateKnown_ = true;
+                    return true;
+                }
+                continue;
+            }
+            if (isDraining_) {
+                av_frame_unref(frame_.get());
+                return false;
+            }
+            sendPacket();
+        }
+    }
+
+    void sendPacket() {
+        av_packet_unref(packet_.get());
+        if (!input_.readPacket(*packet_)) {
+            isDraining_ = true;
+            avcodec_send_packet(codec_.get(), nullptr);
+            return;
+        }
+        if (packet_->stream_index != stream_.index)
+            return;
+        packetSeen_ = true;
+        // What is damaged gives no frame; the next packet may.
+        if (avcodec_send_packet(codec_.get(), packet_.get()) == AVERROR(ENOMEM))
+            throw std::bad_alloc();
+    }
+
+    MediaInput input_;
+    AVStream& stream_;
+    Encoding encoding_;
+    AudioStreamFormat format_;
+    ffmpeg::CodecContext codec_;
+    ffmpeg::Packet packet_;
+    ffmpeg::Frame frame_;
+    std::size_t position_ = 0; ///< in `frame_`
+    std::optional<std::uint64_t> framesLeft_;
+    int codecRate_ = 0; ///< Hz
+    bool rateKnown_ = false;
+    bool packetSeen_ = false;
+    bool isDraining_ = false;
+};
+
+CompressedAudioReader::CompressedAudioReader(const ByteSource& bytes, const AudioFileType& type)
+    : decoder_(std::make_unique<Decoder>(bytes, type)) {}
+
+CompressedAudioReader::~CompressedAudioReader() = default;
+
+const AudioStreamFormat& CompressedAudioReader::format() const {
+    return decoder_->format();
+}
+
+std::optional<std::uint64_t> CompressedAudioReader::expectedFrameCount() const {
+    return decoder_->framesLeft();
+}
+
+std::size_t CompressedAudioReader::read(std::span<double> frames) {
+    return decoder_->read(frames);
+}
+
+} // namespace torvo

@@ -1,0 +1,111 @@
+#include "AudioSupport/Conversion.h"
+
+#include "AudioSupport/AudioError.h"
+#include "AudioSupport/ConvertedFileWriter.h"
+#include "AudioSupport/StatusCheck.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace torvo {
+
+namespace {
+
+std::int16_t rounded(double sample) {
+    constexpr double fullScale = 32768;
+    return static_cast<std::int16_t>(
+        std::lrint(std::clamp(sample * fullScale, -fullScale, fullScale - 1)));
+}
+
+class HeaderBytes {
+public:
+    void text(std::string_view value) {
+        for (const char character : value)
+            bytes_[length_++] = static_cast<std::byte>(character);
+    }
+    void integer(std::uint32_t value, unsigned byteCount) {
+        for (unsigned i = 0; i < byteCount; ++i)
+            bytes_[length_++] = static_cast<std::byte>(value >> (8 * i) & 0xFF);
+    }
+    const std::array<std::byte, convertedHeaderSize>& bytes() const { return bytes_; }
+
+private:
+    std::array<std::byte, convertedHeaderSize> bytes_{};
+    std::size_t length_ = 0;
+};
+
+} // namespace
+
+std::array<std::byte, convertedHeaderSize> convertedHeader(std::uint32_t dataSize) {
+    constexpr std::uint32_t integerPCM = 1;
+    constexpr std::uint32_t channels = 1;
+    constexpr std::uint32_t sampleRate = 44100; // Hz
+    constexpr std::uint32_t bytesPerFrame = 2;
+    HeaderBytes header;
+    header.text("RIFF");
+    header.integer(static_cast<std::uint32_t>(convertedHeaderSize - 8) + dataSize, 4);
+    header.text("WAVE");
+    header.text("fmt ");
+    header.integer(16, 4);
+    header.integer(integerPCM, 2);
+    header.integer(channels, 2);
+    header.integer(sampleRate, 4);
+    header.integer(sampleRate * bytesPerFrame, 4);
+    header.integer(bytesPerFrame, 2);
+    header.integer(8 * bytesPerFrame, 2);
+    header.text("data");
+    header.integer(dataSize, 4);
+    return header.bytes();
+}
+
+ConversionSource::ConversionSource(const FileManager& fileManager, const FileURL& url) {
+    checkingStatus("Unable to open source audio file " + url.lastPathComponent() + ".", [&] {
+        file_ = fileManager.open(url.path(), OpenMode::read);
+        bytes_ = std::make_unique<FileByteSource>(*file_);
+        reader_ = openAudio(*bytes_);
+    });
+}
+
+ConversionSource::~ConversionSource() = default;
+
+void ConversionSource::configure() {
+    checkingStatus("Unable to configure source audio conversion.",
+                   [&] { resampler_.emplace(*reader_); });
+}
+
+std::optional<std::uint64_t> ConversionSource::expectedDataSize() const {
+    const auto frames = resampler_->expectedFrameCount();
+    if (!frames)
+        return std::nullopt;
+    return std::min<std::uint64_t>(*frames, UINT64_MAX / sizeof(std::int16_t)) *
+           sizeof(std::int16_t);
+}
+
+std::size_t ConversionSource::read(std::span<std::byte> block) {
+    std::array<double, conversionBlockFrames> frames;
+    const auto wanted =
+        std::span(frames).first(std::min(frames.size(), block.size() / sizeof(std::int16_t)));
+    std::size_t count = 0;
+    checkingStatus("Unable to read source audio data.", [&] { count = resampler_->read(wanted); });
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto word = static_cast<std::uint16_t>(rounded(frames[i]));
+        block[2 * i] = static_cast<std::byte>(word & 0xFF);
+        block[2 * i + 1] = static_cast<std::byte>(word >> 8);
+    }
+    return count * sizeof(std::int16_t);
+}
+
+void convertFile(const FileManager& fileManager, const FileURL& source,
+                 const FileURL& destination) {
+    removeExisting(fileManager, destination);
+    ConversionSource input(fileManager, source);
+    ConvertedFileWriter output(fileManager, destination);
+    input.configure();
+    output.configure(input.expectedDataSize());
+    std::array<std::byte, conversionBlockFrames * sizeof(std::int16_t)> block;
+    while (const std::size_t count = input.read(block))
+        output.write(std::span(block).first(count));
+    output.finish();
+}
+
+} // namespace torvo

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "AudioSupport/Resampler.h"
+#include "Platform/FileManager.h"
+#include "Platform/FileURL.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace torvo {
+
+/// What is moved at a time, from reading to writing.
+constexpr std::size_t conversionBlockFrames = 4096;
+/// The header of a converted file: RIFF, one "fmt " chunk, the header of "data".
+constexpr std::size_t convertedHeaderSize = 44; // bytes
+/// The longest recording that the 32-bit sizes of a WAV file can tell, in bytes of audio.
+constexpr std::uint64_t longestConvertedData = 0xFFFFFFFE - (convertedHeaderSize - 8);
+
+/// The header of a WAV file with `dataSize` bytes at 44100 Hz, 16-bit, mono.
+std::array<std::byte, convertedHeaderSize> convertedHeader(std::uint32_t dataSize);
+
+/// A sample file opened for conversion, read as the device's 16-bit frames. Every function throws
+/// `GenerationError::exportFailed` with the text for the user and the library's status.
+class ConversionSource {
+public:
+    ConversionSource(const FileManager& fileManager, const FileURL& url);
+    ~ConversionSource();
+
+    /// Chooses the filter; before the first `read`.
+    void configure();
+    /// How many bytes of audio will come, when the file tells; after `configure`.
+    std::optional<std::uint64_t> expectedDataSize() const;
+    /// Fills `block` with little-endian 16-bit frames; returns how many bytes, none at the end.
+    std::size_t read(std::span<std::byte> block);
+
+private:
+    std::unique_ptr<const File> file_;
+    std::unique_ptr<const FileByteSource> bytes_;
+    std::unique_ptr<AudioReader> reader_;
+    std::optional<Resampler> resampler_;
+};
+
+/// Converts a file, block by block. What stood at the destination is removed first; what a failure
+/// leaves there stays.
+void convertFile(const FileManager& fileManager, const FileURL& source, const FileURL& destination);
+
+} // namespace torvo

@@ -1,0 +1,34 @@
+#pragma once
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/log.h>
+}
+
+#include <memory>
+
+/// Every handle of the media library, each freed by the library's own function.
+namespace torvo::ffmpeg {
+
+template <auto freeHandle>
+struct Free {
+    template <typename Handle>
+    void operator()(Handle* handle) const {
+        freeHandle(&handle);
+    }
+};
+
+/// The library may have put a larger buffer in the place of the first one.
+inline void freeIOContext(AVIOContext** context) {
+    av_freep(&(*context)->buffer);
+    avio_context_free(context);
+}
+
+using FormatContext = std::unique_ptr<AVFormatContext, Free<avformat_close_input>>;
+using IOContext = std::unique_ptr<AVIOContext, Free<freeIOContext>>;
+using CodecContext = std::unique_ptr<AVCodecContext, Free<avcodec_free_context>>;
+using Packet = std::unique_ptr<AVPacket, Free<av_packet_free>>;
+using Frame = std::unique_ptr<AVFrame, Free<av_frame_free>>;
+
+} // namespace torvo::ffmpeg

@@ -1,0 +1,132 @@
+#include "AudioSupport/MpegAudioFrames.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string_view>
+
+namespace torvo {
+
+namespace {
+
+constexpr int framesThatConvince = 4;
+constexpr std::uint64_t mostPadding = 64 * 1024; // bytes
+
+struct Frame {
+    bool isADTS = false;
+    std::uint32_t length = 0; ///< bytes, header included
+    std::uint32_t kind = 0;   ///< what stays the same in every frame of a stream
+};
+
+constexpr std::uint32_t bits(std::uint32_t word, unsigned shift, unsigned count) {
+    return word >> shift & ((1U << count) - 1);
+}
+
+std::optional<Frame> parseMpegHeader(std::uint32_t word) {
+    // Bit rates in kbit/s by index: MPEG-1 layer II, MPEG-1 layer III, MPEG-2 layers II and III.
+    constexpr std::array<std::array<std::uint32_t, 15>, 3> bitRates = {{
+        {0, 32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384},
+        {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320},
+        {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160},
+    }};
+    constexpr std::array<std::uint32_t, 3> sampleRates = {44100, 48000, 32000}; // Hz, MPEG-1
+    constexpr std::uint32_t layerIII = 1;
+    constexpr std::uint32_t layerII = 2;
+    constexpr std::uint32_t mpeg25 = 0;
+    constexpr std::uint32_t mpeg1 = 3;
+
+    const std::uint32_t version = bits(word, 19, 2);
+    const std::uint32_t layer = bits(word, 17, 2);
+    const std::uint32_t bitRateIndex = bits(word, 12, 4);
+    const std::uint32_t sampleRateIndex = bits(word, 10, 2);
+    constexpr std::uint32_t reservedVersion = 1;
+    constexpr std::uint32_t reservedEmphasis = 2;
+    if (bits(word, 21, 11) != 0x7FF || version == reservedVersion ||
+        (layer != layerII && layer != layerIII) || bitRateIndex == 0 || bitRateIndex == 15 ||
+        sampleRateIndex == 3 || bits(word, 0, 2) == reservedEmphasis)
+        return std::nullopt;
+    const std::size_t table = version != mpeg1 ? 2 : layer == layerIII ? 1 : 0;
+    const std::uint32_t sampleRate = sampleRates[sampleRateIndex] >> (version == mpeg1    ? 0
+                                                                      : version == mpeg25 ? 2
+                                                                                          : 1);
+    // Half the samples in a layer III frame of the lower rates, so half the bytes.
+    const std::uint32_t bytesPerBitRate = layer == layerIII && version != mpeg1 ? 72'000 : 144'000;
+    const std::uint32_t length =
+        bytesPerBitRate * bitRates[table][bitRateIndex] / sampleRate + bits(word, 9, 1);
+    // Version, layer and sample rate; the bit rate and the channel mode may change.
+    return Frame{false, length, word & 0x001E0C00};
+}
+
+std::optional<Frame> parseADTSHeader(std::uint32_t word, std::uint32_t rest) {
+    constexpr std::uint32_t headerLength = 7;
+    const std::uint32_t length = bits(word, 0, 2) << 11 | bits(rest, 21, 11);
+    const std::uint32_t sampleRateIndex = bits(word, 10, 4);
+    if (bits(word, 20, 12) != 0xFFF || bits(word, 17, 2) != 0 || sampleRateIndex > 12 ||
+        length <= headerLength)
+        return std::nullopt;
+    // Version, profile, sample rate and channels.
+    return Frame{true, length, word & 0x0008FDC0};
+}
+
+std::optional<Frame> frameAt(const ByteSource& bytes, std::uint64_t offset) {
+    std::array<std::byte, 8> header{};
+    const std::size_t count = bytes.read(offset, header);
+    if (count < 4)
+        return std::nullopt;
+    const std::uint32_t word = readUInt32(std::span(header).first<4>(), ByteOrder::big);
+    if (const auto frame = parseMpegHeader(word))
+        return frame;
+    return count < header.size()
+               ? std::nullopt
+               : parseADTSHeader(word, readUInt32(std::span(header).last<4>(), ByteOrder::big));
+}
+
+std::uint64_t skipZeros(const ByteSource& bytes, std::uint64_t offset) {
+    std::array<std::byte, 1024> block;
+    const std::uint64_t limit = offset + mostPadding;
+    while (offset < limit) {
+        const auto part = std::span(block).first(bytes.read(offset, block));
+        const auto found =
+            std::ranges::find_if(part, [](std::byte byte) { return byte != std::byte{0}; });
+        offset += static_cast<std::uint64_t>(found - part.begin());
+        if (found != part.end() || part.empty())
+            break;
+    }
+    return offset;
+}
+
+/// Tags that players write behind the audio: ID3v1, APEv2, Lyrics3.
+bool tagBegins(const ByteSource& bytes, std::uint64_t offset) {
+    std::array<char, 8> block{};
+    const std::size_t count = bytes.read(offset, std::as_writable_bytes(std::span(block)));
+    const std::string_view head(block.data(), count);
+    return head.starts_with("TAG") || head == "APETAGEX" || head == "LYRICSBE";
+}
+
+bool framesFollow(const ByteSource& bytes, const Frame& first, std::uint64_t offset) {
+    offset += first.length;
+    for (int count = 1; count < framesThatConvince; ++count) {
+        if (offset == bytes.size() || tagBegins(bytes, offset))
+            return true;
+        // A last frame that was cut off, behind complete ones.
+        if (offset > bytes.size())
+            return count > 2;
+        const auto next = frameAt(bytes, offset);
+        if (!next || next->isADTS != first.isADTS || next->kind != first.kind)
+            return false;
+        offset += next->length;
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<MpegAudioStart> findMpegAudio(const ByteSource& bytes, std::uint64_t offset) {
+    const std::uint64_t start = skipZeros(bytes, offset);
+    const auto first = frameAt(bytes, start);
+    if (!first || !framesFollow(bytes, *first, start))
+        return std::nullopt;
+    return MpegAudioStart{first->isADTS, start};
+}
+
+} // namespace torvo

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "AudioSupport/AudioReader.h"
+
+#include <vector>
+
+namespace torvo {
+
+/// Integer (8 bits unsigned, 16, 24, 32) and float (32, 64) PCM in WAV files: RIFF and RIFX
+/// (Microsoft/IBM, Multimedia Programming Interface and Data Specifications 1.0), the extensible
+/// format chunk (Microsoft, Multiple Channel Audio Data and WAVE Files), RF64 and BW64 (EBU Tech
+/// 3306, ITU-R BS.2088). The first "fmt " and the first "data" chunk count; a "data" chunk that
+/// runs past the end is read as far as the file goes.
+class WavReader final : public AudioReader {
+public:
+    /// Null when the encoding is none of these; `AudioError` when there is no usable format chunk
+    /// or no data chunk.
+    static std::unique_ptr<WavReader> open(const ByteSource& bytes);
+
+    const AudioStreamFormat& format() const override { return format_; }
+    std::optional<std::uint64_t> expectedFrameCount() const override { return frameCount_; }
+    std::size_t read(std::span<double> frames) override;
+
+private:
+    using Decode = void (*)(std::span<const std::byte> block, std::size_t channelCount,
+                            std::span<double> frames);
+
+    WavReader(const ByteSource& bytes, const AudioStreamFormat& format, Decode decode,
+              std::uint64_t dataOffset, std::uint64_t frameCount, std::uint32_t blockAlign);
+
+    const ByteSource& bytes_;
+    AudioStreamFormat format_;
+    Decode decode_;
+    std::uint64_t position_; ///< bytes
+    std::uint64_t frameCount_;
+    std::uint64_t framesLeft_;
+    std::uint32_t blockAlign_; ///< bytes per frame
+    std::vector<std::byte> block_;
+};
+
+} // namespace torvo
