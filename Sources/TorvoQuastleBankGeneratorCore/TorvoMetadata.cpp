@@ -140,10 +140,10 @@ struct Edit {
 };
 
 std::vector<std::byte> chunkWith(const Payload& payload) {
-    std::vector<std::byte> chunk(chunkHeaderSize);
+    std::vector<std::byte> chunk(chunkHeaderSize + payload.size());
     std::ranges::copy(std::as_bytes(std::span(std::string_view("busy"))), chunk.begin());
     writeUInt32(wordAt(chunk, 4), static_cast<std::uint32_t>(payload.size()));
-    chunk.insert(chunk.end(), payload.begin(), payload.end());
+    std::ranges::copy(payload, chunk.begin() + chunkHeaderSize);
     return chunk;
 }
 
