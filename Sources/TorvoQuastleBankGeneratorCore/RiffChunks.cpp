@@ -33,9 +33,14 @@ std::size_t MemoryByteSource::read(std::uint64_t offset, std::span<std::byte> by
 }
 
 FileByteSource::FileByteSource(const File& file)
-    : file_(file), size_(file.size()), headLength_(file.read(0, head_)) {}
+    : file_(file),
+      size_(file.size()),
+      headLength_(file.read(0, std::span(head_).first(static_cast<std::size_t>(
+                                   std::min<std::uint64_t>(size_, head_.size()))))) {}
 
 std::size_t FileByteSource::read(std::uint64_t offset, std::span<std::byte> bytes) const {
+    if (offset >= size_)
+        return 0;
     if (offset <= headLength_ && bytes.size() <= headLength_ - offset)
         return copyRange(std::span(head_).first(headLength_), offset, bytes);
     return file_.read(offset, bytes);
