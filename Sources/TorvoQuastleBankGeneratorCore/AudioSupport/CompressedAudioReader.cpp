@@ -157,6 +157,9 @@ private:
         check(avcodec_parameters_to_context(codec_.get(), stream_.codecpar));
         codec_->pkt_timebase = stream_.time_base;
         codec_->thread_count = 1;
+        // The decoder would throw its first frame away, which is real sound.
+        if (encoding_.codec == AV_CODEC_ID_WMAV1 || encoding_.codec == AV_CODEC_ID_WMAV2)
+            codec_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
         check(avcodec_open2(codec_.get(), decoder, nullptr));
     }
 
@@ -185,9 +188,12 @@ private:
             if (const auto tagged = taggedFrameCount(input_.context()))
                 return tagged;
         }
-        if (stream_.duration == AV_NOPTS_VALUE || stream_.duration < 0)
-            return std::nullopt;
+        // A clock of milliseconds cannot tell a frame. (The clock of AAC with spectral band
+        // replication ticks at half the rate.)
         const AVRational frameTime{1, static_cast<int>(format_.sampleRate)};
+        const bool isExact = av_cmp_q(stream_.time_base, av_mul_q(frameTime, {2, 1})) <= 0;
+        if (stream_.duration == AV_NOPTS_VALUE || stream_.duration < 0 || !isExact)
+            return std::nullopt;
         return static_cast<std::uint64_t>(
             av_rescale_q(stream_.duration, stream_.time_base, frameTime));
     }
