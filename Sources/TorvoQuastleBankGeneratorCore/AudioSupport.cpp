@@ -4,6 +4,7 @@
 #include "AudioSupport/AudioReader.h"
 #include "AudioSupport/Conversion.h"
 #include "AudioSupport/ConvertedFileWriter.h"
+#include "AudioSupport/RunPreparer.h"
 #include "Models/GenerationError.h"
 #include "Platform/Precondition.h"
 #include "Platform/UnicodeText.h"
@@ -92,8 +93,8 @@ SamplePreparationMode AVAudioSamplePreparer::prepare(const SampleCandidate& samp
 }
 
 std::shared_ptr<const AudioFilePreparing>
-AVAudioSamplePreparer::forRun(const std::vector<BankRecipe>&) const {
-    return nullptr;
+AVAudioSamplePreparer::forRun(const std::vector<BankRecipe>& recipes) const {
+    return std::make_shared<RunPreparer>(fileManager_, recipes);
 }
 
 } // namespace torvo

@@ -8,12 +8,14 @@
 namespace torvo {
 
 std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes) {
-    const auto type = audioFileType(bytes);
+    auto type = audioFileType(bytes);
     if (!type)
         throw AudioError::invalidData();
     if (type->container == AudioContainer::wav) {
         if (auto reader = WavReader::open(bytes))
             return reader;
+        if (const auto offset = oggStreamInWav(bytes))
+            type = AudioFileType{AudioContainer::ogg, *offset};
     }
     return std::make_unique<CompressedAudioReader>(bytes, *type);
 }

@@ -157,10 +157,14 @@ private:
         check(avcodec_parameters_to_context(codec_.get(), stream_.codecpar));
         codec_->pkt_timebase = stream_.time_base;
         codec_->thread_count = 1;
-        // The decoder would throw its first frame away, which is real sound.
-        if (encoding_.codec == AV_CODEC_ID_WMAV1 || encoding_.codec == AV_CODEC_ID_WMAV2)
+        // Left to itself the decoder drops two frames, of which the second is real sound.
+        if (isWindowsMedia())
             codec_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
         check(avcodec_open2(codec_.get(), decoder, nullptr));
+    }
+
+    bool isWindowsMedia() const {
+        return encoding_.codec == AV_CODEC_ID_WMAV1 || encoding_.codec == AV_CODEC_ID_WMAV2;
     }
 
     /// The library reads samples at their own width: in a wider container it would play noise.
@@ -175,6 +179,8 @@ private:
         if (nextFrame()) {
             format_.sampleRate = frame_->sample_rate;
             format_.channels = frame_->ch_layout.nb_channels;
+            if (isWindowsMedia())
+                position_ = frameLength();
             return;
         }
         // Without a packet a file may still be a whole one that holds nothing.

@@ -95,17 +95,22 @@ std::size_t ConversionSource::read(std::span<std::byte> block) {
     return count * sizeof(std::int16_t);
 }
 
-void convertFile(const FileManager& fileManager, const FileURL& source,
-                 const FileURL& destination) {
+ConvertedAudio convertFile(const FileManager& fileManager, const FileURL& source,
+                           const FileURL& destination) {
     removeExisting(fileManager, destination);
     ConversionSource input(fileManager, source);
     ConvertedFileWriter output(fileManager, destination);
     input.configure();
     output.configure(input.expectedDataSize());
     std::array<std::byte, conversionBlockFrames * sizeof(std::int16_t)> block;
-    while (const std::size_t count = input.read(block))
+    ConvertedAudio converted;
+    while (const std::size_t count = input.read(block)) {
         output.write(std::span(block).first(count));
+        converted.dataSize += count;
+        converted.fingerprint.add(std::span(block).first(count));
+    }
     output.finish();
+    return converted;
 }
 
 } // namespace torvo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioSupport/Fingerprint.h"
 #include "AudioSupport/Resampler.h"
 #include "Platform/FileManager.h"
 #include "Platform/FileURL.h"
@@ -44,8 +45,17 @@ private:
     std::optional<Resampler> resampler_;
 };
 
+/// What tells one conversion's audio from another's.
+struct ConvertedAudio {
+    std::uint64_t dataSize = 0; ///< bytes
+    Fingerprint fingerprint;    ///< of the audio alone, without the header
+
+    friend bool operator==(const ConvertedAudio&, const ConvertedAudio&) = default;
+};
+
 /// Converts a file, block by block. What stood at the destination is removed first; what a failure
 /// leaves there stays.
-void convertFile(const FileManager& fileManager, const FileURL& source, const FileURL& destination);
+ConvertedAudio convertFile(const FileManager& fileManager, const FileURL& source,
+                           const FileURL& destination);
 
 } // namespace torvo

@@ -217,6 +217,13 @@ std::unique_ptr<WavReader> WavReader::open(const ByteSource& bytes) {
                                                     format.blockAlign));
 }
 
+std::optional<std::uint64_t> oggStreamInWav(const ByteSource& bytes) {
+    const std::uint64_t offset = findChunks(bytes, byteOrder(bytes)).dataOffset;
+    std::array<char, 4> id{};
+    bytes.read(offset, std::as_writable_bytes(std::span(id)));
+    return std::string_view(id.data(), id.size()) == "OggS" ? std::optional(offset) : std::nullopt;
+}
+
 std::size_t WavReader::read(std::span<double> frames) {
     std::size_t done = 0;
     while (done < frames.size() && framesLeft_ > 0) {

@@ -38,4 +38,8 @@ private:
     std::vector<std::byte> block_;
 };
 
+/// Where an Ogg stream begins that stands in the "data" chunk of a WAV file, as some sample
+/// libraries store Vorbis. Absent for every other WAV file.
+std::optional<std::uint64_t> oggStreamInWav(const ByteSource& bytes);
+
 } // namespace torvo
