@@ -1,0 +1,302 @@
+// Every file operation of a scan, a run, a document save and a stamp fails once, and once for good
+// from then on: no half written file under a final name, no false success, no lost source, and a
+// second try gives what an undisturbed first one gives.
+
+#include "FaultyFileManager.h"
+#include "Models/UserFacingDescription.h"
+#include "SmallLibrary.h"
+#include "TreeSnapshot.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cerrno>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace torvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::AnyOf;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+constexpr std::array errorNumbers{EIO, ENOSPC, EACCES, EROFS, EDQUOT, ENAMETOOLONG};
+constexpr std::int64_t bankCount = 2;
+constexpr std::uint64_t seed = 20260301;
+
+/// What became of one attempt: nothing, or the text for the user.
+using Failure = std::optional<std::string>;
+
+Failure attempt(const std::function<void()>& job) {
+    try {
+        job();
+        return std::nullopt;
+    } catch (const std::exception& error) {
+        return userFacingDescription(error);
+    }
+}
+
+using Job = std::function<void(const CoreServices&)>;
+using Judge = std::function<void(const FaultPlan&, const Failure&)>;
+
+/// Runs the job with a fault at its first operation, at its second, … until none is left to fail.
+/// Returns the number of faults that struck.
+std::uint64_t sweep(int errorNumber, FaultPlan::Extent extent, const Job& job, const Judge& judge) {
+    std::uint64_t struck = 0;
+    for (std::uint64_t n = 1;; ++n) {
+        const auto plan = std::make_shared<FaultPlan>(n, errorNumber, extent);
+        const CoreServices services(std::make_shared<FaultyFileManager>(systemFileManager(), plan));
+        const auto failure = attempt([&] { job(services); });
+        const auto fault = plan->firstFault();
+        if (!fault) {
+            EXPECT_FALSE(failure) << *failure;
+            return struck;
+        }
+        ++struck;
+        SCOPED_TRACE("fault " + std::to_string(n) + ": " + fault->errorDescription());
+        judge(*plan, failure);
+        if (::testing::Test::HasFailure())
+            return struck; // one example is enough, the rest would drown it
+    }
+}
+
+std::uint64_t sweepAll(const Job& job, const Judge& judge) {
+    std::uint64_t struck = 0;
+    for (const int errorNumber : errorNumbers) {
+        for (const auto extent : {FaultPlan::Extent::once, FaultPlan::Extent::forGood}) {
+            struck += sweep(errorNumber, extent, job, judge);
+            if (::testing::Test::HasFailure())
+                return struck;
+        }
+    }
+    return struck;
+}
+
+void reportCount(const char* what, std::uint64_t struck) {
+    ::testing::Test::RecordProperty(what, std::to_string(struck));
+    std::printf("[ points   ] %s: %llu\n", what, static_cast<unsigned long long>(struck));
+}
+
+/// The file that the user knows: the hidden one beside a target is not it.
+std::string knownPath(const FileError& fault) {
+    const auto name = fault.path().filename().string();
+    return name.starts_with(".torvo-") ? fault.path().parent_path().string()
+                                       : fault.path().string();
+}
+
+/// The file and the system's reason; a conversion's message has a fixed text and gives the reason
+/// as a number.
+void expectNamesFileAndCause(const FaultPlan& plan, const std::string& message) {
+    const auto fault = *plan.firstFault();
+    EXPECT_THAT(message, Not(HasSubstr(".torvo-")));
+    if (message.find("OSStatus") == std::string::npos) {
+        EXPECT_THAT(message, HasSubstr(knownPath(fault)));
+        EXPECT_THAT(message, HasSubstr(fault.code().message()));
+        return;
+    }
+    EXPECT_THAT(message, EndsWith("(OSStatus -" + std::to_string(plan.errorNumber()) + ")"));
+    EXPECT_THAT(message, AnyOf(StartsWith("Unable to open source audio file " +
+                                          fault.path().filename().string()),
+                               StartsWith("Unable to create destination WAV file " +
+                                          fault.path().filename().string()),
+                               StartsWith("Unable to configure source audio conversion."),
+                               StartsWith("Unable to configure destination audio conversion."),
+                               StartsWith("Unable to read source audio data."),
+                               StartsWith("Unable to write converted audio data.")));
+}
+
+/// A library, the document of an undisturbed run and the tree that it gave.
+class FaultSweepTests : public ::testing::Test {
+protected:
+    void SetUp() override {
+        source_ = writeSmallLibrary(folder_);
+        out_ = folder_.createFolder("out");
+        document_ = services_.run(source_, out_, bankCount, seed);
+        sourceBefore_ = snapshotOf(source_);
+        reference_ = snapshotOf(deviceFolder(), Times::doNotCount);
+    }
+
+    fs::path deviceFolder() const { return out_ / "Kit" / "QZT508"; }
+    TreeSnapshot deviceTree() const { return snapshotOf(deviceFolder(), Times::doNotCount); }
+
+    void expectSourceUntouched() const {
+        EXPECT_THAT(differences(sourceBefore_, snapshotOf(source_)), IsEmpty());
+    }
+
+    TemporaryFolder folder_;
+    CoreServices services_{systemFileManager()};
+    fs::path source_;
+    fs::path out_;
+    BankMappingDocument document_;
+    TreeSnapshot sourceBefore_;
+    TreeSnapshot reference_;
+};
+
+TEST_F(FaultSweepTests, aRunFailsWholeOrSucceedsWhole) {
+    const auto struck =
+        sweepAll([&](const CoreServices& services) { services.exportDocument(document_, out_); },
+                 [&](const FaultPlan& plan, const Failure& failure) {
+                     expectSourceUntouched();
+                     if (failure)
+                         expectNamesFileAndCause(plan, *failure);
+                     else
+                         EXPECT_THAT(differences(reference_, deviceTree()), IsEmpty());
+                     services_.exportDocument(document_, out_);
+                     EXPECT_THAT(differences(reference_, deviceTree()), IsEmpty())
+                         << "after a rerun";
+                 });
+    reportCount("run", struck);
+    EXPECT_GT(struck, 3000U);
+}
+
+TEST_F(FaultSweepTests, aStampLeavesEveryFileOldOrNew) {
+    const TorvoMetadataOptions options(12, TorvoPlaybackRate::rate22, TorvoFilterType::lowPass,
+                                       true, {1, 5});
+    const auto stamp = [&](const CoreServices& services) {
+        services.metadataWriter().apply(options, FileURL::directory(deviceFolder()));
+    };
+    const auto keptBeside = folder_ / "kept";
+    fs::copy(deviceFolder(), keptBeside, fs::copy_options::recursive);
+    stamp(services_);
+    const auto stamped = deviceTree();
+    ASSERT_NE(stamped, reference_);
+
+    const auto reset = [&] {
+        fs::remove_all(deviceFolder());
+        fs::copy(keptBeside, deviceFolder(), fs::copy_options::recursive);
+    };
+    reset();
+    const auto struck = sweepAll(stamp, [&](const FaultPlan& plan, const Failure& failure) {
+        const auto now = deviceTree();
+        for (const auto& [path, item] : now) {
+            const auto name = fs::path(path).filename().string();
+            if (reference_.contains(path))
+                EXPECT_TRUE(item == reference_.at(path) || item == stamped.at(path)) << path;
+            else // the card was pulled out in the middle of this file
+                EXPECT_TRUE(name.starts_with('.') && name.ends_with(".tmp")) << path;
+        }
+        if (failure)
+            expectNamesFileAndCause(plan, *failure);
+        else
+            EXPECT_THAT(differences(stamped, now), IsEmpty());
+        stamp(services_);
+        EXPECT_THAT(differences(stamped, deviceTree()), IsEmpty()) << "after a rerun";
+        reset();
+    });
+    reportCount("stamp", struck);
+    EXPECT_GT(struck, 1000U);
+}
+
+TEST_F(FaultSweepTests, aSavedDocumentIsTheOldOneOrTheNewOne) {
+    const auto folder = folder_.createFolder("documents");
+    const auto path = folder / "Kit001.json";
+    const auto save = [&](const CoreServices& services) {
+        services.store().exportDocument(document_, FileURL(path));
+    };
+    save(services_);
+    const auto newText = textOf(path);
+    const std::string oldText = "an older document";
+    for (const bool hadOld : {true, false}) {
+        const auto reset = [&] {
+            fs::remove(path);
+            if (hadOld)
+                folder_.write("documents/Kit001.json", oldText);
+        };
+        reset();
+        const auto struck = sweepAll(save, [&](const FaultPlan& plan, const Failure& failure) {
+            ASSERT_TRUE(failure) << "a save that failed was reported as done";
+            expectNamesFileAndCause(plan, *failure);
+            if (fs::exists(path))
+                EXPECT_THAT(textOf(path), AnyOf(oldText, newText));
+            else
+                EXPECT_FALSE(hadOld);
+            for (const auto& entry : fs::directory_iterator(folder))
+                EXPECT_TRUE(entry.path() == path ||
+                            entry.path().filename().string().starts_with(".torvo-"))
+                    << entry.path();
+            save(services_);
+            EXPECT_EQ(textOf(path), newText);
+            EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1)
+                << "a rerun leaves nothing beside the document";
+            reset();
+        });
+        reportCount(hadOld ? "document over an old one" : "new document", struck);
+        EXPECT_GT(struck, 50U);
+    }
+}
+
+TEST_F(FaultSweepTests, aLoadedDocumentIsWholeOrAnError) {
+    const auto path = folder_ / "Kit001.json";
+    services_.store().exportDocument(document_, FileURL(path));
+    const auto whole = services_.store().importDocument(FileURL(path));
+    std::optional<BankMappingDocument> loaded;
+    const auto struck = sweepAll(
+        [&](const CoreServices& services) {
+            loaded.reset();
+            loaded = services.store().importDocument(FileURL(path));
+        },
+        [&](const FaultPlan& plan, const Failure& failure) {
+            ASSERT_TRUE(failure);
+            EXPECT_FALSE(loaded);
+            expectNamesFileAndCause(plan, *failure);
+        });
+    reportCount("load", struck);
+    EXPECT_EQ(loaded, whole);
+}
+
+/// Every sample of the report, by path.
+std::set<std::string> samplesOf(const ScanReport& report) {
+    std::set<std::string> paths;
+    for (const auto role : allChannelRoles) {
+        for (const auto& sample : report.buckets.samples(role))
+            paths.insert(sample.sourceURL.path().string());
+    }
+    return paths;
+}
+
+TEST_F(FaultSweepTests, aScanNeverInventsAndReportsWhatItCouldNotOpen) {
+    const auto whole = services_.scan(source_);
+    const auto wholeSamples = samplesOf(whole);
+    std::optional<ScanReport> report;
+    const auto struck = sweepAll(
+        [&](const CoreServices& services) {
+            report.reset();
+            report = services.scan(source_);
+        },
+        [&](const FaultPlan& plan, const Failure& failure) {
+            expectSourceUntouched();
+            if (failure) {
+                const auto fault = *plan.firstFault();
+                EXPECT_THAT(*failure, AnyOf("Unable to read " + source_.string() + ".",
+                                            AllOf(HasSubstr(fault.path().string()),
+                                                  HasSubstr(fault.code().message()))));
+                return;
+            }
+            // A file that cannot be opened is listed; a folder that cannot be read is passed over.
+            const auto samples = samplesOf(*report);
+            EXPECT_TRUE(std::ranges::includes(wholeSamples, samples));
+            const bool folderWasPassedOver = plan.firstFault()->operation() == FileOperation::list;
+            for (const auto& missing : wholeSamples) {
+                if (samples.contains(missing) || folderWasPassedOver)
+                    continue;
+                const auto shown = missing.substr(source_.string().size() + 1);
+                EXPECT_THAT(report->ignoredFiles,
+                            ::testing::Contains(IgnoredItem{shown, "Unsupported audio file"}));
+            }
+        });
+    reportCount("scan", struck);
+    EXPECT_EQ(report, whole);
+    EXPECT_GT(struck, 300U);
+}
+
+} // namespace
+} // namespace torvo::test

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "Platform/FileManager.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace torvo::test {
+
+/// Which operations of a `FaultyFileManager` fail, and what has failed so far. Shared by the
+/// manager and every file that it opened.
+class FaultPlan {
+public:
+    enum class Extent {
+        once,    ///< the n-th operation alone
+        forGood, ///< the n-th and all that follow, as when the card is pulled out
+    };
+
+    /// Nothing fails; operations are counted.
+    FaultPlan() = default;
+    /// `failAt` counts from 1.
+    FaultPlan(std::uint64_t failAt, int errorNumber, Extent extent)
+        : failAt_(failAt), errorNumber_(errorNumber), extent_(extent) {}
+
+    /// Counts one operation. True when it is one that fails.
+    bool countsAndFails(FileOperation operation, const std::filesystem::path& path);
+
+    std::uint64_t operationCount() const { return count_; }
+    /// The first failure, if there was one.
+    std::optional<FileError> firstFault() const;
+    int errorNumber() const { return errorNumber_; }
+
+private:
+    std::uint64_t failAt_ = 0;
+    int errorNumber_ = 0;
+    Extent extent_ = Extent::once;
+    std::atomic<std::uint64_t> count_ = 0;
+    mutable std::mutex mutex_;
+    std::optional<FileError> firstFault_;
+};
+
+/// Puts faults between the program and the disk. A write that fails has written its first half, and
+/// a file whose closing fails is closed. Flushing is counted and may fail, but the medium is not
+/// waited for: no test here survives a power cut, and a sweep flushes thousands of times.
+class FaultyFileManager final : public FileManager {
+public:
+    FaultyFileManager(std::shared_ptr<const FileManager> behind, std::shared_ptr<FaultPlan> plan);
+
+    std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
+    std::optional<FileStatus> status(const std::filesystem::path& path) const override;
+    std::filesystem::path resolve(const std::filesystem::path& path) const override;
+    std::vector<DirectoryEntry>
+    contentsOfDirectory(const std::filesystem::path& path) const override;
+    void createDirectory(const std::filesystem::path& path) const override;
+    void removeItem(const std::filesystem::path& path) const override;
+    void copyItem(const std::filesystem::path& source,
+                  const std::filesystem::path& destination) const override;
+    void replaceItem(const std::filesystem::path& destination,
+                     const std::filesystem::path& source) const override;
+    std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;
+    void flushVolume(const std::filesystem::path& path) const override;
+
+private:
+    void check(FileOperation operation, const std::filesystem::path& path) const;
+
+    std::shared_ptr<const FileManager> behind_;
+    std::shared_ptr<FaultPlan> plan_;
+};
+
+} // namespace torvo::test
