@@ -96,13 +96,18 @@ private:
 };
 
 /// Replacing the device folder must not delete what the run reads.
-void requireSamplesOutside(const FileManager& fileManager, const FileURL& deviceFolder,
-                           const std::vector<BankRecipe>& recipes) {
+void requireSourceOutside(const FileManager& fileManager, const FileURL& deviceFolder,
+                          const ExportJob& job) {
     const auto status = fileManager.linkStatus(deviceFolder.path());
     if (!status || status->kind != FileKind::directory)
         return;
     DeviceFolderGuard guard(fileManager, status->identity);
-    for (const auto& recipe : recipes) {
+    if (guard.holds(resolvingSymlinks(fileManager, job.sourceFolder))) {
+        throw GenerationError::exportFailed("The source folder " + job.sourceFolder.shownPath() +
+                                            " lies inside " + deviceFolder.shownPath() +
+                                            ", which this export would replace.");
+    }
+    for (const auto& recipe : job.recipes) {
         for (const auto& [channel, sample] : recipe.channels) {
             const auto resolved = resolvingSymlinks(fileManager, sample.sourceURL);
             if (guard.holds(resolved.deletingLastPathComponent())) {
@@ -216,7 +221,7 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
     const auto runFolder = folderIn(job.exportFolder, name);
     const auto deviceFolder = folderIn(runFolder, deviceFolderName);
     requirePlainRunFolder(*fileManager_, runFolder, name);
-    requireSamplesOutside(*fileManager_, deviceFolder, job.recipes);
+    requireSourceOutside(*fileManager_, deviceFolder, job);
 
     fileManager_->createDirectory(runFolder.path());
     if (fileManager_->linkStatus(deviceFolder.path()))
