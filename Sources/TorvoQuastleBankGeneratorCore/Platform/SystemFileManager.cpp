@@ -280,6 +280,10 @@ public:
         const Descriptor descriptor(openDescriptor(path, O_RDONLY));
         if (!descriptor.isValid() || ::syncfs(descriptor.number()) != 0)
             throw FileError(FileOperation::flush, path, errno);
+        // A file system outside the kernel hears nothing of the call above, but of this one; one
+        // that cannot flush a folder says so with EINVAL.
+        if (::fsync(descriptor.number()) != 0 && errno != EINVAL)
+            throw FileError(FileOperation::flush, path, errno);
     }
 
 private:
