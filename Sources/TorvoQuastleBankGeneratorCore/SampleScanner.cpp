@@ -181,7 +181,8 @@ ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode)
     } catch (const FileError&) {
         throw unreadable();
     }
-    auto items = enumerateDeep(*fileManager_, root, EnumerationOptions::skipPackageContents);
+    auto items = enumerateDeep(*fileManager_, root, EnumerationOptions::skipPackageContents,
+                               UnreadableFolders::passOver);
     if (!items)
         throw unreadable();
 

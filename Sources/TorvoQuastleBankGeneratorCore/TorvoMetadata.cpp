@@ -180,29 +180,41 @@ TorvoWAVMetadataWriter::TorvoWAVMetadataWriter(std::shared_ptr<const FileManager
 
 void TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options, const FileURL& to,
                                    std::optional<std::int64_t> channel) const {
-    const auto status = fileManager_->status(to.path());
-    auto bytes = readFile(*fileManager_, to.path());
-    updateBusyChunk(bytes, options, channel);
-    writeFileAtomically(*fileManager_, to.path(), bytes,
-                        status ? std::optional(status->permissions) : std::nullopt);
+    const auto folder = to.path().parent_path();
+    removeAbandonedTemporaries(*fileManager_, folder);
+    rewrite(to, options, channel);
+    fileManager_->flushVolume(folder);
 }
 
 std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
                                            const FileURL& toWAVsUnder) const {
     // The list is complete before the first file is written: a walk over a folder that is being
     // rewritten may meet a file twice.
-    const auto items = enumerateDeep(*fileManager_, toWAVsUnder, EnumerationOptions::skipHidden);
+    const auto items = enumerateDeep(*fileManager_, toWAVsUnder, EnumerationOptions::skipHidden,
+                                     UnreadableFolders::fail);
     if (!items)
         return 0;
+    removeAbandonedTemporaries(*fileManager_, toWAVsUnder.path());
     std::int64_t written = 0;
     for (const auto& item : *items) {
+        if (item.kind == FileKind::directory)
+            removeAbandonedTemporaries(*fileManager_, item.url.path());
         if (text::lowercased(item.url.pathExtension()) != "wav" || !isStampable(item))
             continue;
-        apply(options, item.url, channelNumber(item.url));
+        rewrite(item.url, options, channelNumber(item.url));
         ++written;
     }
     fileManager_->flushVolume(toWAVsUnder.path());
     return written;
+}
+
+void TorvoWAVMetadataWriter::rewrite(const FileURL& file, const TorvoMetadataOptions& options,
+                                     std::optional<std::int64_t> channel) const {
+    const auto status = fileManager_->status(file.path());
+    auto bytes = readFile(*fileManager_, file.path());
+    updateBusyChunk(bytes, options, channel);
+    writeFileAtomically(*fileManager_, file.path(), bytes,
+                        status ? std::optional(status->permissions) : std::nullopt);
 }
 
 /// Files, and links to files; a folder named x.wav is a folder.

@@ -17,13 +17,15 @@ public:
     explicit TorvoWAVMetadataWriter(
         std::shared_ptr<const FileManager> fileManager = systemFileManager());
 
-    /// Rewrites one file atomically. Throws `GenerationError` when it is no WAV file that can be
-    /// stamped, `FileError` when it cannot be read or written; the file is then as it was.
+    /// Rewrites one file atomically and returns when it is on the medium. Throws `GenerationError`
+    /// when it is no WAV file that can be stamped, `FileError` when it cannot be read or written;
+    /// the file is then as it was.
     void apply(const TorvoMetadataOptions& options, const FileURL& to,
                std::optional<std::int64_t> channel) const;
 
     /// Rewrites every visible WAV file below a folder, each with the channel that its own folder's
-    /// name gives; returns how many. The first failure ends the walk, files already written stay.
+    /// name gives; returns how many once they are on the medium. The first failure ends the walk,
+    /// files already written stay.
     std::int64_t apply(const TorvoMetadataOptions& options, const FileURL& toWAVsUnder) const;
 
     /// The same change to a file's bytes in memory. They are left alone when it throws.
@@ -36,6 +38,8 @@ public:
                          std::optional<std::int64_t> channel) const;
 
 private:
+    void rewrite(const FileURL& file, const TorvoMetadataOptions& options,
+                 std::optional<std::int64_t> channel) const;
     bool isStampable(const EnumeratedItem& item) const;
 
     std::shared_ptr<const FileManager> fileManager_;

@@ -29,24 +29,44 @@ std::vector<DirectoryEntry> sortedContents(const FileManager& fileManager, const
     return entries;
 }
 
+constexpr std::string_view temporaryPrefix = ".torvo-";
+constexpr std::string_view temporarySuffix = ".tmp";
+constexpr std::size_t temporaryDigits = 16;
+
 /// Short, so that it fits beside a name of the greatest length; hidden, so that neither the device
 /// nor a scan takes it for a sample.
 std::string temporaryName() {
     static thread_local std::mt19937_64 random{std::random_device{}()};
-    std::array<char, 40> name{};
-    const auto length = std::snprintf(name.data(), name.size(), ".torvo-%016llx.tmp",
-                                      static_cast<unsigned long long>(random()));
-    return {name.data(), static_cast<std::size_t>(length)};
+    std::array<char, temporaryDigits + 1> digits{};
+    std::snprintf(digits.data(), digits.size(), "%016llx",
+                  static_cast<unsigned long long>(random()));
+    return std::string(temporaryPrefix) + digits.data() + std::string(temporarySuffix);
+}
+
+bool isTemporaryName(std::string_view name) {
+    if (name.size() != temporaryPrefix.size() + temporaryDigits + temporarySuffix.size() ||
+        !name.starts_with(temporaryPrefix) || !name.ends_with(temporarySuffix))
+        return false;
+    return name.substr(temporaryPrefix.size(), temporaryDigits)
+               .find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+bool saysNothingIsThere(const FileError& error) {
+    return error.code() == std::errc::no_such_file_or_directory ||
+           error.code() == std::errc::not_a_directory ||
+           error.code() == std::errc::too_many_symbolic_link_levels;
 }
 
 /// Depth first with an explicit stack: folders may be nested deeper than the call stack is.
 class DeepEnumeration {
 public:
-    DeepEnumeration(const FileManager& fileManager, EnumerationOptions options)
-        : fileManager_(fileManager), options_(options) {}
+    DeepEnumeration(const FileManager& fileManager, EnumerationOptions options,
+                    UnreadableFolders unreadable)
+        : fileManager_(fileManager), options_(options), unreadable_(unreadable) {}
 
-    std::vector<EnumeratedItem> below(const FileURL& root) {
-        enter(root, sortedContents(fileManager_, root.path()));
+    /// `contents` are the root's own entries.
+    std::vector<EnumeratedItem> below(const FileURL& root, std::vector<DirectoryEntry> contents) {
+        enter(root, std::move(contents));
         while (!levels_.empty()) {
             auto& level = levels_.back();
             if (level.next == level.entries.size()) {
@@ -62,7 +82,7 @@ public:
             items_.push_back({url, entry.kind});
             if (isFolder &&
                 !(options_ == EnumerationOptions::skipPackageContents && isPackage(url)))
-                enterIfReadable(url);
+                enterFolder(url);
         }
         return std::move(items_);
     }
@@ -78,16 +98,18 @@ private:
         levels_.push_back({folder, std::move(entries)});
     }
 
-    void enterIfReadable(const FileURL& folder) {
+    void enterFolder(const FileURL& folder) {
         try {
             enter(folder, sortedContents(fileManager_, folder.path()));
         } catch (const FileError&) {
-            // Locked folders are passed over, as a file browser does.
+            if (unreadable_ == UnreadableFolders::fail)
+                throw;
         }
     }
 
     const FileManager& fileManager_;
     EnumerationOptions options_;
+    UnreadableFolders unreadable_;
     std::vector<Level> levels_;
     std::vector<EnumeratedItem> items_;
 };
@@ -123,6 +145,17 @@ void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
     }
 }
 
+void removeAbandonedTemporaries(const FileManager& fileManager, const fs::path& folder) {
+    try {
+        for (const auto& entry : fileManager.contentsOfDirectory(folder)) {
+            if (entry.kind == FileKind::regular && isTemporaryName(entry.name))
+                fileManager.removeItem(folder / entry.name);
+        }
+    } catch (const FileError&) {
+        // Tidying up after an earlier accident is no part of what was asked for.
+    }
+}
+
 FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
     const auto standardized = url.standardized();
     const auto kind = url.hasDirectoryPath() ? FileURL::Kind::directory : FileURL::Kind::file;
@@ -137,8 +170,10 @@ FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
                 for (auto name = missing.rbegin(); name != missing.rend(); ++name)
                     resolved = resolved.appendingPathComponent(*name, kind);
                 return resolved.standardized();
-            } catch (const FileError&) {
+            } catch (const FileError& error) {
                 // A dead link is as far as the path goes; it stays in the result by its own name.
+                if (!saysNothingIsThere(error))
+                    throw;
             }
         }
         missing.push_back(existing.path().filename().native());
@@ -147,13 +182,17 @@ FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
     return standardized;
 }
 
-std::optional<std::vector<EnumeratedItem>>
-enumerateDeep(const FileManager& fileManager, const FileURL& root, EnumerationOptions options) {
+std::optional<std::vector<EnumeratedItem>> enumerateDeep(const FileManager& fileManager,
+                                                         const FileURL& root,
+                                                         EnumerationOptions options,
+                                                         UnreadableFolders unreadable) {
+    std::vector<DirectoryEntry> contents;
     try {
-        return DeepEnumeration(fileManager, options).below(root);
+        contents = sortedContents(fileManager, root.path());
     } catch (const FileError&) {
         return std::nullopt;
     }
+    return DeepEnumeration(fileManager, options, unreadable).below(root, std::move(contents));
 }
 
 } // namespace torvo

@@ -112,8 +112,13 @@ void writeFileAtomically(const FileManager& fileManager, const std::filesystem::
                          std::span<const std::byte> bytes,
                          std::optional<std::filesystem::perms> permissions = std::nullopt);
 
+/// Removes from a folder the hidden files that `writeFileAtomically` leaves when the program is
+/// killed or the card pulled out in the middle. What cannot be listed or removed stays.
+void removeAbandonedTemporaries(const FileManager& fileManager,
+                                const std::filesystem::path& folder);
+
 /// The resolved path of an item that may not exist yet: links are followed as far as there is
-/// something, the rest is standardised.
+/// something, the rest is standardised. Throws `FileError` when what is there cannot be looked at.
 FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url);
 
 /// One item below a folder, as the deep enumeration finds it.
@@ -127,10 +132,17 @@ enum class EnumerationOptions {
     skipHidden,          ///< names that begin with a dot are left out, folders with their content
 };
 
+/// What becomes of a folder below the root that cannot be read.
+enum class UnreadableFolders {
+    passOver, ///< as a file browser does
+    fail,     ///< its `FileError` ends the enumeration
+};
+
 /// Everything below `root`, depth first, the entries of each folder in byte order of their names.
-/// Links are yielded and not followed; folders that cannot be read are passed over. Absent when the
-/// root itself is no folder or cannot be read.
-std::optional<std::vector<EnumeratedItem>>
-enumerateDeep(const FileManager& fileManager, const FileURL& root, EnumerationOptions options);
+/// Links are yielded and not followed. Absent when the root itself is no folder or cannot be read.
+std::optional<std::vector<EnumeratedItem>> enumerateDeep(const FileManager& fileManager,
+                                                         const FileURL& root,
+                                                         EnumerationOptions options,
+                                                         UnreadableFolders unreadable);
 
 } // namespace torvo
