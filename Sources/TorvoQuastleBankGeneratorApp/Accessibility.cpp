@@ -1,0 +1,70 @@
+#include "Accessibility.h"
+
+#include "Controls/Card.h"
+#include "Controls/CountRow.h"
+#include "Controls/DisclosureHeader.h"
+#include "Controls/DisclosureSection.h"
+#include "Controls/LinkButton.h"
+#include "Controls/StatusIcon.h"
+#include "Controls/ThreeWayModeToggle.h"
+#include "Views/LogoView.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+namespace torvo::app {
+
+namespace {
+
+/// A button whose role or state differs from a push button's.
+class AccessibleButton : public QAccessibleWidget {
+public:
+    AccessibleButton(PaintedButton* button, QAccessible::Role role)
+        : QAccessibleWidget(button, role) {}
+
+    QString text(QAccessible::Text kind) const override {
+        const QString own = QAccessibleWidget::text(kind);
+        return kind == QAccessible::Name && own.isEmpty() ? button()->text() : own;
+    }
+    QStringList actionNames() const override { return {pressAction()}; }
+    void doAction(const QString& action) override {
+        if (action == pressAction())
+            button()->click();
+    }
+
+protected:
+    PaintedButton* button() const { return static_cast<PaintedButton*>(widget()); }
+};
+
+class AccessibleDisclosureHeader final : public AccessibleButton {
+public:
+    explicit AccessibleDisclosureHeader(DisclosureHeader* header)
+        : AccessibleButton(header, QAccessible::Button) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = AccessibleButton::state();
+        state.expandable = true;
+        state.expanded = button()->isChecked();
+        state.collapsed = !button()->isChecked();
+        return state;
+    }
+};
+
+QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+    if (auto* header = qobject_cast<DisclosureHeader*>(object))
+        return new AccessibleDisclosureHeader(header);
+    if (auto* link = qobject_cast<LinkButton*>(object))
+        return new AccessibleButton(link, QAccessible::Link);
+    if (qobject_cast<StatusIcon*>(object) || qobject_cast<LogoView*>(object))
+        return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Graphic);
+    if (qobject_cast<Card*>(object) || qobject_cast<CountRow*>(object) ||
+        qobject_cast<DisclosureSection*>(object) || qobject_cast<ThreeWayModeToggle*>(object))
+        return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Grouping);
+    return nullptr;
+}
+
+} // namespace
+
+void installAccessibility() { QAccessible::installFactory(makeInterface); }
+
+} // namespace torvo::app

@@ -1,0 +1,237 @@
+#include "AppModel.h"
+
+#include "Platform/FileManager.h"
+#include "Platform/UnicodeText.h"
+
+#include <QRandomGenerator>
+
+#include <utility>
+
+namespace torvo::app {
+
+namespace {
+
+constexpr std::int64_t targetBankCount = 99;
+constexpr std::string_view deviceFolderName = "QZT508";
+
+bool isDeviceFolder(const FileURL& folder) {
+    return text::equalsIgnoringCase(folder.lastPathComponent(), deviceFolderName);
+}
+
+/// Uniform over 1 … 2^64 − 1, from the system's cryptographic source; 0 is drawn again.
+std::uint64_t drawSeed() {
+    std::uint64_t seed = 0;
+    while (seed == 0)
+        seed = QRandomGenerator::system()->generate64();
+    return seed;
+}
+
+} // namespace
+
+AppModel::AppModel(SampleScanner scanner, BankGenerator generator, BankExporter exporter,
+                   BankMappingStore mappingStore, std::shared_ptr<Panels> panels)
+    : scanner_(std::move(scanner)),
+      generator_(generator),
+      exporter_(std::move(exporter)),
+      mappingStore_(std::move(mappingStore)),
+      panels_(std::move(panels)) {}
+
+bool AppModel::isUpdatingExistingBank() const {
+    return sourceFolder_ && isDeviceFolder(*sourceFolder_);
+}
+
+bool AppModel::canGenerate() const {
+    if (isUpdatingExistingBank() || !exportFolder_)
+        return false;
+    const auto* ready = std::get_if<Ready>(&scanState_);
+    return ready != nullptr && ready->report->mode == generationMode_ &&
+           generator_.canGenerate(ready->report->buckets, generationMode_);
+}
+
+bool AppModel::canApplyExistingBankMetadata() const {
+    if (!isUpdatingExistingBank() || isRunning())
+        return false;
+    try {
+        return systemFileManager()->status(sourceFolder_->path()).has_value();
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
+bool AppModel::canClearSource() const { return sourceFolder_ || currentDocument_; }
+
+std::optional<FileURL> AppModel::expectedExportRoot() const {
+    if (isUpdatingExistingBank())
+        return sourceFolder_;
+    if (!exportFolder_ || (!sourceFolder_ && !currentDocument_))
+        return std::nullopt;
+    const std::string folderName = sourceFolder_ ? sourceFolder_->lastPathComponent()
+                                                 : currentDocument_->naming.sourceFolderName;
+    return exportFolder_->appendingPathComponent(folderName, FileURL::Kind::directory)
+        .appendingPathComponent(deviceFolderName, FileURL::Kind::directory);
+}
+
+void AppModel::setSourceFolder(const FileURL& folder) {
+    assignSourceFolder(folder);
+    if (isDeviceFolder(folder))
+        resetLoadedSourceState();
+    else
+        scanSourceFolder();
+}
+
+void AppModel::clearSource() {
+    assignSourceFolder(std::nullopt);
+    resetLoadedSourceState();
+}
+
+void AppModel::setGenerationMode(GenerationMode mode) {
+    if (mode == generationMode_)
+        return;
+    assignGenerationMode(mode);
+    if (isUpdatingExistingBank() || !sourceFolder_)
+        resetLoadedSourceState();
+    else
+        scanSourceFolder();
+}
+
+void AppModel::setCVChannel(std::int64_t channel, bool enabled) {
+    if (channel < 1 || channel > 8)
+        return;
+    TorvoMetadataOptions options = metadataOptions_;
+    if (enabled)
+        options.cvAssignedChannels.insert(channel);
+    else
+        options.cvAssignedChannels.erase(channel);
+    setMetadataOptions(std::move(options));
+}
+
+std::optional<FileURL> AppModel::pickFolder(const std::string& title) {
+    return panels_->pickFolder(title);
+}
+
+void AppModel::resetLoadedSourceState() {
+    setScanState(Idle{});
+    setRunState(Idle{});
+    setCurrentDocument(nullptr);
+    setLastJSONURL(std::nullopt);
+}
+
+// Intended: a result is never checked against the folder or the mode of the moment. When two scans
+// overlap, the one that ends last sets the state.
+void AppModel::scanSourceFolder() {
+    if (!sourceFolder_)
+        return;
+    setScanState(Scanning{});
+    setRunState(Idle{});
+    setCurrentDocument(nullptr);
+    setLastJSONURL(std::nullopt);
+    tasks_.start([this, scanner = scanner_, folder = *sourceFolder_, mode = generationMode_] {
+        ScanState outcome = Idle{};
+        try {
+            outcome = Ready{std::make_shared<const ScanReport>(scanner.scan(folder, mode))};
+        } catch (...) {
+            outcome = Failed{userFacingDescription(std::current_exception())};
+        }
+        tasks_.postToMainThread(
+            [this, outcome = std::move(outcome)]() mutable { setScanState(std::move(outcome)); });
+    });
+}
+
+void AppModel::generateBanks() {
+    const auto* ready = std::get_if<Ready>(&scanState_);
+    if (ready == nullptr || !exportFolder_ || ready->report->mode != generationMode_)
+        return;
+    startRun([this, report = ready->report, seed = drawSeed(), mode = generationMode_,
+              generator = generator_, exporter = exporter_, store = mappingStore_,
+              exportFolder = *exportFolder_, options = metadataOptions_]() -> Publication {
+        const GenerationTemplate& layout = generationTemplate(mode);
+        const BankNameScheme naming(report->sourceFolder.lastPathComponent());
+        auto recipes =
+            generator.makeRecipes(report->buckets, mode, layout, targetBankCount, naming, seed);
+        auto document = std::make_shared<const BankMappingDocument>(
+            store.document(report->sourceFolder, mode, naming, layout, std::move(recipes)));
+        auto completed = writeBanks(exporter, std::move(document), exportFolder, options);
+        return [this, completed = std::move(completed)] {
+            setCurrentDocument(completed.document);
+            setRunState(Finished{completed});
+        };
+    });
+}
+
+void AppModel::startRun(std::function<Publication()> work) {
+    setRunState(Running{});
+    tasks_.startInTurn([this, work = std::move(work)] {
+        Publication publication;
+        try {
+            publication = work();
+        } catch (...) {
+            publication = [this, failure = userFacingDescription(std::current_exception())] {
+                setRunState(Failed{failure});
+            };
+        }
+        tasks_.postToMainThread(std::move(publication));
+    });
+}
+
+AppModel::CompletedExport AppModel::writeBanks(const BankExporter& exporter,
+                                               std::shared_ptr<const BankMappingDocument> document,
+                                               const FileURL& exportFolder,
+                                               const TorvoMetadataOptions& options) {
+    const ExportJob job{.sourceFolder = document->sourceFolder,
+                        .exportFolder = exportFolder,
+                        .generationTemplate = document->generationTemplate,
+                        .targetBankCount = std::ssize(document->recipes),
+                        .seed = document->recipes.empty() ? 0 : document->recipes.front().seed,
+                        .naming = document->naming,
+                        .metadataOptions = options,
+                        .recipes = document->recipes};
+    const ExportSummary summary = exporter.exportBanks(job, [this](const ProgressUpdate& update) {
+        tasks_.postToMainThread([this, update] { setRunState(Running{update}); });
+    });
+    return {std::move(document), summary, "Random banks created"};
+}
+
+void AppModel::assignSourceFolder(std::optional<FileURL> folder) {
+    sourceFolder_ = std::move(folder);
+    emit sourceFolderChanged();
+}
+
+void AppModel::setExportFolder(std::optional<FileURL> folder) {
+    exportFolder_ = std::move(folder);
+    emit exportFolderChanged();
+}
+
+void AppModel::assignGenerationMode(GenerationMode mode) {
+    generationMode_ = mode;
+    emit generationModeChanged();
+}
+
+void AppModel::setMetadataOptions(TorvoMetadataOptions options) {
+    metadataOptions_ = std::move(options);
+    emit metadataOptionsChanged();
+}
+
+void AppModel::setScanState(ScanState state) {
+    ScanState previous = std::exchange(scanState_, std::move(state));
+    emit scanStateChanged();
+    // Freeing the report of a large library takes longer than a frame.
+    if (std::holds_alternative<Ready>(previous))
+        tasks_.start([previous = std::move(previous)] {});
+}
+
+void AppModel::setRunState(RunState state) {
+    runState_ = std::move(state);
+    emit runStateChanged();
+}
+
+void AppModel::setCurrentDocument(std::shared_ptr<const BankMappingDocument> document) {
+    currentDocument_ = std::move(document);
+    emit currentDocumentChanged();
+}
+
+void AppModel::setLastJSONURL(std::optional<FileURL> url) {
+    lastJSONURL_ = std::move(url);
+    emit lastJSONURLChanged();
+}
+
+} // namespace torvo::app

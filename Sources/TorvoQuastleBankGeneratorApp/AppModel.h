@@ -1,0 +1,161 @@
+#pragma once
+
+#include "BackgroundTasks.h"
+#include "BankExporter.h"
+#include "BankGenerator.h"
+#include "BankMappingStore.h"
+#include "Models.h"
+#include "Panels.h"
+#include "SampleScanner.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace torvo::app {
+
+/// The state of the application and its whole workflow. Lives on the main thread: operations are
+/// called there and every property is written there; each signal follows the change it tells of.
+/// Long work runs in the background with its inputs copied when it starts. No operation reports an
+/// error: failures end in `scanState` or `runState`.
+class AppModel : public QObject {
+    Q_OBJECT
+
+public:
+    /// What a run that made a document ended with.
+    struct CompletedExport {
+        std::shared_ptr<const BankMappingDocument> document;
+        ExportSummary summary;
+        std::string statusHeadline;
+
+        friend bool operator==(const CompletedExport&, const CompletedExport&) = default;
+    };
+
+    struct Ready {
+        std::shared_ptr<const ScanReport> report;
+        friend bool operator==(const Ready&, const Ready&) = default;
+    };
+    struct Failed {
+        std::string description;
+        friend bool operator==(const Failed&, const Failed&) = default;
+    };
+    struct Idle {
+        friend bool operator==(const Idle&, const Idle&) = default;
+    };
+    struct Scanning {
+        friend bool operator==(const Scanning&, const Scanning&) = default;
+    };
+    struct Running {
+        std::optional<ProgressUpdate> progress; ///< absent until the first bank is written
+        friend bool operator==(const Running&, const Running&) = default;
+    };
+    struct Finished {
+        CompletedExport completedExport;
+        friend bool operator==(const Finished&, const Finished&) = default;
+    };
+    /// A run that makes no document succeeded.
+    struct FinishedMessage {
+        std::string message;
+        friend bool operator==(const FinishedMessage&, const FinishedMessage&) = default;
+    };
+
+    using ScanState = std::variant<Ready, Failed, Idle, Scanning>;
+    using RunState = std::variant<Running, Finished, FinishedMessage, Failed, Idle>;
+
+    AppModel(SampleScanner scanner, BankGenerator generator, BankExporter exporter,
+             BankMappingStore mappingStore, std::shared_ptr<Panels> panels);
+
+    const std::optional<FileURL>& sourceFolder() const { return sourceFolder_; }
+    const std::optional<FileURL>& exportFolder() const { return exportFolder_; }
+    GenerationMode generationMode() const { return generationMode_; }
+    const TorvoMetadataOptions& metadataOptions() const { return metadataOptions_; }
+    const ScanState& scanState() const { return scanState_; }
+    const RunState& runState() const { return runState_; }
+    const std::shared_ptr<const BankMappingDocument>& currentDocument() const {
+        return currentDocument_;
+    }
+    /// The mapping file last saved or loaded.
+    const std::optional<FileURL>& lastJSONURL() const { return lastJSONURL_; }
+
+    /// The source is a device folder: it is stamped, never scanned.
+    bool isUpdatingExistingBank() const;
+    /// Says nothing about `runState`.
+    bool canGenerate() const;
+    bool canApplyExistingBankMetadata() const;
+    bool canClearSource() const;
+    bool isRunning() const { return std::holds_alternative<Running>(runState_); }
+    /// The folder that a run writes into.
+    std::optional<FileURL> expectedExportRoot() const;
+    /// Background work is in progress, results on their way to the main thread included.
+    bool isBusy() const { return tasks_.isBusy(); }
+
+    void setSourceFolder(const FileURL& folder);
+    void clearSource();
+    void setExportFolder(std::optional<FileURL> folder);
+    void setGenerationMode(GenerationMode mode);
+    void setMetadataOptions(TorvoMetadataOptions options);
+    /// Numbers outside 1 to 8 are ignored.
+    void setCVChannel(std::int64_t channel, bool enabled);
+
+    /// None when the panel was cancelled.
+    std::optional<FileURL> pickFolder(const std::string& title);
+
+    void scanSourceFolder();
+    void generateBanks();
+    void exportJSON();
+    void importJSON();
+    void applyMetadataToExistingBank();
+
+signals:
+    void sourceFolderChanged();
+    void exportFolderChanged();
+    void generationModeChanged();
+    void metadataOptionsChanged();
+    void scanStateChanged();
+    void runStateChanged();
+    void currentDocumentChanged();
+    void lastJSONURLChanged();
+
+private:
+    /// Writes the result of a run, on the main thread.
+    using Publication = std::function<void()>;
+
+    void resetLoadedSourceState();
+    void assignSourceFolder(std::optional<FileURL> folder);
+    void assignGenerationMode(GenerationMode mode);
+    void setScanState(ScanState state);
+    void setRunState(RunState state);
+    void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
+    void setLastJSONURL(std::optional<FileURL> url);
+
+    /// Runs are carried out one at a time, so that two never write into one tree at once.
+    void startRun(std::function<Publication()> work);
+    /// Called in the background.
+    CompletedExport writeBanks(const BankExporter& exporter,
+                               std::shared_ptr<const BankMappingDocument> document,
+                               const FileURL& exportFolder, const TorvoMetadataOptions& options);
+
+    const SampleScanner scanner_;
+    const BankGenerator generator_;
+    const BankExporter exporter_;
+    const BankMappingStore mappingStore_;
+    const std::shared_ptr<Panels> panels_;
+
+    std::optional<FileURL> sourceFolder_;
+    std::optional<FileURL> exportFolder_;
+    GenerationMode generationMode_ = GenerationMode::drums;
+    TorvoMetadataOptions metadataOptions_;
+    ScanState scanState_ = Idle{};
+    RunState runState_ = Idle{};
+    std::shared_ptr<const BankMappingDocument> currentDocument_;
+    std::optional<FileURL> lastJSONURL_;
+
+    /// Last, so that it waits for its work while everything above still stands.
+    BackgroundTasks tasks_;
+};
+
+} // namespace torvo::app

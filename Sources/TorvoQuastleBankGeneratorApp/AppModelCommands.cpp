@@ -1,0 +1,74 @@
+#include "AppModel.h"
+
+#include "TorvoMetadata.h"
+
+#include <utility>
+
+// The commands of the menu, and stamping a folder that exists already.
+namespace torvo::app {
+
+void AppModel::exportJSON() {
+    if (!currentDocument_)
+        return;
+    // Kept: work may replace the current document while the panel is open.
+    const auto document = currentDocument_;
+    const auto url = panels_->saveJSONPanel(document->naming.manifestFileName());
+    if (!url)
+        return;
+    try {
+        mappingStore_.exportDocument(*document, *url);
+        setLastJSONURL(url);
+    } catch (const std::exception& error) {
+        setRunState(Failed{userFacingDescription(error)});
+    }
+}
+
+void AppModel::importJSON() {
+    const auto url = panels_->pickJSONFile();
+    if (!url)
+        return;
+    // A document carries no playback settings: the banks are written with those on the screen.
+    const TorvoMetadataOptions options = metadataOptions_;
+    std::shared_ptr<const BankMappingDocument> document;
+    try {
+        document =
+            std::make_shared<const BankMappingDocument>(mappingStore_.importDocument(*url));
+    } catch (const std::exception& error) {
+        setRunState(Failed{userFacingDescription(error)});
+        return;
+    }
+    const auto folder =
+        exportFolder_ ? exportFolder_ : pickFolder("Choose an export destination folder");
+    if (!folder)
+        return;
+
+    // Intended: plain assignments. Nothing is scanned and `scanState` keeps its value.
+    setExportFolder(folder);
+    assignSourceFolder(document->sourceFolder);
+    assignGenerationMode(document->generationMode);
+    setLastJSONURL(url);
+    setCurrentDocument(document);
+    startRun([this, document, options, url, folder = *folder,
+              exporter = exporter_]() -> Publication {
+        auto completed = writeBanks(exporter, document, folder, options);
+        return [this, url, completed = std::move(completed)] {
+            setCurrentDocument(completed.document);
+            setRunState(Finished{completed});
+            setLastJSONURL(url);
+        };
+    });
+}
+
+void AppModel::applyMetadataToExistingBank() {
+    if (!isUpdatingExistingBank())
+        return;
+    startRun([this, folder = *sourceFolder_, options = metadataOptions_]() -> Publication {
+        const std::int64_t count = TorvoWAVMetadataWriter().apply(options, folder);
+        // Intended: "WAVs" for every count, 1 included.
+        return [this, message = "Metadata applied to " + std::to_string(count) + " WAVs"] {
+            setRunState(FinishedMessage{message});
+        };
+    });
+}
+
+} // namespace torvo::app

@@ -1,0 +1,113 @@
+#include "ContentView.h"
+
+#include "AppModel.h"
+#include "Binding.h"
+#include "Controls/FocusRing.h"
+#include "Controls/ThreeWayModeToggle.h"
+#include "MarloTheme.h"
+#include "Views/ChannelsCard.h"
+#include "Views/HeaderView.h"
+#include "Views/MetadataCard.h"
+#include "Views/OutputCard.h"
+#include "Views/RunMessage.h"
+#include "Views/SourceCard.h"
+
+#include <QPainter>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+namespace torvo::app {
+
+namespace {
+
+constexpr QSize smallestSize{880, 760};
+constexpr int columnWidth = 880;
+constexpr int sideMargin = 4 * MarloTheme::grid;
+constexpr int verticalMargin = 3 * MarloTheme::grid;
+constexpr int cardSpacing = 2 * MarloTheme::grid;
+constexpr double modeHeight = 42;
+
+} // namespace
+
+ContentView::ContentView(AppModel& model, QWidget* parent)
+    : QWidget(parent), scrollArea_(new QScrollArea) {
+    setMinimumSize(smallestSize);
+    setAcceptDrops(false);
+    // A tooltip on a disabled button needs this where no window manager activates the window.
+    setAttribute(Qt::WA_AlwaysShowToolTips);
+
+    scrollArea_->setWidgetResizable(true);
+    scrollArea_->setFrameShape(QFrame::NoFrame);
+    scrollArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scrollArea_->setFocusPolicy(Qt::NoFocus);
+    scrollArea_->setWidget(makeScrolledColumn(model));
+    scrollArea_->viewport()->installEventFilter(this);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(scrollArea_, 1);
+    layout->addWidget(makeFooter(model));
+    new FocusRing(*this);
+}
+
+QWidget* ContentView::makeScrolledColumn(AppModel& model) {
+    auto* modes = new ThreeWayModeToggle({allGenerationModes.begin(), allGenerationModes.end()},
+                                         (columnWidth - 2 * sideMargin) / 3.0, modeHeight);
+    connect(modes, &ThreeWayModeToggle::modeChosen, &model, &AppModel::setGenerationMode);
+    bind(
+        model, this, [&model, modes] { modes->setSelection(model.generationMode()); },
+        &AppModel::generationModeChanged);
+
+    auto* content = new QWidget;
+    column_ = new QVBoxLayout(content);
+    column_->setSpacing(cardSpacing);
+    column_->addWidget(new HeaderView(model));
+    column_->addWidget(modes);
+    column_->addWidget(new SourceCard(model));
+    column_->addWidget(new ChannelsCard(model));
+    column_->addWidget(new MetadataCard(model));
+    column_->addStretch();
+    return content;
+}
+
+QWidget* ContentView::makeFooter(AppModel& model) {
+    auto* content = new QWidget;
+    footer_ = new QVBoxLayout(content);
+    footer_->setSpacing(cardSpacing);
+    footer_->addWidget(new OutputCard(model));
+    footer_->addWidget(new RunMessage(model));
+    return content;
+}
+
+QSize ContentView::sizeHint() const {
+    const int height = column_->sizeHint().height() + footer_->sizeHint().height();
+    return QSize(columnWidth, height).expandedTo(smallestSize);
+}
+
+void ContentView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    alignColumns();
+}
+
+bool ContentView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize)
+        alignColumns();
+    return QWidget::eventFilter(watched, event);
+}
+
+void ContentView::alignColumns() {
+    const int side = sideMargin + std::max(0, (width() - columnWidth) / 2);
+    // The scroll bar takes its place from the margin: both columns keep one right edge.
+    const int scrollBar = width() - scrollArea_->viewport()->width();
+    column_->setContentsMargins(side, verticalMargin, side - scrollBar, cardSpacing);
+    footer_->setContentsMargins(side, cardSpacing, side, cardSpacing);
+}
+
+void ContentView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), MarloTheme::surface);
+    painter.fillRect(0, scrollArea_->geometry().bottom() + 1, width(), 1, MarloTheme::line);
+}
+
+} // namespace torvo::app

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QWidget>
+
+class QScrollArea;
+class QVBoxLayout;
+
+namespace torvo::app {
+
+class AppModel;
+
+/// The content of the window: shows the model and turns every gesture into one call on it. Settings
+/// and findings scroll; the output and the state of the run stay in sight below them.
+class ContentView final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ContentView(AppModel& model, QWidget* parent = nullptr);
+
+    /// High enough to show everything without scrolling.
+    QSize sizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QWidget* makeScrolledColumn(AppModel& model);
+    QWidget* makeFooter(AppModel& model);
+    void alignColumns();
+
+    QVBoxLayout* column_ = nullptr;
+    QVBoxLayout* footer_ = nullptr;
+    QScrollArea* scrollArea_;
+};
+
+} // namespace torvo::app

@@ -1,0 +1,138 @@
+#include "DropZone.h"
+
+#include "Labels.h"
+#include "MarloTheme.h"
+#include "Painting.h"
+#include "Platform/FileManager.h"
+
+#include <QDragEnterEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QPainter>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace torvo::app {
+
+using MarloTheme::withOpacity;
+
+namespace {
+
+bool denotesFolder(const FileURL& url) {
+    if (url.hasDirectoryPath())
+        return true;
+    try {
+        const auto status = systemFileManager()->status(url.path());
+        return status && status->kind == FileKind::directory;
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
+} // namespace
+
+QColor DropZoneStyle::backgroundColor() const {
+    if (targeted)
+        return withOpacity(MarloTheme::accent, 0.22);
+    if (pressed)
+        return withOpacity(MarloTheme::surface, 0.7);
+    return MarloTheme::surface;
+}
+
+QColor DropZoneStyle::borderColor() const {
+    return targeted ? MarloTheme::ink : withOpacity(MarloTheme::accent, hovered ? 0.9 : 0.5);
+}
+
+void DropZoneStyle::paint(QPainter& painter, const QRectF& rect) const {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(backgroundColor());
+    painter.drawRoundedRect(rect, cornerRadius, cornerRadius);
+    QPen pen(borderColor(), 1);
+    if (!targeted) {
+        pen.setDashPattern({5, 4});
+        pen.setCapStyle(Qt::FlatCap);
+    }
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5,
+                            cornerRadius - 0.5);
+}
+
+std::optional<FileURL> firstFolder(const std::vector<FileURL>& urls) {
+    for (const FileURL& url : urls)
+        if (denotesFolder(url))
+            return FileURL::directory(url.path());
+    return std::nullopt;
+}
+
+std::vector<FileURL> fileURLs(const QMimeData& data) {
+    std::vector<FileURL> urls;
+    for (const QUrl& url : data.urls())
+        if (auto fileURL = FileURL::parse(url.toEncoded().toStdString()))
+            urls.push_back(std::move(*fileURL));
+    return urls;
+}
+
+DropZone::DropZone(QWidget* parent) : PaintedButton(tr("DROP SOURCE FOLDER"), parent) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAcceptDrops(true);
+    setCursor(Qt::PointingHandCursor);
+    setProperty("cornerRadius", DropZoneStyle::cornerRadius);
+
+    auto* caption = makeLabel(text(), 14, MarloTheme::FontCut::semiBold, MarloTheme::ink);
+    hint_ = makeLabel({}, 13, MarloTheme::FontCut::regular, MarloTheme::muted);
+    auto* choose = makeLabel(tr("Drop a folder here or choose one from Finder."), 13,
+                             MarloTheme::FontCut::medium, MarloTheme::accent);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(MarloTheme::grid, 14, MarloTheme::grid, 14);
+    column->setSpacing(6);
+    for (QLabel* label : {caption, hint_, choose}) {
+        label->setAlignment(Qt::AlignCenter);
+        label->setAttribute(Qt::WA_TransparentForMouseEvents);
+        column->addWidget(label);
+    }
+}
+
+void DropZone::setHint(const QString& hint) {
+    hint_->setText(hint);
+    setAccessibleDescription(hint);
+}
+
+QSize DropZone::sizeHint() const { return layout()->sizeHint(); }
+
+void DropZone::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const DropZoneStyle style{
+        .targeted = isTargeted_, .pressed = isDown(), .hovered = isHovered()};
+    style.paint(painter, rect());
+}
+
+void DropZone::dragEnterEvent(QDragEnterEvent* event) {
+    if (fileURLs(*event->mimeData()).empty())
+        return;
+    event->acceptProposedAction();
+    setTargeted(true);
+}
+
+void DropZone::dragMoveEvent(QDragMoveEvent* event) { event->acceptProposedAction(); }
+
+void DropZone::dragLeaveEvent(QDragLeaveEvent*) { setTargeted(false); }
+
+void DropZone::dropEvent(QDropEvent* event) {
+    setTargeted(false);
+    const auto folder = firstFolder(fileURLs(*event->mimeData()));
+    if (!folder) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    emit folderDropped(*folder);
+}
+
+void DropZone::setTargeted(bool targeted) {
+    isTargeted_ = targeted;
+    update();
+}
+
+} // namespace torvo::app

@@ -1,0 +1,61 @@
+#include "ElidedPathLabel.h"
+
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+
+namespace torvo::app {
+
+ElidedPathLabel::ElidedPathLabel(QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+}
+
+void ElidedPathLabel::setPath(const QString& path) {
+    if (path == path_)
+        return;
+    path_ = path;
+    setAccessibleName(path);
+    elide();
+}
+
+QSize ElidedPathLabel::sizeHint() const {
+    return {fontMetrics().horizontalAdvance(path_), fontMetrics().height()};
+}
+
+QSize ElidedPathLabel::minimumSizeHint() const { return {0, fontMetrics().height()}; }
+
+void ElidedPathLabel::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    elide();
+}
+
+void ElidedPathLabel::elide() {
+    const QString shown = fontMetrics().elidedText(path_, Qt::ElideMiddle, width());
+    setToolTip(shown == path_ ? QString() : path_);
+    if (shown != text())
+        setText(shown);
+}
+
+void ElidedPathLabel::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Copy))
+        copy();
+    else
+        QLabel::keyPressEvent(event);
+}
+
+void ElidedPathLabel::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu menu(this);
+    connect(menu.addAction(tr("Copy")), &QAction::triggered, this, &ElidedPathLabel::copy);
+    menu.exec(event->globalPos());
+}
+
+void ElidedPathLabel::copy() const {
+    const bool wholeLine = !hasSelectedText() || selectedText() == text();
+    QGuiApplication::clipboard()->setText(wholeLine ? path_ : selectedText());
+}
+
+} // namespace torvo::app

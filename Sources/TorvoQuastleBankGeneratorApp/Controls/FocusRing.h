@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+
+class QFocusFrame;
+class QWidget;
+
+namespace torvo::app {
+
+/// Draws one ring around whatever control of a window has the focus, as long as it came there by
+/// the keyboard; a click does not call for it.
+class FocusRing final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit FocusRing(QWidget& window);
+
+    /// None while nothing is ringed.
+    QWidget* ringed() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QWidget& window_;
+    QFocusFrame* frame_;
+};
+
+} // namespace torvo::app

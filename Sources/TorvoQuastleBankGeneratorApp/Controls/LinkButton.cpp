@@ -1,0 +1,36 @@
+#include "LinkButton.h"
+
+#include "MarloTheme.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+
+namespace torvo::app {
+
+namespace {
+
+constexpr int padding = 4;
+
+QFont linkFont() { return MarloTheme::font(13, MarloTheme::FontCut::medium); }
+
+} // namespace
+
+LinkButton::LinkButton(const QString& text, QWidget* parent) : PaintedButton(text, parent) {
+    setCursor(Qt::PointingHandCursor);
+}
+
+QSize LinkButton::sizeHint() const {
+    const QFontMetrics metrics(linkFont());
+    return {metrics.horizontalAdvance(text()) + 2 * padding, metrics.height() + 2 * padding};
+}
+
+void LinkButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    QFont font = linkFont();
+    font.setUnderline(true);
+    painter.setFont(font);
+    painter.setPen(isHovered() ? MarloTheme::ink : MarloTheme::muted);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
+}
+
+} // namespace torvo::app

@@ -1,0 +1,45 @@
+#include "Painting.h"
+
+#include <QPaintDevice>
+#include <QPixmap>
+
+#include <cmath>
+
+namespace torvo::app {
+
+void paintRoundedRect(QPainter& painter, const QRectF& rect, double radius, const QColor& fill,
+                      const QColor& border) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fill);
+    painter.drawRoundedRect(rect, radius, radius);
+    painter.setPen(QPen(border, 1));
+    painter.setBrush(Qt::NoBrush);
+    // Only the stroke is inset: a fill that ends between two pixels would blur at 1x.
+    painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
+}
+
+void paintGroup(QPainter& painter, const QRectF& bounds, double opacity,
+                const std::function<void(QPainter&)>& paint) {
+    if (opacity >= 1) {
+        paint(painter);
+        return;
+    }
+    const double scale = painter.device()->devicePixelRatioF();
+    QPixmap layer(static_cast<int>(std::ceil(bounds.width() * scale)),
+                  static_cast<int>(std::ceil(bounds.height() * scale)));
+    layer.setDevicePixelRatio(scale);
+    layer.fill(Qt::transparent);
+    {
+        QPainter layerPainter(&layer);
+        layerPainter.setFont(painter.font());
+        layerPainter.translate(-bounds.topLeft());
+        paint(layerPainter);
+    }
+    painter.save();
+    painter.setOpacity(painter.opacity() * opacity);
+    painter.drawPixmap(bounds.topLeft(), layer);
+    painter.restore();
+}
+
+} // namespace torvo::app

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QColor>
+#include <QPainter>
+#include <QRectF>
+
+#include <functional>
+
+namespace torvo::app {
+
+/// A rounded rectangle: filled over the whole of `rect`, its border 1 wide just inside the edge.
+void paintRoundedRect(QPainter& painter, const QRectF& rect, double radius, const QColor& fill,
+                      const QColor& border);
+
+/// Everything that `paint` draws, blended as one picture: parts that lie over each other do not
+/// shine through.
+void paintGroup(QPainter& painter, const QRectF& bounds, double opacity,
+                const std::function<void(QPainter&)>& paint);
+
+} // namespace torvo::app

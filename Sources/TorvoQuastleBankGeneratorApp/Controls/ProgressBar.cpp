@@ -1,0 +1,86 @@
+#include "ProgressBar.h"
+
+#include "MarloTheme.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <numbers>
+
+namespace torvo::app {
+
+namespace {
+
+constexpr int barHeight = 6;
+constexpr int smallestWidth = 120;
+constexpr double sweepSeconds = 1.6; ///< there and back
+constexpr double movingPart = 0.3;   ///< of the bar's width
+constexpr std::chrono::milliseconds frameTime{33};
+
+} // namespace
+
+QRectF progressFill(const QRectF& bar, double fraction) {
+    const double width = bar.width() * std::clamp(fraction, 0.0, 1.0);
+    return {bar.left(), bar.top(), width, bar.height()};
+}
+
+QRectF indeterminateFill(const QRectF& bar, double seconds) {
+    const double phase = (1 - std::cos(2 * std::numbers::pi * seconds / sweepSeconds)) / 2;
+    const double width = bar.width() * movingPart;
+    return {bar.left() + (bar.width() - width) * phase, bar.top(), width, bar.height()};
+}
+
+void paintProgress(QPainter& painter, const QRectF& bar, const QRectF& fill) {
+    const double radius = bar.height() / 2;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(MarloTheme::panelRaised);
+    painter.drawRoundedRect(bar, radius, radius);
+    if (fill.width() <= 0)
+        return;
+    painter.setBrush(MarloTheme::accent);
+    // Never narrower than round.
+    painter.drawRoundedRect(
+        QRectF(fill.left(), fill.top(), std::max(fill.width(), fill.height()), fill.height()),
+        radius, radius);
+}
+
+ProgressBar::ProgressBar(QWidget* parent) : QProgressBar(parent) {
+    setTextVisible(false);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    frames_.setInterval(frameTime);
+    connect(&frames_, &QTimer::timeout, this, [this] {
+        if (isIndeterminate())
+            update();
+    });
+}
+
+QSize ProgressBar::sizeHint() const { return {smallestWidth, barHeight}; }
+
+void ProgressBar::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRectF bar = rect();
+    if (isIndeterminate()) {
+        const double seconds = static_cast<double>(shownFor_.elapsed()) / 1000;
+        paintProgress(painter, bar, indeterminateFill(bar, seconds));
+    } else {
+        const double fraction = static_cast<double>(value() - minimum()) /
+                                static_cast<double>(maximum() - minimum());
+        paintProgress(painter, bar, progressFill(bar, fraction));
+    }
+}
+
+void ProgressBar::showEvent(QShowEvent* event) {
+    QProgressBar::showEvent(event);
+    shownFor_.start();
+    frames_.start();
+}
+
+void ProgressBar::hideEvent(QHideEvent* event) {
+    frames_.stop();
+    QProgressBar::hideEvent(event);
+}
+
+} // namespace torvo::app

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QProgressBar>
+#include <QRectF>
+#include <QTimer>
+
+class QPainter;
+
+namespace torvo::app {
+
+/// Where the filled part of a bar lies. `fraction` runs from 0 to 1.
+QRectF progressFill(const QRectF& bar, double fraction);
+
+/// Where the moving part of a bar without a value lies, `seconds` after it began.
+QRectF indeterminateFill(const QRectF& bar, double seconds);
+
+void paintProgress(QPainter& painter, const QRectF& bar, const QRectF& fill);
+
+/// A slim bar: determinate with a range, indeterminate without (`setRange(0, 0)`).
+class ProgressBar final : public QProgressBar {
+    Q_OBJECT
+
+public:
+    explicit ProgressBar(QWidget* parent = nullptr);
+
+    bool isIndeterminate() const { return maximum() == minimum(); }
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    QElapsedTimer shownFor_;
+    QTimer frames_;
+};
+
+} // namespace torvo::app

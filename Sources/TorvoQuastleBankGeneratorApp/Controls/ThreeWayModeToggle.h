@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Models/GenerationMode.h"
+
+#include <QRectF>
+#include <QVariantAnimation>
+#include <QWidget>
+
+#include <vector>
+
+class QAbstractButton;
+class QPainter;
+
+namespace torvo::app {
+
+/// Where the pieces of the mode selector lie.
+struct ModeToggleGeometry {
+    double segmentWidth = 0;
+    double height = 0;
+
+    static constexpr double cornerRadius = 10;
+    static constexpr double highlightInset = 3;
+    /// Concentric with the control's own corner.
+    static constexpr double highlightRadius = cornerRadius - highlightInset;
+
+    QSizeF size(std::size_t modeCount) const;
+    QRectF segment(std::size_t index) const;
+    /// `position` counts in segments and lies between two of them while the highlight slides.
+    QRectF highlight(double position) const;
+};
+
+/// The background and the highlight, without the labels.
+void paintModeToggle(QPainter& painter, const ModeToggleGeometry& geometry, std::size_t modeCount,
+                     double highlightPosition);
+
+/// The three-segment mode selector: one tab stop, arrow keys move inside. Choosing a segment changes
+/// nothing by itself: whoever hears `modeChosen` decides and calls `setSelection`.
+class ThreeWayModeToggle final : public QWidget {
+    Q_OBJECT
+
+public:
+    ThreeWayModeToggle(std::vector<GenerationMode> modes, double segmentWidth, double height,
+                       QWidget* parent = nullptr);
+
+    /// The highlight slides to the mode.
+    void setSelection(GenerationMode mode);
+    GenerationMode selection() const { return modes_[selectedIndex_]; }
+    /// In segments, from the left.
+    double highlightPosition() const { return highlightPosition_; }
+    const std::vector<QAbstractButton*>& segments() const { return segments_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+signals:
+    void modeChosen(torvo::GenerationMode mode);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void moveHighlight(double position);
+    void chooseByKeyboard(std::size_t index);
+
+    const std::vector<GenerationMode> modes_;
+    const ModeToggleGeometry geometry_;
+    std::vector<QAbstractButton*> segments_;
+    std::size_t selectedIndex_ = 0;
+    double highlightPosition_ = 0;
+    QVariantAnimation slide_;
+};
+
+} // namespace torvo::app

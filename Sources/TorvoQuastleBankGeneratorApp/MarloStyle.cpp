@@ -1,0 +1,267 @@
+#include "MarloStyle.h"
+
+#include "Controls/Painting.h"
+#include "MarloTheme.h"
+
+#include <QFocusFrame>
+#include <QListView>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPolygonF>
+#include <QStyleOption>
+
+#include <algorithm>
+
+namespace torvo::app {
+
+using MarloTheme::withOpacity;
+
+namespace {
+
+constexpr double comboRadius = 8;
+constexpr int comboHeight = 34;
+constexpr int comboPadding = 12;
+constexpr int comboArrowWidth = 32;
+constexpr int indicatorSide = 18;
+constexpr int scrollBarExtent = 12;
+constexpr int scrollHandleLength = 32;
+constexpr int listFrameWidth = 4;
+constexpr double ringWidth = 2;
+constexpr double plainCornerRadius = 4;
+
+bool has(const QStyleOption& option, QStyle::StateFlag flag) { return option.state.testFlag(flag); }
+
+/// What a control says about its corners, so that frames and rings follow them.
+double cornerRadius(const QWidget* widget) {
+    const QVariant radius = widget ? widget->property("cornerRadius") : QVariant();
+    return radius.isValid() ? radius.toDouble() : plainCornerRadius;
+}
+
+bool isFramedList(const QWidget* widget) {
+    return qobject_cast<const QListView*>(widget) && widget->property("cornerRadius").isValid();
+}
+
+void paintCheckIndicator(QPainter& painter, const QStyleOption& option) {
+    const QRectF box = option.rect;
+    const bool checked = has(option, QStyle::State_On);
+    const bool hovered = has(option, QStyle::State_MouseOver);
+    const double strength = has(option, QStyle::State_Sunken) ? 0.82 : 1.0;
+    paintRoundedRect(painter, box, 5,
+                     withOpacity(checked ? MarloTheme::accent : MarloTheme::panelRaised, strength),
+                     checked || hovered ? MarloTheme::accent
+                                        : withOpacity(MarloTheme::accent, 0.6));
+    if (!checked)
+        return;
+    painter.setPen(QPen(MarloTheme::surface, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF{box.topLeft() + QPointF(4.6, 9.3),
+                                   box.topLeft() + QPointF(7.7, 12.4),
+                                   box.topLeft() + QPointF(13.4, 5.9)});
+}
+
+void paintCombo(QPainter& painter, const QStyleOption& option) {
+    paintRoundedRect(painter, option.rect, comboRadius, MarloTheme::panelRaised,
+                     has(option, QStyle::State_MouseOver) ? withOpacity(MarloTheme::accent, 0.6)
+                                                          : MarloTheme::line);
+    const QPointF center(option.rect.right() - comboArrowWidth / 2.0 + 1,
+                         QRectF(option.rect).center().y());
+    painter.setPen(QPen(MarloTheme::muted, 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF{center + QPointF(-4, -2), center + QPointF(0, 2),
+                                   center + QPointF(4, -2)});
+}
+
+void paintComboLabel(QPainter& painter, const QStyleOptionComboBox& option) {
+    painter.setFont(MarloTheme::font(14, MarloTheme::FontCut::medium));
+    painter.setPen(MarloTheme::ink);
+    painter.drawText(option.rect.adjusted(comboPadding, 0, -comboArrowWidth, 0),
+                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, option.currentText);
+}
+
+void paintFocusRing(QPainter& painter, const QRectF& rect, double radius) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(MarloTheme::ink, ringWidth));
+    painter.setBrush(Qt::NoBrush);
+    const double inset = ringWidth / 2;
+    painter.drawRoundedRect(rect.adjusted(inset, inset, -inset, -inset), radius, radius);
+}
+
+QRect scrollHandle(const QStyleOptionSlider& bar) {
+    const bool vertical = bar.orientation == Qt::Vertical;
+    const int groove = vertical ? bar.rect.height() : bar.rect.width();
+    const qint64 range = static_cast<qint64>(bar.maximum) - bar.minimum;
+    const qint64 whole = range + bar.pageStep;
+    const int wanted = whole > 0 ? static_cast<int>(qint64{groove} * bar.pageStep / whole) : groove;
+    const int length = std::clamp(wanted, std::min(scrollHandleLength, groove), groove);
+    const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
+                                                      groove - length, bar.upsideDown);
+    return vertical
+               ? QRect(bar.rect.left(), bar.rect.top() + start, bar.rect.width(), length)
+               : QRect(bar.rect.left() + start, bar.rect.top(), length, bar.rect.height());
+}
+
+void paintScrollBar(QPainter& painter, const QStyleOptionSlider& bar) {
+    if (bar.maximum <= bar.minimum)
+        return;
+    const bool active = has(bar, QStyle::State_MouseOver) || has(bar, QStyle::State_Sunken);
+    const QRectF handle = QRectF(scrollHandle(bar)).adjusted(3, 3, -3, -3);
+    const double radius = std::min(handle.width(), handle.height()) / 2;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withOpacity(MarloTheme::accent, active ? 0.9 : 0.5));
+    painter.drawRoundedRect(handle, radius, radius);
+}
+
+} // namespace
+
+MarloStyle::MarloStyle() : QProxyStyle(QStringLiteral("fusion")) {}
+
+QPalette MarloStyle::standardPalette() const {
+    QPalette palette(MarloTheme::ink, MarloTheme::panelRaised, MarloTheme::accent,
+                     MarloTheme::surface, MarloTheme::panel, MarloTheme::ink, MarloTheme::ink,
+                     MarloTheme::surface, MarloTheme::surface);
+    palette.setColor(QPalette::Highlight, MarloTheme::accent);
+    palette.setColor(QPalette::HighlightedText, MarloTheme::surface);
+    palette.setColor(QPalette::AlternateBase, MarloTheme::panel);
+    palette.setColor(QPalette::ToolTipBase, MarloTheme::panelRaised);
+    palette.setColor(QPalette::ToolTipText, MarloTheme::ink);
+    palette.setColor(QPalette::PlaceholderText, MarloTheme::muted);
+    palette.setColor(QPalette::Link, MarloTheme::ink);
+    palette.setColor(QPalette::LinkVisited, MarloTheme::muted);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, withOpacity(MarloTheme::muted, 0.55));
+    return palette;
+}
+
+void MarloStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                               QPainter* painter, const QWidget* widget) const {
+    switch (element) {
+    case PE_IndicatorCheckBox:
+        paintCheckIndicator(*painter, *option);
+        return;
+    case PE_FrameFocusRect:
+        return; // the ring stands outside the control
+    case PE_PanelTipLabel:
+        painter->fillRect(option->rect, MarloTheme::panelRaised);
+        painter->setPen(withOpacity(MarloTheme::accent, 0.6));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5));
+        return;
+    case PE_Frame:
+        if (isFramedList(widget)) {
+            paintRoundedRect(*painter, option->rect, cornerRadius(widget), MarloTheme::surface,
+                             MarloTheme::line);
+            return;
+        }
+        break;
+    default:
+        break;
+    }
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+void MarloStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const {
+    switch (element) {
+    case CE_ComboBoxLabel:
+        if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
+            paintComboLabel(*painter, *combo);
+            return;
+        }
+        break;
+    case CE_FocusFrame:
+        if (const auto* frame = qobject_cast<const QFocusFrame*>(widget)) {
+            paintFocusRing(*painter, option->rect,
+                           cornerRadius(frame->widget()) + focusRingMargin - ringWidth / 2);
+            return;
+        }
+        break;
+    default:
+        break;
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+void MarloStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                    QPainter* painter, const QWidget* widget) const {
+    if (control == CC_ComboBox) {
+        paintCombo(*painter, *option);
+        return;
+    }
+    if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+        bar && control == CC_ScrollBar) {
+        paintScrollBar(*painter, *bar);
+        return;
+    }
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+QRect MarloStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                                 SubControl subControl, const QWidget* widget) const {
+    if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+        bar && control == CC_ScrollBar) {
+        const QRect handle = scrollHandle(*bar);
+        const bool vertical = bar->orientation == Qt::Vertical;
+        switch (subControl) {
+        case SC_ScrollBarSlider:
+            return handle;
+        case SC_ScrollBarGroove:
+            return bar->rect;
+        case SC_ScrollBarSubPage:
+            return vertical ? QRect(bar->rect.topLeft(), handle.topRight() - QPoint(0, 1))
+                            : QRect(bar->rect.topLeft(), handle.bottomLeft() - QPoint(1, 0));
+        case SC_ScrollBarAddPage:
+            return vertical ? QRect(handle.bottomLeft() + QPoint(0, 1), bar->rect.bottomRight())
+                            : QRect(handle.topRight() + QPoint(1, 0), bar->rect.bottomRight());
+        default:
+            return {}; // no buttons at the ends
+        }
+    }
+    return QProxyStyle::subControlRect(control, option, subControl, widget);
+}
+
+QSize MarloStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                                   const QWidget* widget) const {
+    if (type == CT_ComboBox)
+        return {size.width() + comboPadding + comboArrowWidth, comboHeight};
+    return QProxyStyle::sizeFromContents(type, option, size, widget);
+}
+
+int MarloStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
+                            const QWidget* widget) const {
+    switch (metric) {
+    case PM_ScrollBarExtent:
+        return scrollBarExtent;
+    case PM_ScrollBarSliderMin:
+        return scrollHandleLength;
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight:
+        return indicatorSide;
+    case PM_CheckBoxLabelSpacing:
+        return 10;
+    case PM_FocusFrameHMargin:
+    case PM_FocusFrameVMargin:
+        return focusRingMargin;
+    case PM_DefaultFrameWidth:
+        return isFramedList(widget) ? listFrameWidth
+                                    : QProxyStyle::pixelMetric(metric, option, widget);
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+int MarloStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                          QStyleHintReturn* returnData) const {
+    switch (hint) {
+    case SH_FocusFrame_AboveWidget:
+        return 1;
+    case SH_FocusFrame_Mask:
+        return 0;
+    case SH_ComboBox_Popup:
+        return 0; // a list below the control, not a menu over it
+    case SH_ScrollBar_Transient:
+        return 0;
+    default:
+        return QProxyStyle::styleHint(hint, option, widget, returnData);
+    }
+}
+
+} // namespace torvo::app

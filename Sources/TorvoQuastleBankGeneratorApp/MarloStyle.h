@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QPalette>
+#include <QProxyStyle>
+
+namespace torvo::app {
+
+/// The theme for the toolkit's own controls: combo boxes, check boxes, scroll bars, menus, tooltips,
+/// list frames and the ring around what has the keyboard focus.
+class MarloStyle final : public QProxyStyle {
+    Q_OBJECT
+
+public:
+    MarloStyle();
+
+    /// How far the focus ring stands off its control.
+    static constexpr int focusRingMargin = 3;
+
+    QPalette standardPalette() const override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                         SubControl subControl, const QWidget* widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returnData) const override;
+};
+
+} // namespace torvo::app

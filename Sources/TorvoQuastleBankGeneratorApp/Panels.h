@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Platform/FileURL.h"
+
+#include <optional>
+#include <string>
+
+namespace torvo::app {
+
+/// The modal panels in which the user names a file or a folder. None means cancelled.
+class Panels {
+public:
+    virtual ~Panels() = default;
+
+    /// An existing or newly created folder.
+    virtual std::optional<FileURL> pickFolder(const std::string& title) = 0;
+    /// Where to save a JSON document.
+    virtual std::optional<FileURL> saveJSONPanel(const std::string& defaultFileName) = 0;
+    /// An existing JSON document.
+    virtual std::optional<FileURL> pickJSONFile() = 0;
+};
+
+} // namespace torvo::app

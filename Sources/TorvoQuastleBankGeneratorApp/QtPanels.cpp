@@ -1,0 +1,49 @@
+#include "QtPanels.h"
+
+#include "Text.h"
+
+#include <QFile>
+#include <QFileDialog>
+
+namespace torvo::app {
+
+namespace {
+
+/// The one chosen path, or none.
+std::optional<FileURL> run(QFileDialog& panel, FileURL::Kind kind) {
+    if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
+        return std::nullopt;
+    return FileURL(QFile::encodeName(panel.selectedFiles().first()).toStdString(), kind);
+}
+
+void allowJSONOnly(QFileDialog& panel) {
+    panel.setNameFilter(QFileDialog::tr("JSON (*.json)"));
+    panel.setDefaultSuffix(QStringLiteral("json"));
+}
+
+} // namespace
+
+std::optional<FileURL> QtPanels::pickFolder(const std::string& title) {
+    QFileDialog panel(window_, toQString(title));
+    panel.setFileMode(QFileDialog::Directory);
+    panel.setOption(QFileDialog::ShowDirsOnly);
+    return run(panel, FileURL::Kind::directory);
+}
+
+std::optional<FileURL> QtPanels::saveJSONPanel(const std::string& defaultFileName) {
+    QFileDialog panel(window_, QFileDialog::tr("Export bank mapping JSON"));
+    panel.setAcceptMode(QFileDialog::AcceptSave);
+    panel.setFileMode(QFileDialog::AnyFile);
+    allowJSONOnly(panel);
+    panel.selectFile(toQString(defaultFileName));
+    return run(panel, FileURL::Kind::file);
+}
+
+std::optional<FileURL> QtPanels::pickJSONFile() {
+    QFileDialog panel(window_, QFileDialog::tr("Import bank mapping JSON"));
+    panel.setFileMode(QFileDialog::ExistingFile);
+    allowJSONOnly(panel);
+    return run(panel, FileURL::Kind::file);
+}
+
+} // namespace torvo::app

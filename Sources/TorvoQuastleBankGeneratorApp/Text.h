@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Platform/FileURL.h"
+
+#include <QString>
+
+#include <string_view>
+
+namespace torvo::app {
+
+/// UTF-8 of the core as text of the window.
+inline QString toQString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+inline QString shownPath(const FileURL& url) { return toQString(url.shownPath()); }
+
+} // namespace torvo::app

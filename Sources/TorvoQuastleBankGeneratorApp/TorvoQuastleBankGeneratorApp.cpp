@@ -1,0 +1,90 @@
+#include "TorvoQuastleBankGeneratorApp.h"
+
+#include "Accessibility.h"
+#include "AudioSupport.h"
+#include "Binding.h"
+#include "ContentView.h"
+#include "MarloStyle.h"
+#include "MarloTheme.h"
+#include "TorvoMetadata.h"
+
+#include <QApplication>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QScreen>
+#include <QToolTip>
+
+namespace torvo::app {
+
+namespace {
+
+SampleScanner makeScanner() {
+    return {std::make_shared<const AVAudioFileInspector>(), AudioCompatibilityEvaluator{},
+            systemFileManager()};
+}
+
+BankExporter makeExporter() {
+    return {systemFileManager(), std::make_shared<const AVAudioSamplePreparer>(),
+            TorvoWAVMetadataWriter{}};
+}
+
+} // namespace
+
+void installTheme() {
+    auto* style = new MarloStyle;
+    QApplication::setStyle(style);
+    QApplication::setPalette(style->standardPalette());
+    QApplication::setFont(MarloTheme::font(13, MarloTheme::FontCut::regular));
+    QToolTip::setPalette(style->standardPalette());
+    QToolTip::setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
+    installAccessibility();
+}
+
+TorvoQuastleBankGeneratorApp::TorvoQuastleBankGeneratorApp()
+    : panels_(std::make_shared<QtPanels>()),
+      model_(makeScanner(), BankGenerator{}, makeExporter(), BankMappingStore{}, panels_) {
+    panels_->setWindow(&window_);
+    window_.setWindowTitle(QString::fromLatin1(applicationName));
+    window_.setCentralWidget(new ContentView(model_));
+    addFileMenu();
+    addHelpMenu();
+}
+
+void TorvoQuastleBankGeneratorApp::addFileMenu() {
+    QMenu* file = window_.menuBar()->addMenu(QMenu::tr("File"));
+    QAction* importJSON = file->addAction(QMenu::tr("Import JSON…"));
+    QAction* exportJSON = file->addAction(QMenu::tr("Export JSON…"));
+    file->addSeparator();
+    QAction* quit = file->addAction(QMenu::tr("Quit"));
+    // Queued: the menu closes before a panel opens.
+    QObject::connect(importJSON, &QAction::triggered, &model_, &AppModel::importJSON,
+                     Qt::QueuedConnection);
+    QObject::connect(exportJSON, &QAction::triggered, &model_, &AppModel::exportJSON,
+                     Qt::QueuedConnection);
+    QObject::connect(quit, &QAction::triggered, qApp, &QApplication::quit);
+    bind(
+        model_, exportJSON,
+        [this, exportJSON] { exportJSON->setEnabled(model_.currentDocument() != nullptr); },
+        &AppModel::currentDocumentChanged);
+}
+
+void TorvoQuastleBankGeneratorApp::addHelpMenu() {
+    QMenu* help = window_.menuBar()->addMenu(QMenu::tr("Help"));
+    QAction* about = help->addAction(QMenu::tr("About Torvo Quastle Bank Generator"));
+    about->setMenuRole(QAction::AboutRole);
+    QObject::connect(
+        about, &QAction::triggered, &window_,
+        [this, title = about->text()] {
+            QMessageBox::about(&window_, title, QString::fromLatin1(applicationName));
+        },
+        Qt::QueuedConnection);
+}
+
+void TorvoQuastleBankGeneratorApp::showWindow() {
+    const QSize wanted = window_.sizeHint();
+    const QSize available = window_.screen()->availableSize() - QSize(0, 48);
+    window_.resize(wanted.boundedTo(available).expandedTo(window_.minimumSizeHint()));
+    window_.show();
+}
+
+} // namespace torvo::app

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QWidget>
+
+namespace torvo::app {
+
+class AppModel;
+
+/// The title, what the program does in the selected mode, and the maker.
+class HeaderView final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit HeaderView(AppModel& model, QWidget* parent = nullptr);
+};
+
+} // namespace torvo::app

@@ -1,0 +1,168 @@
+#include "MetadataCard.h"
+
+#include "Binding.h"
+#include "Controls/Card.h"
+#include "Controls/ChannelToggleButton.h"
+#include "Controls/Labels.h"
+#include "Text.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListView>
+
+#include <algorithm>
+
+namespace torvo::app {
+
+namespace {
+
+constexpr int lowestBits = 1;
+constexpr int highestBits = 16;
+constexpr int channelCount = 8;
+
+struct Picker {
+    QComboBox* box;
+    QVBoxLayout* column;
+};
+
+/// `caption` stands above the box, `label` is its name.
+Picker makePicker(const QString& caption, const QString& label, const QStringList& options) {
+    auto* box = new QComboBox;
+    box->setAccessibleName(label);
+    box->setFont(MarloTheme::font(14, MarloTheme::FontCut::medium));
+    box->setProperty("cornerRadius", 8.0);
+    box->setMaxVisibleItems(static_cast<int>(options.size()));
+    box->addItems(options);
+    auto* title = makeCaption(caption);
+    title->setBuddy(box);
+    auto* column = new QVBoxLayout;
+    column->setSpacing(6);
+    column->addWidget(title);
+    column->addWidget(box);
+    return {box, column};
+}
+
+template <typename Options>
+int indexOf(const Options& options, typename Options::value_type value) {
+    return static_cast<int>(std::find(options.begin(), options.end(), value) - options.begin());
+}
+
+template <typename Options>
+QStringList displayNames(const Options& options) {
+    QStringList names;
+    for (const auto option : options)
+        names.append(toQString(displayName(option)));
+    return names;
+}
+
+QStringList bitNames() {
+    QStringList names;
+    for (int bits = lowestBits; bits <= highestBits; ++bits)
+        names.append(QString::number(bits));
+    return names;
+}
+
+} // namespace
+
+MetadataCard::MetadataCard(AppModel& model, QWidget* parent) : QWidget(parent), model_(model) {
+    auto* card = new Card(tr("METADATA"));
+    QVBoxLayout* content = card->column();
+    content->addWidget(makeSubheading(tr("Globally Applied Metadata")));
+    content->addLayout(makePickers());
+    content->addSpacing(MarloTheme::grid);
+    content->addWidget(makeSubheading(tr("Per-Channel Metadata")));
+    content->addLayout(makeCVAssignments());
+    content->addLayout(makeChannelButtons());
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(card);
+}
+
+void MetadataCard::change(const std::function<void(TorvoMetadataOptions&)>& edit) {
+    TorvoMetadataOptions options = model_.metadataOptions();
+    edit(options);
+    model_.setMetadataOptions(std::move(options));
+}
+
+QLayout* MetadataCard::makePickers() {
+    const Picker bits = makePicker(tr("BITS"), tr("Bits"), bitNames());
+    const Picker rate = makePicker(tr("RATE"), tr("Rate"), displayNames(allTorvoPlaybackRates));
+    const Picker filter =
+        makePicker(tr("FILTER"), tr("Filter"), displayNames(allTorvoFilterTypes));
+    auto* row = new QHBoxLayout;
+    row->setSpacing(2 * MarloTheme::grid);
+    for (const Picker& picker : {bits, rate, filter})
+        row->addLayout(picker.column, 1);
+
+    connect(bits.box, &QComboBox::activated, this, [this](int index) {
+        change([index](TorvoMetadataOptions& options) {
+            options.bits = std::clamp(index + lowestBits, lowestBits, highestBits);
+        });
+    });
+    connect(rate.box, &QComboBox::activated, this, [this](int index) {
+        change([index](TorvoMetadataOptions& options) {
+            options.rate = allTorvoPlaybackRates.at(static_cast<std::size_t>(index));
+        });
+    });
+    connect(filter.box, &QComboBox::activated, this, [this](int index) {
+        change([index](TorvoMetadataOptions& options) {
+            options.filterType = allTorvoFilterTypes.at(static_cast<std::size_t>(index));
+        });
+    });
+    bind(
+        model_, this,
+        [this, bits, rate, filter] {
+            const TorvoMetadataOptions& options = model_.metadataOptions();
+            bits.box->setCurrentIndex(static_cast<int>(options.bits) - lowestBits);
+            rate.box->setCurrentIndex(indexOf(allTorvoPlaybackRates, options.rate));
+            filter.box->setCurrentIndex(indexOf(allTorvoFilterTypes, options.filterType));
+        },
+        &AppModel::metadataOptionsChanged);
+    return row;
+}
+
+QLayout* MetadataCard::makeCVAssignments() {
+    auto* enable = new QCheckBox(tr("ENABLE CV ASSIGNMENTS"));
+    enable->setFont(MarloTheme::font(13, MarloTheme::FontCut::medium));
+    connect(enable, &QCheckBox::clicked, this, [this](bool checked) {
+        change([checked](TorvoMetadataOptions& options) { options.cvAssignmentsEnabled = checked; });
+    });
+    bind(
+        model_, this,
+        [this, enable] { enable->setChecked(model_.metadataOptions().cvAssignmentsEnabled); },
+        &AppModel::metadataOptionsChanged);
+    auto* row = new QHBoxLayout;
+    row->addWidget(enable);
+    row->addStretch();
+    row->addWidget(makeLabel(tr("CV1: Filter Cutoff, CV2: Filter Resonance, CV3: Speed"), 12,
+                             MarloTheme::FontCut::regular, MarloTheme::muted));
+    return row;
+}
+
+QLayout* MetadataCard::makeChannelButtons() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(MarloTheme::grid);
+    for (int channel = 1; channel <= channelCount; ++channel) {
+        auto* button = new ChannelToggleButton(channel);
+        row->addWidget(button);
+        if (channel < channelCount)
+            row->addStretch();
+        const auto isAssigned = [this, channel] {
+            return model_.metadataOptions().cvAssignedChannels.contains(channel);
+        };
+        connect(button, &QAbstractButton::clicked, this,
+                [this, channel, isAssigned] { model_.setCVChannel(channel, !isAssigned()); });
+        bind(
+            model_, this,
+            [this, button, isAssigned] {
+                button->setSelected(isAssigned());
+                button->setEnabled(model_.metadataOptions().cvAssignmentsEnabled);
+            },
+            &AppModel::metadataOptionsChanged);
+    }
+    return row;
+}
+
+} // namespace torvo::app

@@ -1,0 +1,124 @@
+#include "OutputCard.h"
+
+#include "Binding.h"
+#include "Controls/Card.h"
+#include "Controls/ElidedPathLabel.h"
+#include "Controls/Labels.h"
+#include "Controls/MarloButton.h"
+#include "Text.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+
+namespace torvo::app {
+
+namespace {
+
+constexpr int captionWidth = 64;
+constexpr int mainButtonWidth = 136;
+
+QString exportText(const AppModel& model) {
+    if (model.isUpdatingExistingBank())
+        return shownPath(*model.sourceFolder());
+    if (const auto root = model.expectedExportRoot())
+        return shownPath(*root);
+    if (model.exportFolder())
+        return shownPath(*model.exportFolder());
+    return OutputCard::tr("Choose output folder.");
+}
+
+ElidedPathLabel* makePath() {
+    auto* path = new ElidedPathLabel;
+    path->setFont(MarloTheme::font(13, MarloTheme::FontCut::regular));
+    return path;
+}
+
+/// A caption with its path beside it.
+QWidget* makePathRow(const QString& caption, ElidedPathLabel* path) {
+    auto* title = makeCaption(caption);
+    title->setFixedWidth(captionWidth);
+    auto* container = new QWidget;
+    auto* row = new QHBoxLayout(container);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(title);
+    row->addWidget(path, 1);
+    return container;
+}
+
+} // namespace
+
+OutputCard::OutputCard(AppModel& model, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
+      choose_(new MarloButton(tr("CHOOSE FOLDER"), MarloButton::Kind::ordinary)),
+      main_(new MarloButton({}, MarloButton::Kind::prominent)),
+      target_(makePath()),
+      mappingFile_(makePath()),
+      mappingRow_(makePathRow(tr("JSON"), mappingFile_)) {
+    choose_->setObjectName(QStringLiteral("chooseExportFolder"));
+    main_->setObjectName(QStringLiteral("mainButton"));
+    main_->setMinimumWidth(mainButtonWidth);
+    QSizePolicy keepsItsPlace = choose_->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    choose_->setSizePolicy(keepsItsPlace);
+
+    auto* paths = new QVBoxLayout;
+    paths->setSpacing(MarloTheme::grid);
+    paths->addStretch();
+    paths->addWidget(makePathRow(tr("TARGET"), target_));
+    paths->addWidget(mappingRow_);
+    paths->addStretch();
+    auto* action = new QHBoxLayout;
+    action->setSpacing(2 * MarloTheme::grid);
+    action->addLayout(paths, 1);
+    action->addWidget(main_, 0, Qt::AlignVCenter);
+
+    auto* card = new Card(tr("OUTPUT"));
+    card->headerRow()->addStretch();
+    card->headerRow()->addWidget(choose_);
+    card->column()->addLayout(action);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(card);
+
+    // Queued, as every panel: the press returns first.
+    connect(choose_, &QAbstractButton::clicked, this, &OutputCard::chooseFolder,
+            Qt::QueuedConnection);
+    connect(main_, &QAbstractButton::clicked, this, &OutputCard::startMainAction);
+    bind(model, this, [this] { render(); }, &AppModel::sourceFolderChanged,
+         &AppModel::exportFolderChanged, &AppModel::generationModeChanged,
+         &AppModel::scanStateChanged, &AppModel::runStateChanged,
+         &AppModel::currentDocumentChanged, &AppModel::lastJSONURLChanged);
+}
+
+void OutputCard::render() {
+    const bool updating = model_.isUpdatingExistingBank();
+    const bool allowed = updating ? model_.canApplyExistingBankMetadata() : model_.canGenerate();
+    const bool enabled = allowed && !model_.isRunning();
+    choose_->setVisible(!updating);
+    main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
+    main_->setEnabled(enabled);
+    // Intended: one hint, whatever the reason.
+    main_->setToolTip(updating || enabled ? QString() : tr("Choose an output folder above!"));
+
+    target_->setPath(exportText(model_));
+    const bool named = updating || model_.exportFolder();
+    setTextColor(*target_, named ? MarloTheme::ink : MarloTheme::muted);
+    mappingRow_->setVisible(model_.lastJSONURL().has_value());
+    mappingFile_->setPath(model_.lastJSONURL() ? shownPath(*model_.lastJSONURL()) : QString());
+}
+
+void OutputCard::chooseFolder() {
+    // Intended: a cancelled panel clears the folder chosen before. The source's panel does not.
+    model_.setExportFolder(model_.pickFolder("Choose an export destination folder"));
+}
+
+void OutputCard::startMainAction() {
+    if (model_.isUpdatingExistingBank())
+        model_.applyMetadataToExistingBank();
+    else
+        model_.generateBanks();
+}
+
+} // namespace torvo::app

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QWidget>
+
+namespace torvo::app {
+
+class AppModel;
+class ElidedPathLabel;
+class MarloButton;
+
+/// Where the banks go, and the one main action.
+class OutputCard final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit OutputCard(AppModel& model, QWidget* parent = nullptr);
+
+private:
+    void render();
+    void chooseFolder();
+    void startMainAction();
+
+    AppModel& model_;
+    MarloButton* choose_;
+    MarloButton* main_;
+    ElidedPathLabel* target_;
+    ElidedPathLabel* mappingFile_;
+    QWidget* mappingRow_;
+};
+
+} // namespace torvo::app

@@ -1,0 +1,131 @@
+#include "RunMessage.h"
+
+#include "Binding.h"
+#include "Controls/Labels.h"
+#include "Controls/ProgressBar.h"
+#include "Controls/StatusIcon.h"
+#include "Controls/WrappingLabel.h"
+#include "Text.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+
+namespace torvo::app {
+
+namespace {
+
+/// Two lines: the window does not move when a run begins or ends.
+constexpr int smallestHeight = 44;
+
+QString progressLine(const ProgressUpdate& update) {
+    return RunMessage::tr("WRITING %1  %2/%3")
+        .arg(toQString(update.currentBankName))
+        .arg(update.completedBanks)
+        .arg(update.totalBanks);
+}
+
+QString counts(const ExportSummary& summary) {
+    return RunMessage::tr("%1 banks · %2 files copied · %3 converted · "
+                          "%4 banks with reused samples")
+        .arg(summary.banksWritten)
+        .arg(summary.copiedFiles)
+        .arg(summary.convertedFiles)
+        .arg(summary.reusedBankCount);
+}
+
+/// What each state shows; absent pieces are hidden.
+struct Content {
+    std::optional<StatusKind> icon;
+    QString message;
+    QString counts;
+    int messagePixelSize = 15;
+    QColor color = MarloTheme::ink;
+    bool showsProgress = false;
+    std::optional<ProgressUpdate> progress; ///< absent: indeterminate
+};
+
+Content contentOf(const AppModel& model) {
+    struct Visitor {
+        bool updating;
+
+        Content operator()(const AppModel::Idle&) const { return {}; }
+        Content operator()(const AppModel::Running& run) const {
+            Content content;
+            content.messagePixelSize = 13;
+            content.showsProgress = true;
+            content.progress = run.progress;
+            content.message = run.progress ? progressLine(*run.progress)
+                              : updating   ? RunMessage::tr("Applying selections..")
+                                           : RunMessage::tr("PREPARING EXPORT…");
+            return content;
+        }
+        Content operator()(const AppModel::Finished& run) const {
+            return {.icon = StatusKind::success,
+                    .message = toQString(run.completedExport.statusHeadline),
+                    .counts = counts(run.completedExport.summary)};
+        }
+        Content operator()(const AppModel::FinishedMessage& run) const {
+            return {.icon = StatusKind::success, .message = toQString(run.message), .counts = {}};
+        }
+        Content operator()(const AppModel::Failed& run) const {
+            return {.icon = StatusKind::failure,
+                    .message = toQString(run.description),
+                    .counts = {},
+                    .color = MarloTheme::danger};
+        }
+    };
+    return std::visit(Visitor{model.isUpdatingExistingBank()}, model.runState());
+}
+
+} // namespace
+
+RunMessage::RunMessage(AppModel& model, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
+      icon_(new StatusIcon),
+      message_(new WrappingLabel),
+      counts_(makeLabel({}, 12, MarloTheme::FontCut::regular, MarloTheme::muted)),
+      progress_(new ProgressBar) {
+    setMinimumHeight(smallestHeight);
+    message_->setObjectName(QStringLiteral("runMessage"));
+    counts_->setObjectName(QStringLiteral("runCounts"));
+    auto* words = new QVBoxLayout;
+    words->setSpacing(4);
+    words->addWidget(message_);
+    words->addWidget(counts_);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(12);
+    row->addWidget(icon_, 0, Qt::AlignTop);
+    row->addLayout(words, 1);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(MarloTheme::grid);
+    column->addLayout(row);
+    column->addWidget(progress_);
+    column->addStretch();
+    bind(model, this, [this] { render(); }, &AppModel::runStateChanged,
+         &AppModel::sourceFolderChanged);
+}
+
+void RunMessage::render() {
+    const Content content = contentOf(model_);
+    icon_->setVisible(content.icon.has_value());
+    if (content.icon)
+        icon_->setKind(*content.icon);
+    message_->setFont(MarloTheme::font(content.messagePixelSize, MarloTheme::FontCut::medium));
+    setTextColor(*message_, content.color);
+    message_->setText(content.message);
+    message_->setVisible(!content.message.isEmpty());
+    counts_->setText(content.counts);
+    counts_->setVisible(!content.counts.isEmpty());
+    progress_->setVisible(content.showsProgress);
+    progress_->setAccessibleName(content.message);
+    if (content.progress) {
+        progress_->setRange(0, static_cast<int>(content.progress->totalBanks));
+        progress_->setValue(static_cast<int>(content.progress->completedBanks));
+    } else {
+        progress_->setRange(0, 0);
+    }
+}
+
+} // namespace torvo::app

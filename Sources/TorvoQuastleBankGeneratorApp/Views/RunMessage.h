@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+
+namespace torvo::app {
+
+class AppModel;
+class ProgressBar;
+class StatusIcon;
+class WrappingLabel;
+
+/// How the current or the last run stands.
+class RunMessage final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit RunMessage(AppModel& model, QWidget* parent = nullptr);
+
+private:
+    void render();
+
+    AppModel& model_;
+    StatusIcon* icon_;
+    WrappingLabel* message_;
+    QLabel* counts_;
+    ProgressBar* progress_;
+};
+
+} // namespace torvo::app

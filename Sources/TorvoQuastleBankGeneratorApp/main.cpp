@@ -1,0 +1,34 @@
+#include "TorvoQuastleBankGeneratorApp.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+bool hasDisplay() {
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (!hasDisplay()) {
+        std::fputs("Torvo Quastle Bank Generator needs a graphical display, and there is none.\n",
+                   stderr);
+        return 1;
+    }
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QString::fromLatin1(torvo::app::applicationName));
+    QApplication::setDesktopFileName(QStringLiteral("torvo-quastle-bank-generator"));
+    torvo::app::installTheme();
+    torvo::app::TorvoQuastleBankGeneratorApp app;
+    app.showWindow();
+    const int status = QApplication::exec();
+    // Work cannot be cancelled and nobody waits for it: its threads end with the process.
+    if (app.model().isBusy())
+        std::_Exit(status);
+    return status;
+}
