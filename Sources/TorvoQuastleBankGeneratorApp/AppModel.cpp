@@ -193,27 +193,27 @@ AppModel::CompletedExport AppModel::writeBanks(const BankExporter& exporter,
 
 void AppModel::assignSourceFolder(std::optional<FileURL> folder) {
     sourceFolder_ = std::move(folder);
-    emit sourceFolderChanged();
+    Q_EMIT sourceFolderChanged();
 }
 
 void AppModel::setExportFolder(std::optional<FileURL> folder) {
     exportFolder_ = std::move(folder);
-    emit exportFolderChanged();
+    Q_EMIT exportFolderChanged();
 }
 
 void AppModel::assignGenerationMode(GenerationMode mode) {
     generationMode_ = mode;
-    emit generationModeChanged();
+    Q_EMIT generationModeChanged();
 }
 
 void AppModel::setMetadataOptions(TorvoMetadataOptions options) {
     metadataOptions_ = std::move(options);
-    emit metadataOptionsChanged();
+    Q_EMIT metadataOptionsChanged();
 }
 
 void AppModel::setScanState(ScanState state) {
     ScanState previous = std::exchange(scanState_, std::move(state));
-    emit scanStateChanged();
+    Q_EMIT scanStateChanged();
     // Freeing the report of a large library takes longer than a frame.
     if (std::holds_alternative<Ready>(previous))
         tasks_.start([previous = std::move(previous)] {});
@@ -221,17 +221,17 @@ void AppModel::setScanState(ScanState state) {
 
 void AppModel::setRunState(RunState state) {
     runState_ = std::move(state);
-    emit runStateChanged();
+    Q_EMIT runStateChanged();
 }
 
 void AppModel::setCurrentDocument(std::shared_ptr<const BankMappingDocument> document) {
     currentDocument_ = std::move(document);
-    emit currentDocumentChanged();
+    Q_EMIT currentDocumentChanged();
 }
 
 void AppModel::setLastJSONURL(std::optional<FileURL> url) {
     lastJSONURL_ = std::move(url);
-    emit lastJSONURLChanged();
+    Q_EMIT lastJSONURLChanged();
 }
 
 } // namespace torvo::app

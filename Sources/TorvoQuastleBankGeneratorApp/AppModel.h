@@ -110,7 +110,7 @@ public:
     void importJSON();
     void applyMetadataToExistingBank();
 
-signals:
+Q_SIGNALS:
     void sourceFolderChanged();
     void exportFolderChanged();
     void generationModeChanged();

@@ -12,6 +12,7 @@
 #include "Views/RunMessage.h"
 #include "Views/SourceCard.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QScrollArea>
 #include <QVBoxLayout>

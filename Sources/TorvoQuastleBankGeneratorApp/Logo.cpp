@@ -1,5 +1,10 @@
 #include "Logo.h"
 
+#include <QDir>
+
+/// Files inside a static library are found only after this; the macro wants the global namespace.
+static void registerResources() { Q_INIT_RESOURCE(resources); }
+
 namespace torvo::app {
 
 QStringList halvorineLogoLocations() {
@@ -11,6 +16,7 @@ QStringList halvorineLogoLocations() {
 }
 
 QImage loadHalvorineLogoImage(const QStringList& locations) {
+    registerResources();
     for (const QString& location : locations)
         if (QImage image(location); !image.isNull())
             return image;

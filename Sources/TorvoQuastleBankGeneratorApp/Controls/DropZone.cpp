@@ -127,7 +127,7 @@ void DropZone::dropEvent(QDropEvent* event) {
         return;
     }
     event->acceptProposedAction();
-    emit folderDropped(*folder);
+    Q_EMIT folderDropped(*folder);
 }
 
 void DropZone::setTargeted(bool targeted) {

@@ -45,7 +45,7 @@ public:
     bool isTargeted() const { return isTargeted_; }
     QSize sizeHint() const override;
 
-signals:
+Q_SIGNALS:
     void folderDropped(const torvo::FileURL& folder);
 
 protected:

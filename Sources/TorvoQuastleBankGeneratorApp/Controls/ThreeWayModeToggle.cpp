@@ -54,7 +54,7 @@ ThreeWayModeToggle::ThreeWayModeToggle(std::vector<GenerationMode> modes, double
         segment->setGeometry(frame);
         segment->installEventFilter(this);
         connect(segment, &QAbstractButton::clicked, this,
-                [this, index] { emit modeChosen(modes_[index]); });
+                [this, index] { Q_EMIT modeChosen(modes_[index]); });
         segments_.push_back(segment);
     }
     segments_.front()->setChecked(true);
@@ -120,7 +120,7 @@ bool ThreeWayModeToggle::eventFilter(QObject* watched, QEvent* event) {
 
 void ThreeWayModeToggle::chooseByKeyboard(std::size_t index) {
     if (index != selectedIndex_)
-        emit modeChosen(modes_[index]);
+        Q_EMIT modeChosen(modes_[index]);
 }
 
 } // namespace torvo::app

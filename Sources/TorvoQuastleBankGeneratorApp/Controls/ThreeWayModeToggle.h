@@ -52,7 +52,7 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
-signals:
+Q_SIGNALS:
     void modeChosen(torvo::GenerationMode mode);
 
 protected:

@@ -35,13 +35,13 @@ QString counts(const ExportSummary& summary) {
 
 /// What each state shows; absent pieces are hidden.
 struct Content {
-    std::optional<StatusKind> icon;
-    QString message;
-    QString counts;
+    std::optional<StatusKind> icon = std::nullopt;
+    QString message = {};
+    QString counts = {};
     int messagePixelSize = 15;
     QColor color = MarloTheme::ink;
     bool showsProgress = false;
-    std::optional<ProgressUpdate> progress; ///< absent: indeterminate
+    std::optional<ProgressUpdate> progress = std::nullopt; ///< absent: indeterminate
 };
 
 Content contentOf(const AppModel& model) {
@@ -65,12 +65,11 @@ Content contentOf(const AppModel& model) {
                     .counts = counts(run.completedExport.summary)};
         }
         Content operator()(const AppModel::FinishedMessage& run) const {
-            return {.icon = StatusKind::success, .message = toQString(run.message), .counts = {}};
+            return {.icon = StatusKind::success, .message = toQString(run.message)};
         }
         Content operator()(const AppModel::Failed& run) const {
             return {.icon = StatusKind::failure,
                     .message = toQString(run.description),
-                    .counts = {},
                     .color = MarloTheme::danger};
         }
     };
