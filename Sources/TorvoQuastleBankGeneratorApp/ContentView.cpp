@@ -2,6 +2,7 @@
 
 #include "AppModel.h"
 #include "Binding.h"
+#include "Controls/DropZone.h"
 #include "Controls/FocusRing.h"
 #include "Controls/ThreeWayModeToggle.h"
 #include "MarloTheme.h"
@@ -26,6 +27,7 @@ constexpr int columnWidth = 880;
 constexpr int sideMargin = 4 * MarloTheme::grid;
 constexpr int verticalMargin = 3 * MarloTheme::grid;
 constexpr int cardSpacing = 2 * MarloTheme::grid;
+constexpr int footerMargin = 12;
 constexpr double modeHeight = 42;
 
 } // namespace
@@ -50,6 +52,8 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
     layout->addWidget(scrollArea_, 1);
     layout->addWidget(makeFooter(model));
     new FocusRing(*this);
+    // Enter opens the panel right after the start; no ring before the first key.
+    findChild<DropZone*>()->setFocus(Qt::NoFocusReason);
 }
 
 QWidget* ContentView::makeScrolledColumn(AppModel& model) {
@@ -75,7 +79,7 @@ QWidget* ContentView::makeScrolledColumn(AppModel& model) {
 QWidget* ContentView::makeFooter(AppModel& model) {
     auto* content = new QWidget;
     footer_ = new QVBoxLayout(content);
-    footer_->setSpacing(cardSpacing);
+    footer_->setSpacing(footerMargin);
     footer_->addWidget(new OutputCard(model));
     footer_->addWidget(new RunMessage(model));
     return content;
@@ -102,7 +106,7 @@ void ContentView::alignColumns() {
     // The scroll bar takes its place from the margin: both columns keep one right edge.
     const int scrollBar = width() - scrollArea_->viewport()->width();
     column_->setContentsMargins(side, verticalMargin, side - scrollBar, cardSpacing);
-    footer_->setContentsMargins(side, cardSpacing, side, cardSpacing);
+    footer_->setContentsMargins(side, cardSpacing, side, footerMargin);
 }
 
 void ContentView::paintEvent(QPaintEvent*) {

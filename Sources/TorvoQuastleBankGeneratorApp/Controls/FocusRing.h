@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 
 class QFocusFrame;
 class QWidget;
@@ -24,6 +25,8 @@ protected:
 private:
     QWidget& window_;
     QFocusFrame* frame_;
+    /// What was ringed when the window or a popup took the focus away for a while.
+    QPointer<QWidget> interrupted_;
 };
 
 } // namespace torvo::app

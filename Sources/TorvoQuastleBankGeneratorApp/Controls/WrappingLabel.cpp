@@ -1,14 +1,29 @@
 #include "WrappingLabel.h"
 
 #include <QPainter>
+#include <QTextLayout>
 
-#include <limits>
+#include <cmath>
 
 namespace torvo::app {
 
 namespace {
 
-constexpr int wrapping = Qt::TextWordWrap | Qt::TextWrapAnywhere;
+/// Breaks the text into lines; returns their height.
+double layOut(QTextLayout& text, double width) {
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    text.setTextOption(option);
+    double height = 0;
+    text.beginLayout();
+    for (QTextLine line = text.createLine(); line.isValid(); line = text.createLine()) {
+        line.setLineWidth(width);
+        line.setPosition({0, height});
+        height += line.height();
+    }
+    text.endLayout();
+    return height;
+}
 
 } // namespace
 
@@ -20,8 +35,8 @@ WrappingLabel::WrappingLabel(QWidget* parent) : QLabel(parent) {
 }
 
 int WrappingLabel::heightForWidth(int width) const {
-    const QRect space(0, 0, width, std::numeric_limits<int>::max());
-    return fontMetrics().boundingRect(space, wrapping, text()).height();
+    QTextLayout lines(text(), font());
+    return static_cast<int>(std::ceil(layOut(lines, width)));
 }
 
 QSize WrappingLabel::sizeHint() const {
@@ -33,7 +48,9 @@ QSize WrappingLabel::minimumSizeHint() const { return {0, fontMetrics().height()
 void WrappingLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::WindowText));
-    painter.drawText(rect(), wrapping, text());
+    QTextLayout lines(text(), font());
+    layOut(lines, width());
+    lines.draw(&painter, {0, 0});
 }
 
 } // namespace torvo::app

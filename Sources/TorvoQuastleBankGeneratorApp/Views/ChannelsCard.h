@@ -36,8 +36,8 @@ private:
     AppModel& model_;
     WrappingLabel* message_;
     QWidget* scanning_;
-    QWidget* roleCounts_;
     std::vector<CountRow*> roleRows_; ///< in the order of the window
+    QWidget* roleCounts_;
     CountRow* loopCount_;
     CountRow* stabCount_;
     DisclosureSection* ignoredFolders_;

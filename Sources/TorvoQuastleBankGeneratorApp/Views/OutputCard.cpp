@@ -15,7 +15,6 @@ namespace torvo::app {
 namespace {
 
 constexpr int captionWidth = 64;
-constexpr int mainButtonWidth = 136;
 
 QString exportText(const AppModel& model) {
     if (model.isUpdatingExistingBank())
@@ -58,7 +57,7 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
       mappingRow_(makePathRow(tr("JSON"), mappingFile_)) {
     choose_->setObjectName(QStringLiteral("chooseExportFolder"));
     main_->setObjectName(QStringLiteral("mainButton"));
-    main_->setMinimumWidth(mainButtonWidth);
+    main_->setMinimumWidth(choose_->sizeHint().width());
     QSizePolicy keepsItsPlace = choose_->sizePolicy();
     keepsItsPlace.setRetainSizeWhenHidden(true);
     choose_->setSizePolicy(keepsItsPlace);

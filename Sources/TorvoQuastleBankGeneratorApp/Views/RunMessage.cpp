@@ -19,9 +19,8 @@ constexpr int smallestHeight = 44;
 
 QString progressLine(const ProgressUpdate& update) {
     return RunMessage::tr("WRITING %1  %2/%3")
-        .arg(toQString(update.currentBankName))
-        .arg(update.completedBanks)
-        .arg(update.totalBanks);
+        .arg(toQString(update.currentBankName), QString::number(update.completedBanks),
+             QString::number(update.totalBanks));
 }
 
 QString counts(const ExportSummary& summary) {

@@ -1,0 +1,100 @@
+#include "AppFixture.h"
+
+#include "Platform/Precondition.h"
+#include "TorvoMetadata.h"
+#include "WavFixture.h"
+
+#include <QTest>
+
+#include <array>
+#include <chrono>
+
+namespace torvo::test {
+
+namespace {
+
+constexpr std::chrono::milliseconds longestWait{60000};
+constexpr std::size_t frameCount = 32;
+
+void addSamples(const TemporaryFolder& folder, const std::string& in, int count) {
+    for (int index = 1; index <= count; ++index)
+        folder.write(in + "/sample " + std::to_string(index) + ".wav",
+                     wavFile(WavFormat{}, frameCount));
+}
+
+} // namespace
+
+std::shared_ptr<Gate> GatedInspector::hold(const std::string& part) {
+    const std::scoped_lock lock(mutex_);
+    return gates_[part] = std::make_shared<Gate>();
+}
+
+AudioFormatDetails GatedInspector::inspectAudioFile(const FileURL& at) const {
+    std::shared_ptr<Gate> gate;
+    {
+        const std::scoped_lock lock(mutex_);
+        for (const auto& [part, held] : gates_)
+            if (at.path().string().find(part) != std::string::npos)
+                gate = held;
+    }
+    if (gate)
+        gate->pass();
+    return real_.inspectAudioFile(at);
+}
+
+std::shared_ptr<Gate> GatedPreparer::holdBank(std::int64_t bank) {
+    const std::scoped_lock lock(mutex_);
+    heldFolder_ = "/Bank " + std::to_string(bank) + "/";
+    return gate_ = std::make_shared<Gate>();
+}
+
+SamplePreparationMode GatedPreparer::prepare(const SampleCandidate& sample,
+                                             const FileURL& destinationURL) const {
+    std::shared_ptr<Gate> gate;
+    {
+        const std::scoped_lock lock(mutex_);
+        if (gate_ && destinationURL.path().string().find(heldFolder_) != std::string::npos)
+            gate = gate_;
+    }
+    if (gate)
+        gate->pass();
+    return real_.prepare(sample, destinationURL);
+}
+
+AppFixture::AppFixture()
+    : model(SampleScanner(inspector, AudioCompatibilityEvaluator{}, systemFileManager()),
+            BankGenerator{},
+            BankExporter(systemFileManager(), preparer, TorvoWAVMetadataWriter{}),
+            BankMappingStore{}, panels) {}
+
+FileURL AppFixture::drumKit(const std::string& name, int perRole) const {
+    static constexpr std::array roles{"Kick", "Clap", "Closed Hat", "Open Hat", "Snare", "Percussion"};
+    for (const char* role : roles)
+        addSamples(folder, name + "/" + role, perRole);
+    return FileURL::directory(folder / name);
+}
+
+FileURL AppFixture::loops(const std::string& name, int count) const {
+    folder.createFolder(name);
+    addSamples(folder, name, count);
+    return FileURL::directory(folder / name);
+}
+
+FileURL AppFixture::outputFolder(const std::string& name) const {
+    return FileURL::directory(folder.createFolder(name));
+}
+
+void AppFixture::scan(const FileURL& source) {
+    model.setSourceFolder(source);
+    waitForWork();
+}
+
+void AppFixture::waitForWork() {
+    precondition(waitUntil([this] { return !model.isBusy(); }), "the work never ended");
+}
+
+bool waitUntil(const std::function<bool()>& condition) {
+    return QTest::qWaitFor(condition, static_cast<int>(longestWait.count()));
+}
+
+} // namespace torvo::test

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "AppModel.h"
+#include "FakePanels.h"
+#include "Gate.h"
+#include "TemporaryFolder.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace torvo::test {
+
+/// Holds back the scan of any folder that was named here, until its gate is opened.
+class GatedInspector final : public AudioFileInspecting {
+public:
+    /// Files whose path contains `part` wait for the returned gate.
+    std::shared_ptr<Gate> hold(const std::string& part);
+    AudioFormatDetails inspectAudioFile(const FileURL& at) const override;
+
+private:
+    AVAudioFileInspector real_;
+    mutable std::mutex mutex_;
+    std::map<std::string, std::shared_ptr<Gate>> gates_;
+};
+
+/// Holds back every sample of the bank numbers from `heldBank` on, until the gate is opened.
+class GatedPreparer final : public AudioFilePreparing {
+public:
+    std::shared_ptr<Gate> holdBank(std::int64_t bank);
+    SamplePreparationMode prepare(const SampleCandidate& sample,
+                                  const FileURL& destinationURL) const override;
+
+private:
+    AVAudioSamplePreparer real_;
+    mutable std::mutex mutex_;
+    std::string heldFolder_;
+    std::shared_ptr<Gate> gate_;
+};
+
+/// A model on the real services, on folders of its own.
+struct AppFixture {
+    TemporaryFolder folder;
+    std::shared_ptr<FakePanels> panels = std::make_shared<FakePanels>();
+    std::shared_ptr<GatedInspector> inspector = std::make_shared<GatedInspector>();
+    std::shared_ptr<GatedPreparer> preparer = std::make_shared<GatedPreparer>();
+    app::AppModel model;
+
+    AppFixture();
+
+    /// A folder with every drum role, `perRole` short samples each; its URL.
+    FileURL drumKit(const std::string& name = "Kit A", int perRole = 4) const;
+    /// A folder with `count` short samples of no drum role.
+    FileURL loops(const std::string& name = "Loops", int count = 9) const;
+    FileURL outputFolder(const std::string& name = "out") const;
+
+    /// Chooses the folder and waits for the scan.
+    void scan(const FileURL& source);
+    /// Until no background work is left and its results have arrived.
+    void waitForWork();
+};
+
+/// Runs the event loop until the condition holds; false when it never does.
+bool waitUntil(const std::function<bool()>& condition);
+
+} // namespace torvo::test

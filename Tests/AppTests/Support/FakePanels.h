@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Panels.h"
+
+#include <string>
+#include <vector>
+
+namespace torvo::test {
+
+/// Answers at once with what it was told to, and keeps what it was asked.
+class FakePanels final : public app::Panels {
+public:
+    std::optional<FileURL> folder;
+    std::optional<FileURL> saveTarget;
+    std::optional<FileURL> document;
+    /// "folder: title", "save: name", "open", in order.
+    std::vector<std::string> asked;
+
+    std::optional<FileURL> pickFolder(const std::string& title) override {
+        asked.push_back("folder: " + title);
+        return folder;
+    }
+    std::optional<FileURL> saveJSONPanel(const std::string& defaultFileName) override {
+        asked.push_back("save: " + defaultFileName);
+        return saveTarget;
+    }
+    std::optional<FileURL> pickJSONFile() override {
+        asked.emplace_back("open");
+        return document;
+    }
+};
+
+} // namespace torvo::test
