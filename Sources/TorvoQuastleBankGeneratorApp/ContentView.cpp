@@ -26,8 +26,8 @@ constexpr QSize smallestSize{880, 760};
 constexpr int columnWidth = 880;
 constexpr int sideMargin = 4 * MarloTheme::grid;
 constexpr int verticalMargin = 3 * MarloTheme::grid;
-constexpr int cardSpacing = 2 * MarloTheme::grid;
-constexpr int footerMargin = 12;
+constexpr int cardSpacing = 12;
+constexpr int roomForCounts = 136; ///< what a scan will add
 constexpr double modeHeight = 42;
 
 } // namespace
@@ -79,14 +79,15 @@ QWidget* ContentView::makeScrolledColumn(AppModel& model) {
 QWidget* ContentView::makeFooter(AppModel& model) {
     auto* content = new QWidget;
     footer_ = new QVBoxLayout(content);
-    footer_->setSpacing(footerMargin);
+    footer_->setSpacing(cardSpacing);
     footer_->addWidget(new OutputCard(model));
     footer_->addWidget(new RunMessage(model));
     return content;
 }
 
 QSize ContentView::sizeHint() const {
-    const int height = column_->sizeHint().height() + footer_->sizeHint().height();
+    const int height =
+        column_->sizeHint().height() + footer_->sizeHint().height() + roomForCounts;
     return QSize(columnWidth, height).expandedTo(smallestSize);
 }
 
@@ -106,7 +107,7 @@ void ContentView::alignColumns() {
     // The scroll bar takes its place from the margin: both columns keep one right edge.
     const int scrollBar = width() - scrollArea_->viewport()->width();
     column_->setContentsMargins(side, verticalMargin, side - scrollBar, cardSpacing);
-    footer_->setContentsMargins(side, cardSpacing, side, footerMargin);
+    footer_->setContentsMargins(side, cardSpacing, side, cardSpacing);
 }
 
 void ContentView::paintEvent(QPaintEvent*) {

@@ -19,7 +19,7 @@ constexpr double cornerRadius = 14;
 Card::Card(const QString& heading, QWidget* parent)
     : QWidget(parent), column_(new QVBoxLayout(this)), headerRow_(new QHBoxLayout) {
     setAccessibleName(heading);
-    column_->setContentsMargins(20, 16, 20, 20);
+    column_->setContentsMargins(20, 14, 20, 16);
     column_->setSpacing(12);
     headerRow_->setSpacing(MarloTheme::grid);
     headerRow_->addWidget(makeCardHeading(heading));

@@ -11,7 +11,7 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int rowHeight = 32;
+constexpr int rowHeight = 28;
 
 } // namespace
 

@@ -13,7 +13,7 @@ struct DisclosureHeaderStyle {
     bool expanded = false;
     bool hovered = false;
 
-    static constexpr int height = 32;
+    static constexpr int height = 28;
 
     void paint(QPainter& painter, const QRectF& rect, const QString& title,
                const QString& count) const;

@@ -85,7 +85,7 @@ DropZone::DropZone(QWidget* parent) : PaintedButton(tr("DROP SOURCE FOLDER"), pa
     auto* choose = makeLabel(tr("Drop a folder here or choose one from Finder."), 13,
                              MarloTheme::FontCut::medium, MarloTheme::accent);
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(MarloTheme::grid, 14, MarloTheme::grid, 14);
+    column->setContentsMargins(MarloTheme::grid, 12, MarloTheme::grid, 12);
     column->setSpacing(6);
     for (QLabel* label : {caption, hint_, choose}) {
         label->setAlignment(Qt::AlignCenter);

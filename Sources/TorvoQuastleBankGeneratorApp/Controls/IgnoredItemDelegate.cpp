@@ -28,7 +28,7 @@ void IgnoredItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
     const QFont font = MarloTheme::font(12, MarloTheme::FontCut::regular);
     const QFontMetrics metrics(font);
     const QString reason = index.data(IgnoredItemsModel::reasonRole).toString();
-    const int reasonWidth = std::min(metrics.horizontalAdvance(reason), row.width() / 2);
+    const int reasonWidth = std::min(metrics.horizontalAdvance(reason) + 1, row.width() / 2);
     const int pathWidth = row.width() - reasonWidth - gap;
     painter->setFont(font);
     painter->setPen(MarloTheme::ink);

@@ -41,7 +41,7 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
       stabCount_(new CountRow(tr("STABS"))),
       ignoredFolders_(new DisclosureSection(tr("IGNORED FOLDERS"))),
       ignoredFiles_(new DisclosureSection(tr("IGNORED FILES"))) {
-    message_->setFont(MarloTheme::font(13, MarloTheme::FontCut::regular));
+    message_->setFont(MarloTheme::font(13, MarloTheme::FontCut::medium));
     ignoredFolders_->setObjectName(QStringLiteral("ignoredFolders"));
     ignoredFiles_->setObjectName(QStringLiteral("ignoredFiles"));
 

@@ -1,0 +1,14 @@
+#include "TorvoQuastleBankGeneratorApp.h"
+
+#include <QApplication>
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    // Also while the build asks for the list of tests.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    torvo::app::installTheme();
+    return RUN_ALL_TESTS();
+}
