@@ -75,15 +75,14 @@ bool FaultPlan::countsAndFails(FileOperation operation, const fs::path& path) {
         failAt_ != 0 && (extent_ == Extent::once ? number == failAt_ : number >= failAt_);
     if (fails) {
         const std::scoped_lock lock(mutex_);
-        if (!firstFault_)
-            firstFault_.emplace(operation, path, errorNumber_);
+        faults_.emplace_back(operation, path, errorNumber_);
     }
     return fails;
 }
 
-std::optional<FileError> FaultPlan::firstFault() const {
+std::vector<FileError> FaultPlan::faults() const {
     const std::scoped_lock lock(mutex_);
-    return firstFault_;
+    return faults_;
 }
 
 FaultyFileManager::FaultyFileManager(std::shared_ptr<const FileManager> behind,

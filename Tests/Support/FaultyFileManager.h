@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 namespace torvo::test {
 
@@ -29,8 +30,8 @@ public:
     bool countsAndFails(FileOperation operation, const std::filesystem::path& path);
 
     std::uint64_t operationCount() const { return count_; }
-    /// The first failure, if there was one.
-    std::optional<FileError> firstFault() const;
+    /// What has failed, in order.
+    std::vector<FileError> faults() const;
     int errorNumber() const { return errorNumber_; }
 
 private:
@@ -39,7 +40,7 @@ private:
     Extent extent_ = Extent::once;
     std::atomic<std::uint64_t> count_ = 0;
     mutable std::mutex mutex_;
-    std::optional<FileError> firstFault_;
+    std::vector<FileError> faults_;
 };
 
 /// Puts faults between the program and the disk. A write that fails has written its first half, and

@@ -1,0 +1,161 @@
+"""What the end-to-end checks share: a small library, snapshots of trees, the program under strace."""
+
+import array
+import hashlib
+import json
+import math
+import os
+import re
+import shutil
+import stat
+import struct
+import subprocess
+import sys
+import tempfile
+import wave
+
+
+class Failed(Exception):
+    """A promise that does not hold."""
+
+
+def check(condition, message):
+    if not condition:
+        raise Failed(message)
+
+
+def work_folder():
+    """A new folder in memory where there is one: the sweeps flush thousands of times."""
+    parent = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+    return tempfile.mkdtemp(prefix="torvo-e2e-", dir=parent)
+
+
+def write_wav(path, rate, channels, width, frames):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with wave.open(path, "wb") as file:
+        file.setnchannels(channels)
+        file.setsampwidth(width)
+        file.setframerate(rate)
+        data = bytearray()
+        for i in range(frames * channels):
+            value = int(0.4 * (1 << (8 * width - 1)) * math.sin(0.03 * i + 1.0 / (1 + i)))
+            data += (value & ((1 << (8 * width)) - 1)).to_bytes(width, "little")
+        file.writeframes(bytes(data))
+
+
+def write_au(path, rate, frames):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    samples = array.array("h", (i * 37 % 20000 for i in range(frames)))
+    if sys.byteorder == "little":
+        samples.byteswap()
+    with open(path, "wb") as file:
+        file.write(b".snd" + struct.pack(">5I", 24, 2 * frames, 3, rate, 1) + samples.tobytes())
+
+
+def make_library(folder):
+    """Samples of both kinds: copied as they are, and converted with and without the media library."""
+    write_wav(folder + "/Kicks/kick 1.wav", 44100, 1, 2, 900)
+    write_wav(folder + "/Kicks/808/BD 2.wav", 48000, 2, 3, 5000)
+    write_wav(folder + "/Snares/snare.wav", 44100, 2, 3, 500)
+    write_au(folder + "/Claps/clap.au", 32000, 3000)
+    write_wav(folder + "/Hats/closed hat.wav", 22050, 1, 2, 400)
+    write_wav(folder + "/Hats/open hat.wav", 44100, 1, 2, 300)
+    for n in (1, 2, 3):
+        write_wav(folder + "/Toms/tom %d.wav" % n, 44100, 1, 2, 400 * n)
+    with open(folder + "/notes.txt", "w") as file:
+        file.write("no sample\n")
+    return folder
+
+
+def snapshot(folder, times=True):
+    """Every item below a folder: kind, permissions, time of change, and a hash of the content."""
+    items = {}
+    for parent, folders, files in os.walk(folder):
+        for name in ["."] * (parent == folder) + folders + files:
+            path = os.path.normpath(os.path.join(parent, name))
+            details = os.lstat(path)
+            content = ""
+            if stat.S_ISREG(details.st_mode):
+                with open(path, "rb") as file:
+                    content = hashlib.sha256(file.read()).hexdigest()
+            elif stat.S_ISLNK(details.st_mode):
+                content = os.readlink(path)
+            items[os.path.relpath(path, folder)] = (
+                details.st_mode, details.st_mtime_ns if times else 0, content)
+    return items
+
+
+def differences(before, after):
+    lines = ["- " + path for path in before if path not in after]
+    lines += ["+ " + path for path in after if path not in before]
+    lines += ["! " + path for path in before if path in after and before[path] != after[path]]
+    return sorted(lines)
+
+
+def check_same(before, after, what):
+    found = differences(before, after)
+    check(not found, "%s:\n  %s" % (what, "\n  ".join(found[:20])))
+
+
+def replace_tree(source, destination):
+    shutil.rmtree(destination, ignore_errors=True)
+    shutil.copytree(source, destination, symlinks=True)
+
+
+def run(command, **options):
+    """Runs a command; what it writes comes back as text."""
+    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                          errors="replace", timeout=120, check=False, **options)
+
+
+def run_well(command):
+    result = run(command)
+    check(result.returncode == 0,
+          "%s\nended with %d: %s" % (" ".join(command), result.returncode, result.stderr))
+    return json.loads(result.stdout)
+
+
+def require_tool(name):
+    check(shutil.which(name), name + " is missing")
+
+
+CALL = re.compile(r"^(\d+)\s+(\w+)\((.*)$")
+
+
+def traced_calls(command, calls, below):
+    """Runs the command under strace. Returns, for each system call, which of a thread's calls (counted
+    from 1) concern something below a folder."""
+    with tempfile.NamedTemporaryFile("r", errors="replace") as log:
+        result = run(["strace", "-f", "-qq", "-y", "-s", "0", "-o", log.name,
+                      "-e", "trace=" + ",".join(calls)] + command)
+        check(result.returncode == 0, "%s failed: %s" % (" ".join(command), result.stderr))
+        counts, points = {}, {call: set() for call in calls}
+        for line in log:
+            found = CALL.match(line)
+            if not found:
+                continue
+            thread, call, rest = found.groups()
+            if call not in points:
+                continue
+            counts[thread, call] = counts.get((thread, call), 0) + 1
+            if below in rest:
+                points[call].add(counts[thread, call])
+    return {call: sorted(numbers) for call, numbers in points.items()}
+
+
+def injected(command, call, what, n):
+    """Runs the command with `what` ("error=EIO", "signal=SIGKILL") at each thread's n-th call."""
+    return run(["strace", "-f", "-qq", "-o", "/dev/null", "-e", "trace=" + call,
+                "-e", "inject=%s:%s:when=%d" % (call, what, n)] + command)
+
+
+def main(checks):
+    """Runs named checks; prints how each ended. Returns the exit code."""
+    failed = 0
+    for name, function in checks:
+        try:
+            print("OK    %s: %s" % (name, function()), flush=True)
+        except Failed as error:
+            failed += 1
+            print("FAIL  %s: %s" % (name, error), flush=True)
+    return 1 if failed else 0
