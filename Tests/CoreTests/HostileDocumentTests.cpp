@@ -209,7 +209,7 @@ TEST_P(HostileDocumentTests, isAClearErrorOrStaysInItsFolder) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Documents, HostileDocumentTests, ::testing::ValuesIn(documents()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& each) { return each.param.name; });
 
 TEST_F(HostileDocumentTests, aHundredMegabytesOfNestingAreRefused) {
     for (const char bracket : {'[', '{'}) {

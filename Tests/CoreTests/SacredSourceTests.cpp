@@ -121,7 +121,7 @@ TEST_P(EntanglementTests, keepsTheSource) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Places, EntanglementTests, ::testing::ValuesIn(entanglements()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& each) { return each.param.name; });
 
 /// A folder, the device folder that a run replaces, and samples in the wrong place.
 class SacredSourceTests : public ::testing::Test {

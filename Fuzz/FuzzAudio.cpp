@@ -1,0 +1,78 @@
+// The inspector and the preparer over any bytes: a file that is called readable and compatible can
+// be copied and stamped, and what a conversion writes is a WAV file of the announced size.
+
+#include "AudioSupport.h"
+#include "MemoryFileManager.h"
+#include "Models/GenerationError.h"
+#include "Require.h"
+#include "RiffChunks.h"
+#include "TorvoMetadata.h"
+
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <optional>
+
+namespace torvo::fuzz {
+namespace {
+
+const FileURL source(std::filesystem::path("/in/sample.wav"));
+const FileURL destination(std::filesystem::path("/out/sample.wav"));
+
+void stamp(const MemoryFileManager& files) {
+    const auto file = files.open(destination.path(), OpenMode::update);
+    TorvoWAVMetadataWriter().updateBusyChunk(*file, {}, 1);
+    file->close();
+}
+
+void checkConverted(const MemoryFileManager& files) {
+    const auto bytes = files.contentOf(destination.path());
+    require(bytes != nullptr, "a converted file is there");
+    const auto data = findDataChunk(MemoryByteSource(*bytes));
+    require(data.payloadEnd() == bytes->size(), "the header tells the size of the file");
+    require(data.payloadSize % 2 == 0, "whole frames");
+}
+
+std::optional<AudioFormatDetails> inspected(const std::shared_ptr<MemoryFileManager>& files) {
+    try {
+        return AVAudioFileInspector(files).inspectAudioFile(source);
+    } catch (const GenerationError&) {
+        return std::nullopt;
+    } catch (const std::bad_alloc&) {
+        return std::nullopt; // the library's limit on what one file may take
+    }
+}
+
+void prepareAnything(std::span<const std::byte> bytes) {
+    const auto files = std::make_shared<MemoryFileManager>();
+    files->put(source.path(), bytes);
+    const auto details = inspected(files);
+    if (!details)
+        return;
+    const AVAudioSamplePreparer preparer(files);
+    SampleCandidate sample{source, ChannelRole::kick, "sample",
+                           AudioCompatibilityEvaluator{}.compatibility(*details), *details};
+    if (std::holds_alternative<CompatibleWav>(sample.compatibility)) {
+        preparer.prepare(sample, destination);
+        stamp(*files);
+        // From here on as if it were damaged elsewhere: converting it must be safe as well.
+        sample.compatibility = RequiresConversion{"any"};
+    }
+    try {
+        preparer.prepare(sample, destination);
+    } catch (const GenerationError&) {
+        return;
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    checkConverted(*files);
+    stamp(*files);
+}
+
+} // namespace
+} // namespace torvo::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    torvo::fuzz::prepareAnything(std::as_bytes(std::span(data, size)));
+    return 0;
+}

@@ -1,0 +1,110 @@
+#include "MemoryFileManager.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace torvo::fuzz {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class MemoryFile final : public File {
+public:
+    explicit MemoryFile(std::shared_ptr<MemoryFileManager::Bytes> bytes)
+        : bytes_(std::move(bytes)) {}
+
+    std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
+        if (offset >= bytes_->size())
+            return 0;
+        const auto part = std::span(*bytes_).subspan(static_cast<std::size_t>(offset));
+        const auto count = std::min(part.size(), bytes.size());
+        std::copy_n(part.begin(), count, bytes.begin());
+        return count;
+    }
+
+    void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
+        const auto end = static_cast<std::size_t>(offset) + bytes.size();
+        if (end > bytes_->size())
+            bytes_->resize(end);
+        std::ranges::copy(bytes, bytes_->begin() + static_cast<std::ptrdiff_t>(offset));
+    }
+
+    std::uint64_t size() const override { return bytes_->size(); }
+    void resize(std::uint64_t size) override { bytes_->resize(size); }
+    void setPermissions(fs::perms) override {}
+    void flush() override {}
+    void close() override {}
+
+private:
+    std::shared_ptr<MemoryFileManager::Bytes> bytes_;
+};
+
+} // namespace
+
+void MemoryFileManager::put(const fs::path& path, std::span<const std::byte> bytes) {
+    files_[path] = std::make_shared<Bytes>(bytes.begin(), bytes.end());
+}
+
+std::shared_ptr<const MemoryFileManager::Bytes>
+MemoryFileManager::contentOf(const fs::path& path) const {
+    const auto found = files_.find(path);
+    return found == files_.end() ? nullptr : found->second;
+}
+
+const std::shared_ptr<MemoryFileManager::Bytes>&
+MemoryFileManager::existing(const fs::path& path) const {
+    const auto found = files_.find(path);
+    if (found == files_.end())
+        throw FileError(FileOperation::read, path, ENOENT);
+    return found->second;
+}
+
+std::optional<FileStatus> MemoryFileManager::linkStatus(const fs::path& path) const {
+    return status(path);
+}
+
+std::optional<FileStatus> MemoryFileManager::status(const fs::path& path) const {
+    const auto found = files_.find(path);
+    if (found == files_.end())
+        return std::nullopt;
+    return FileStatus{.kind = FileKind::regular,
+                      .size = found->second->size(),
+                      .identity = {},
+                      .permissions = fs::perms::owner_all};
+}
+
+fs::path MemoryFileManager::resolve(const fs::path& path) const {
+    existing(path);
+    return path;
+}
+
+std::vector<DirectoryEntry> MemoryFileManager::contentsOfDirectory(const fs::path&) const {
+    return {};
+}
+
+void MemoryFileManager::createDirectory(const fs::path&) const {}
+
+void MemoryFileManager::removeItem(const fs::path& path) const {
+    files_.erase(path);
+}
+
+void MemoryFileManager::copyItem(const fs::path& source, const fs::path& destination) const {
+    files_[destination] = std::make_shared<Bytes>(*existing(source));
+}
+
+void MemoryFileManager::replaceItem(const fs::path& destination, const fs::path& source) const {
+    files_[destination] = existing(source);
+    files_.erase(source);
+}
+
+std::unique_ptr<File> MemoryFileManager::open(const fs::path& path, OpenMode mode) const {
+    const bool isNew = mode == OpenMode::create || mode == OpenMode::createUnique;
+    if (isNew)
+        files_[path] = std::make_shared<Bytes>();
+    return std::make_unique<MemoryFile>(existing(path));
+}
+
+void MemoryFileManager::flushVolume(const fs::path&) const {}
+
+} // namespace torvo::fuzz

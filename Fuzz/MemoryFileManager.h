@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Platform/FileManager.h"
+
+#include <map>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace torvo::fuzz {
+
+/// Files in memory, without folders, so that a fuzzer is not held up by a disk.
+class MemoryFileManager final : public FileManager {
+public:
+    using Bytes = std::vector<std::byte>;
+
+    void put(const std::filesystem::path& path, std::span<const std::byte> bytes);
+    /// The content, or none when there is no such file.
+    std::shared_ptr<const Bytes> contentOf(const std::filesystem::path& path) const;
+
+    std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
+    std::optional<FileStatus> status(const std::filesystem::path& path) const override;
+    std::filesystem::path resolve(const std::filesystem::path& path) const override;
+    std::vector<DirectoryEntry>
+    contentsOfDirectory(const std::filesystem::path& path) const override;
+    void createDirectory(const std::filesystem::path& path) const override;
+    void removeItem(const std::filesystem::path& path) const override;
+    void copyItem(const std::filesystem::path& source,
+                  const std::filesystem::path& destination) const override;
+    void replaceItem(const std::filesystem::path& destination,
+                     const std::filesystem::path& source) const override;
+    std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;
+    void flushVolume(const std::filesystem::path& path) const override;
+
+private:
+    const std::shared_ptr<Bytes>& existing(const std::filesystem::path& path) const;
+
+    // The interface's functions are const, as the program's own file system has no state either.
+    mutable std::map<std::filesystem::path, std::shared_ptr<Bytes>> files_;
+};
+
+} // namespace torvo::fuzz
