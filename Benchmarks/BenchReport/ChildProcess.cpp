@@ -1,0 +1,74 @@
+#include "ChildProcess.h"
+
+#include "Stopwatch.h"
+
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace torvo::bench {
+
+namespace {
+
+void require(int error, const std::string& what) {
+    if (error != 0)
+        throw std::system_error(error, std::generic_category(), what);
+}
+
+std::string readToEnd(int descriptor) {
+    std::string text;
+    std::array<char, 65536> buffer;
+    for (;;) {
+        const auto count = ::read(descriptor, buffer.data(), buffer.size());
+        if (count > 0)
+            text.append(buffer.data(), static_cast<std::size_t>(count));
+        else if (count == 0 || errno != EINTR)
+            return text;
+    }
+}
+
+} // namespace
+
+FinishedProcess runProcess(const std::vector<std::string>& arguments) {
+    std::array<int, 2> pipe{};
+    require(::pipe2(pipe.data(), O_CLOEXEC) == 0 ? 0 : errno, "pipe");
+    posix_spawn_file_actions_t actions;
+    require(::posix_spawn_file_actions_init(&actions), "posix_spawn_file_actions_init");
+    require(::posix_spawn_file_actions_adddup2(&actions, pipe[1], STDOUT_FILENO), "adddup2");
+
+    std::vector<std::string> copies = arguments;
+    std::vector<char*> pointers;
+    for (auto& argument : copies)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+
+    const Stopwatch watch;
+    pid_t child = 0;
+    const int error =
+        ::posix_spawnp(&child, pointers.front(), &actions, nullptr, pointers.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(pipe[1]);
+    FinishedProcess finished;
+    if (error == 0)
+        finished.output = readToEnd(pipe[0]);
+    ::close(pipe[0]);
+    require(error, arguments.front());
+
+    int status = 0;
+    rusage usage{};
+    while (::wait4(child, &status, 0, &usage) < 0)
+        require(errno == EINTR ? 0 : errno, "wait4");
+    finished.seconds = watch.seconds();
+    finished.peakMemory = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        throw std::runtime_error(arguments.front() + " failed");
+    return finished;
+}
+
+} // namespace torvo::bench

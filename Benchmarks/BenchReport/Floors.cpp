@@ -1,0 +1,107 @@
+#include "Floors.h"
+
+#include "BareConversion.h"
+#include "Stopwatch.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <fcntl.h>
+#include <mutex>
+#include <string>
+#include <sys/stat.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace torvo::bench {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void require(bool succeeded, const fs::path& path) {
+    if (!succeeded)
+        throw std::system_error(errno, std::generic_category(), path.string());
+}
+
+/// Spreads the files over threads, `atOnce` at a time; passes on the first failure.
+template <typename Work>
+double secondsFor(std::span<const fs::path> files, std::size_t threads, std::size_t atOnce,
+                  Work work) {
+    std::atomic<std::size_t> next = 0;
+    std::exception_ptr failure;
+    std::mutex failureMutex;
+    const auto takeFiles = [&] {
+        try {
+            for (;;) {
+                const auto first = next.fetch_add(atOnce);
+                if (first >= files.size())
+                    return;
+                for (const auto& file :
+                     files.subspan(first).first(std::min(atOnce, files.size() - first)))
+                    work(file);
+            }
+        } catch (...) {
+            const std::scoped_lock lock(failureMutex);
+            failure = std::current_exception();
+        }
+    };
+    const Stopwatch watch;
+    {
+        std::vector<std::jthread> workers;
+        for (std::size_t i = 1; i < threads; ++i)
+            workers.emplace_back(takeFiles);
+        takeFiles();
+    }
+    const double seconds = watch.seconds();
+    if (failure)
+        std::rethrow_exception(failure);
+    return seconds;
+}
+
+void readHead(const fs::path& path) {
+    std::array<std::byte, 4096> head;
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    require(file >= 0, path);
+    require(::read(file, head.data(), head.size()) >= 0, path);
+    ::close(file);
+}
+
+void rewrite(const fs::path& path) {
+    const int source = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    require(source >= 0, path);
+    struct stat details {};
+    require(::fstat(source, &details) == 0, path);
+    std::vector<std::byte> bytes(static_cast<std::size_t>(details.st_size));
+    require(::read(source, bytes.data(), bytes.size()) == details.st_size, path);
+    ::close(source);
+
+    const auto beside = path.parent_path() / ".beside";
+    const int target =
+        ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, details.st_mode & 0777);
+    require(target >= 0, beside);
+    require(::write(target, bytes.data(), bytes.size()) == details.st_size, beside);
+    require(::fsync(target) == 0, beside);
+    require(::close(target) == 0, beside);
+    require(::rename(beside.c_str(), path.c_str()) == 0, beside);
+}
+
+} // namespace
+
+double secondsToReadHeads(std::span<const fs::path> files, std::size_t threads) {
+    return secondsFor(files, threads, 16, readHead);
+}
+
+double secondsToRewrite(std::span<const fs::path> files) {
+    return secondsFor(files, 1, 1, rewrite);
+}
+
+double secondsToConvert(std::span<const fs::path> files, std::size_t threads) {
+    return secondsFor(files, threads, 1, [](const fs::path& file) { bareConversion(file); });
+}
+
+} // namespace torvo::bench

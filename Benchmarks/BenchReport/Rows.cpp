@@ -1,0 +1,235 @@
+#include "Rows.h"
+
+#include "ChildProcess.h"
+#include "Floors.h"
+#include "Platform/FileManager.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <string>
+#include <thread>
+
+namespace torvo::bench {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr double bytesPerMegabyte = 1e6;
+
+std::size_t allCores() {
+    return std::max(1U, std::thread::hardware_concurrency());
+}
+
+Row timeRow(std::string work, std::string floor, const Medians& medians, double bar) {
+    return {.work = std::move(work),
+            .ours = shownSeconds(medians.ours),
+            .comparedTo = std::move(floor) + ": " + shownSeconds(medians.theirs),
+            .figure = medians.ours / medians.theirs,
+            .unit = " ×",
+            .direction = Bar::atMost,
+            .bar = bar};
+}
+
+Row memoryRow(std::string work, std::uint64_t bytes, double bar) {
+    const double megabytes = static_cast<double>(bytes) / bytesPerMegabyte;
+    return {.work = std::move(work),
+            .ours = "",
+            .comparedTo = "",
+            .figure = megabytes,
+            .unit = " MB",
+            .direction = Bar::atMost,
+            .bar = bar};
+}
+
+Row fasterRow(std::string work, std::string slower, const Medians& medians, double bar) {
+    return {.work = std::move(work),
+            .ours = shownSeconds(medians.ours),
+            .comparedTo = std::move(slower) + ": " + shownSeconds(medians.theirs),
+            .figure = medians.theirs / medians.ours,
+            .unit = " ×",
+            .direction = Bar::atLeast,
+            .bar = bar};
+}
+
+double secondsOf(const FinishedProcess& finished, const char* phase) {
+    return nlohmann::json::parse(finished.output).at("seconds").at(phase).get<double>();
+}
+
+/// An empty folder, and a disk with nothing left to write from before.
+fs::path emptied(const fs::path& folder) {
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    systemFileManager()->flushVolume(folder);
+    return folder;
+}
+
+FinishedProcess scanned(const Bench& bench, const fs::path& library, const char* mode) {
+    return runProcess({bench.bankRun, "--scan", library, "--mode", mode});
+}
+
+/// Scanning a library beside opening its files and reading their beginnings.
+Medians scanAndReadHeads(const Bench& bench, const fs::path& library, const char* mode) {
+    const auto files = filesBelow(library);
+    return interleaved(
+        bench.sizes.runs, [&] { return secondsOf(scanned(bench, library, mode), "scan"); },
+        [&] { return secondsToReadHeads(files, allCores()); });
+}
+
+constexpr auto headsFloor = "open, read 4 KiB";
+
+std::vector<Row> scanWavs(const Bench& bench) {
+    return {timeRow("scan of " + std::to_string(bench.sizes.wavFiles) + " WAV files", headsFloor,
+                    scanAndReadHeads(bench, bench.inputs.wavLibrary(), "drums"), 2)};
+}
+
+std::vector<Row> scanMany(const Bench& bench) {
+    const auto library = bench.inputs.smallLibrary();
+    const auto work = "scan of " + std::to_string(bench.sizes.smallWavFiles) + " small files";
+    return {timeRow(work, headsFloor, scanAndReadHeads(bench, library, "drums"), 2.5),
+            memoryRow(work + ", memory", scanned(bench, library, "drums").peakMemory, 150)};
+}
+
+std::vector<Row> scanMixed(const Bench& bench) {
+    return {timeRow("scan of " + std::to_string(bench.sizes.mixedFiles) +
+                        " files, half WAV, half FLAC, MP3, AIFF, Ogg and M4A",
+                    headsFloor, scanAndReadHeads(bench, bench.inputs.mixedLibrary(), "drums"), 10)};
+}
+
+std::vector<Row> scanOther(const Bench& bench) {
+    // Loops, so that every file is opened: names alone do not leave them out.
+    return {
+        timeRow("scan of " + std::to_string(bench.sizes.otherFiles) + " files that are no audio",
+                headsFloor, scanAndReadHeads(bench, bench.inputs.otherFiles(), "loops"), 3)};
+}
+
+FinishedProcess exported(const Bench& bench, const fs::path& library, const char* mode,
+                         const fs::path& out) {
+    return runProcess({bench.bankRun, "--source", library, "--out", emptied(out), "--mode", mode,
+                       "--seed", "42", "--banks", std::to_string(bench.sizes.banks)});
+}
+
+double secondsToExport(const Bench& bench, const fs::path& library, const char* mode,
+                       const fs::path& out) {
+    return secondsOf(exported(bench, library, mode, out), "export");
+}
+
+/// `cp -r`, then the flush that an export ends with too.
+double secondsToCopy(const Bench& bench, const fs::path& tree) {
+    const auto copy = emptied(bench.folder / "copy");
+    return runProcess({"sh", "-c", R"(cp -r "$0" "$1" && sync -f "$1")", tree, copy}).seconds;
+}
+
+std::string bankCount(const Bench& bench) {
+    return std::to_string(bench.sizes.banks) + " banks";
+}
+
+std::string loopCount(const Bench& bench) {
+    return std::to_string(bench.sizes.loops) + " loops of 48 and 96 kHz";
+}
+
+std::vector<Row> exportCompatible(const Bench& bench) {
+    const auto library = bench.inputs.compatibleLibrary();
+    const auto out = bench.folder / "out";
+    return {
+        timeRow(bankCount(bench) + ", every sample compatible", "`cp -r`, flush",
+                interleaved(
+                    bench.sizes.runs, [&] { return secondsToExport(bench, library, "drums", out); },
+                    [&] { return secondsToCopy(bench, out); }),
+                1.3)};
+}
+
+std::vector<Row> exportLoops(const Bench& bench) {
+    const auto library = bench.inputs.loops();
+    const auto loops = filesBelow(library);
+    const auto out = bench.folder / "out";
+    return {timeRow(
+        bankCount(bench) + " of " + loopCount(bench),
+        "bare conversion of each loop on all cores, `cp -r`, flush",
+        interleaved(
+            bench.sizes.runs, [&] { return secondsToExport(bench, library, "loops", out); },
+            [&] { return secondsToConvert(loops, allCores()) + secondsToCopy(bench, out); }),
+        1.25)};
+}
+
+std::vector<Row> exportAgainstSox(const Bench& bench) {
+    const auto library = bench.inputs.loops();
+    const auto convert = R"(find "$0" -name "*.wav" -print0 | xargs -0 -P 2 -I {} )"
+                         R"(sh -c 'sox "$1" -c 1 -b 16 "$2/${1##*/}" rate -v 44100' sh {} "$1")";
+    return {fasterRow(
+        bankCount(bench) + " of " + loopCount(bench), "`sox … rate -v` of each loop, two processes",
+        interleaved(
+            bench.sizes.runs,
+            [&] { return secondsToExport(bench, library, "loops", bench.folder / "out"); },
+            [&] {
+                return runProcess({"sh", "-c", convert, library, emptied(bench.folder / "copy")})
+                    .seconds;
+            }),
+        2)};
+}
+
+std::vector<Row> exportMemory(const Bench& bench) {
+    const auto out = bench.folder / "out";
+    return {memoryRow(bankCount(bench) + " of " + loopCount(bench) + ", memory",
+                      exported(bench, bench.inputs.loops(), "loops", out).peakMemory, 256),
+            memoryRow("the same of eight times as many loops, memory",
+                      exported(bench, bench.inputs.manyLoops(), "loops", out).peakMemory, 256)};
+}
+
+std::vector<Row> stampFolder(const Bench& bench) {
+    const auto out = bench.folder / "out";
+    exported(bench, bench.inputs.compatibleLibrary(), "drums", out);
+    std::vector<fs::path> files;
+    for (const auto& file : filesBelow(out)) {
+        if (file.extension() == ".wav")
+            files.push_back(file);
+    }
+    std::ranges::sort(files);
+    return {timeRow("stamping a folder of " + std::to_string(files.size()) + " files",
+                    "read, write beside, flush, rename",
+                    interleaved(
+                        bench.sizes.runs,
+                        [&] {
+                            return secondsOf(runProcess({bench.bankRun, "--stamp", out}), "stamp");
+                        },
+                        [&] { return secondsToRewrite(files); }),
+                    1.2)};
+}
+
+/// Into memory, so that no disk stands between the cores; each loop is needed about once.
+std::vector<Row> convertOnOneAndTwoCores(const Bench& bench) {
+    const auto library = bench.inputs.loops();
+    const auto out = fs::path("/dev/shm") / ("torvo-bench-" + bench.folder.filename().string());
+    const auto secondsOn = [&](const char* cores) {
+        const auto finished = runProcess(
+            {"taskset", "-c", cores, bench.bankRun, "--source", library, "--out", emptied(out),
+             "--mode", "loops", "--seed", "42", "--banks", std::to_string(bench.sizes.loops / 8)});
+        return secondsOf(finished, "export");
+    };
+    const auto medians = interleaved(
+        bench.sizes.runs, [&] { return secondsOn("0,1"); }, [&] { return secondsOn("0"); });
+    fs::remove_all(out);
+    return {fasterRow("conversion of " + loopCount(bench) + " on two cores", "on one core", medians,
+                      1.8)};
+}
+
+} // namespace
+
+const std::vector<Measurement>& allMeasurements() {
+    static const std::vector<Measurement> measurements{
+        {"scan", scanWavs},
+        {"scan-many", scanMany},
+        {"scan-mixed", scanMixed},
+        {"scan-other", scanOther},
+        {"export-copy", exportCompatible},
+        {"export-loops", exportLoops},
+        {"export-sox", exportAgainstSox},
+        {"stamp", stampFolder},
+        {"memory", exportMemory},
+        {"cores", convertOnOneAndTwoCores},
+    };
+    return measurements;
+}
+
+} // namespace torvo::bench
