@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace torvo::test {
+
+/// What a stamp is expected to write.
+struct ExpectedStamp {
+    std::uint32_t dataSize = 0; ///< bytes of the "data" chunk
+    unsigned channelIndex = 0;  ///< 0 to 7
+    unsigned bits = 16;
+    unsigned rateByte = 0; ///< 0 for 44 kHz to 7 for 4 kHz
+    unsigned filterCode = 0;
+    bool routesCV = false;
+};
+
+/// The device's fresh payload, put down a second time from its table, not from the writer's code.
+std::vector<std::byte> freshBusyPayload(const ExpectedStamp& stamp);
+
+} // namespace torvo::test
