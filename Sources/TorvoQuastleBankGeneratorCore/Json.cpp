@@ -200,19 +200,21 @@ std::chrono::sys_seconds decodedDate(const nlohmann::json& value) {
     const minutes minute(reader.digits(2));
     reader.oneOf(":");
     const seconds second(reader.digits(2));
-    minutes offset{0};
-    if (const char zone = reader.oneOf("Z+-"); zone != 'Z') {
-        const hours offsetHours(reader.digits(2));
+    hours offsetHour{0};
+    minutes offsetMinute{0};
+    const char zone = reader.oneOf("Z+-");
+    if (zone != 'Z') {
+        offsetHour = hours(reader.digits(2));
         reader.oneOf(":");
-        offset = offsetHours + minutes(reader.digits(2));
-        if (zone == '-')
-            offset = -offset;
+        offsetMinute = minutes(reader.digits(2));
     }
     reader.end();
     const year_month_day date(y, m, d);
-    if (!date.ok() || hour >= 24h || minute >= 60min || second >= 60s)
+    if (!date.ok() || hour >= 24h || minute >= 60min || second >= 60s || offsetHour >= 24h ||
+        offsetMinute >= 60min)
         DateReader::fail();
-    return sys_days(date) + hour + minute + second - offset;
+    const auto offset = offsetHour + offsetMinute;
+    return sys_days(date) + hour + minute + second + (zone == '-' ? offset : -offset);
 }
 
 } // namespace

@@ -1,0 +1,300 @@
+#include "BankMappingStore.h"
+#include "Json.h"
+#include "LockedFolderFileManager.h"
+#include "Models/DecodingError.h"
+#include "Samples.h"
+#include "TemporaryFolder.h"
+#include "Thrown.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+namespace torvo::test {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::sys_seconds;
+
+BankMappingDocument smallDocument() {
+    return {.version = 2,
+            .sourceFolder = FileURL::directory("/Samples/My Kit"),
+            .generationMode = GenerationMode::loops,
+            .naming = BankNameScheme("My Kit"),
+            .generationTemplate = {"T", {{1, ChannelRole::loop, "Loop 1"}}},
+            .recipes = {{1, "MyKit001", {{1, compatibleSample(ChannelRole::loop, 1)}}, 9, false}},
+            .exportedAt = sys_seconds(1772373909s)}; // 2026-03-01T14:05:09Z
+}
+
+/// The document's JSON, changed and read by the store.
+class Reading {
+public:
+    BankMappingDocument operator()(const std::string& text) const {
+        return BankMappingStore().importDocument(FileURL(folder_.write("Kit001.json", text)));
+    }
+    BankMappingDocument with(const std::string& key, const nlohmann::json& value) const {
+        nlohmann::json document = smallDocument();
+        document[key] = value;
+        return (*this)(document.dump());
+    }
+    BankMappingDocument without(const std::string& key) const {
+        nlohmann::json document = smallDocument();
+        document.erase(key);
+        return (*this)(document.dump());
+    }
+
+private:
+    TemporaryFolder folder_;
+};
+
+std::string errorOf(const auto& action) {
+    const auto error = thrown<DecodingError>(action);
+    return error ? error->errorDescription() : "none";
+}
+
+TEST(BankMappingStore, fillsADocument) {
+    const auto before = std::chrono::system_clock::now() - 1s;
+    const auto wanted = smallDocument();
+    const auto document =
+        BankMappingStore().document(wanted.sourceFolder, wanted.generationMode, wanted.naming,
+                                    wanted.generationTemplate, wanted.recipes);
+    EXPECT_GT(document.exportedAt, before);
+    EXPECT_LE(document.exportedAt, std::chrono::system_clock::now());
+    auto expected = wanted;
+    expected.exportedAt = document.exportedAt;
+    EXPECT_EQ(document, expected);
+    EXPECT_EQ(document.version, 2);
+}
+
+TEST(BankMappingStore, writesSortedKeysWithTwoSpaces) {
+    const TemporaryFolder folder;
+    const FileURL url(folder / "Kit001.json");
+    BankMappingStore().exportDocument(smallDocument(), url);
+    EXPECT_EQ(textOf(url.path()), R"({
+  "exportedAt": "2026-03-01T14:05:09Z",
+  "generationMode": "loops",
+  "naming": {
+    "prefix": "MyKit",
+    "sourceFolderName": "My Kit"
+  },
+  "recipes": [
+    {
+      "bankIndex": 1,
+      "channels": {
+        "1": {
+          "compatibility": {
+            "compatibleWav": {}
+          },
+          "displayName": "loop1",
+          "formatDetails": {
+            "bitDepth": 16,
+            "channels": 1,
+            "fileExtension": "wav",
+            "isLinearPCM": true,
+            "sampleRate": 44100.0
+          },
+          "role": "loop",
+          "sourceURL": "file:///Kit/loop1.wav"
+        }
+      },
+      "reusedSamples": false,
+      "seed": 9,
+      "shortName": "MyKit001"
+    }
+  ],
+  "sourceFolder": "file:///Samples/My%20Kit/",
+  "template": {
+    "name": "T",
+    "slots": [
+      {
+        "channel": 1,
+        "label": "Loop 1",
+        "role": "loop"
+      }
+    ]
+  },
+  "version": 2
+}
+)");
+}
+
+TEST(BankMappingStore, readsBackWhatItWrote) {
+    const TemporaryFolder folder;
+    const FileURL url(folder / "Kit001.json");
+    BankMappingStore().exportDocument(smallDocument(), url);
+    EXPECT_EQ(BankMappingStore().importDocument(url), smallDocument());
+}
+
+TEST(BankMappingStore, replacesWhatStoodThereAndLeavesNothingBeside) {
+    const TemporaryFolder folder;
+    const FileURL url(folder.write("Kit001.json", std::string(100'000, 'x')));
+    BankMappingStore().exportDocument(smallDocument(), url);
+    EXPECT_EQ(BankMappingStore().importDocument(url), smallDocument());
+    EXPECT_EQ(systemFileManager()->contentsOfDirectory(folder.path()).size(), 1U);
+}
+
+TEST(BankMappingStore, anEarlierDocumentLacksVersionModeAndDate) {
+    const Reading read;
+    EXPECT_EQ(read.without("version").version, 1);
+    EXPECT_EQ(read.without("generationMode").generationMode, GenerationMode::drums);
+    const auto before = std::chrono::system_clock::now() - 1s;
+    const auto exportedAt = read.without("exportedAt").exportedAt;
+    EXPECT_GT(exportedAt, before);
+    EXPECT_LE(exportedAt, std::chrono::system_clock::now());
+}
+
+TEST(BankMappingStore, everythingElseIsRequired) {
+    const Reading read;
+    for (const auto* key : {"sourceFolder", "naming", "template", "recipes"})
+        EXPECT_EQ(errorOf([&] { read.without(key); }), std::string(key) + ": missing");
+}
+
+TEST(BankMappingStore, typesAreStrict) {
+    const Reading read;
+    for (const auto* key : {"version", "sourceFolder", "generationMode", "naming", "template",
+                            "recipes", "exportedAt"}) {
+        // A value that is there but null is not a missing one.
+        const auto error = errorOf([&] { read.with(key, nullptr); });
+        EXPECT_TRUE(error.starts_with(std::string(key) + ": not ") ||
+                    error.starts_with(std::string(key) + ".") || error.ends_with("not an object"))
+            << key << " gave " << error;
+        EXPECT_NE(error, "none") << key;
+    }
+    EXPECT_EQ(errorOf([&] { read.with("version", 2.0); }), "version: not an integer");
+    EXPECT_EQ(errorOf([&] { read.with("version", "2"); }), "version: not an integer");
+    EXPECT_EQ(errorOf([&] { read.with("version", true); }), "version: not an integer");
+    EXPECT_EQ(errorOf([&] { read.with("sourceFolder", "https://x/"); }),
+              "sourceFolder: \"https://x/\" is no file URL");
+    EXPECT_EQ(errorOf([&] { read.with("generationMode", "Drums"); }),
+              "generationMode: \"Drums\" is no generation mode");
+    EXPECT_EQ(errorOf([&] { read.with("recipes", nlohmann::json::object()); }),
+              "recipes: not a list");
+    EXPECT_EQ(errorOf([&] { read.with("recipes", {1}); }), "recipes[0]: not an object");
+}
+
+TEST(BankMappingStore, errorsNameTheWholeKeyPathAndTheDocument) {
+    const Reading read;
+    nlohmann::json document = smallDocument();
+    auto& recipes = document["recipes"];
+    recipes.push_back(recipes[0]);
+    recipes[1]["channels"]["1"].erase("sourceURL");
+    const auto error = thrown<DecodingError>([&] { read(document.dump()); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->errorDescription(), "recipes[1].channels.1.sourceURL: missing");
+    EXPECT_EQ(error->documentName(), "Kit001.json");
+}
+
+TEST(BankMappingStore, readsDatesInWholeSecondsWithAnOffset) {
+    const Reading read;
+    struct Row {
+        const char* text;
+        sys_seconds expected;
+    };
+    const sys_seconds moment(1772373909s);
+    const Row rows[] = {
+        {"2026-03-01T14:05:09Z", moment},
+        {"2026-03-01T14:05:09+00:00", moment},
+        {"2026-03-01T16:05:09+02:00", moment},
+        {"2026-03-01T08:35:09-05:30", moment},
+        {"2026-03-02T00:05:09+10:00", moment},
+        {"1970-01-01T00:00:00Z", sys_seconds(0s)},
+        {"1969-12-31T23:59:59Z", sys_seconds(-1s)},
+        {"2024-02-29T00:00:00Z", sys_seconds(1709164800s)},
+        {"9999-12-31T23:59:59Z", sys_seconds(253402300799s)},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(read.with("exportedAt", row.text).exportedAt, row.expected) << row.text;
+}
+
+TEST(BankMappingStore, refusesEveryOtherDate) {
+    const Reading read;
+    for (const auto* text : {"",
+                             "2026-03-01",
+                             "2026-03-01T14:05:09",
+                             "2026-03-01T14:05:09.5Z",
+                             "2026-03-01T14:05:09.000Z",
+                             "2026-03-01 14:05:09Z",
+                             "2026-03-01t14:05:09z",
+                             "2026-02-29T14:05:09Z",
+                             "2026-13-01T14:05:09Z",
+                             "2026-00-01T14:05:09Z",
+                             "2026-03-00T14:05:09Z",
+                             "2026-04-31T14:05:09Z",
+                             "2026-03-01T24:00:00Z",
+                             "2026-03-01T14:60:09Z",
+                             "2026-03-01T14:05:60Z",
+                             "2026-03-01T14:05:09+0200",
+                             "2026-03-01T14:05:09+02",
+                             "2026-03-01T14:05:09+24:00",
+                             "2026-03-01T14:05:09+02:60",
+                             "2026-03-01T14:05:09Zx",
+                             "2026-03-01T14:05:09Z ",
+                             "26-03-01T14:05:09Z",
+                             "+2026-03-01T14:05:09Z",
+                             "2026-3-01T14:05:09Z",
+                             "2026-03-01T1:05:09Z",
+                             "yesterday"}) {
+        EXPECT_EQ(errorOf([&] { read.with("exportedAt", text); }),
+                  "exportedAt: not an ISO 8601 date")
+            << text;
+    }
+    EXPECT_EQ(errorOf([&] { read.with("exportedAt", 1772373909); }), "exportedAt: not a text");
+}
+
+TEST(BankMappingStore, refusesWhatIsNoJSON) {
+    const Reading read;
+    EXPECT_EQ(errorOf([&] { read(""); }), "malformed JSON at byte 1");
+    EXPECT_EQ(errorOf([&] { read("{\"version\": }"); }), "malformed JSON at byte 13");
+    EXPECT_EQ(errorOf([&] { read("{} {}"); }), "malformed JSON at byte 4");
+    EXPECT_EQ(errorOf([&] { read("{\"a\": \"\xFF\"}"); }), "malformed JSON at byte 8");
+    EXPECT_EQ(errorOf([&] { read("{\"a\": 1e999}"); }), "a number is out of range");
+    EXPECT_EQ(errorOf([&] { read("[]"); }), "not an object");
+    EXPECT_EQ(errorOf([&] { read("null"); }), "not an object");
+}
+
+TEST(BankMappingStore, refusesNestingThatNoDocumentHas) {
+    const Reading read;
+    const auto nested = [](std::size_t depth) {
+        return std::string(depth, '[') + std::string(depth, ']');
+    };
+    const auto within = [](const std::string& extra) {
+        auto text = nlohmann::json(smallDocument()).dump();
+        text.insert(1, "\"extra\":" + extra + ",");
+        return text;
+    };
+    EXPECT_EQ(errorOf([&] { read(within(nested(30))); }), "none") << "an unknown key is ignored";
+    EXPECT_EQ(errorOf([&] { read(within(nested(100))); }), "nested too deeply");
+    // Would overflow the stack of a reader that recurses.
+    EXPECT_EQ(errorOf([&] { read(std::string(1'000'000, '[')); }), "nested too deeply");
+    std::string objects;
+    for (int i = 0; i < 100'000; ++i)
+        objects += "{\"a\":";
+    EXPECT_EQ(errorOf([&] { read(objects); }), "nested too deeply");
+}
+
+TEST(BankMappingStore, passesFileErrorsOn) {
+    const TemporaryFolder folder;
+    const auto missing = thrown<FileError>(
+        [&] { BankMappingStore().importDocument(FileURL(folder / "missing.json")); });
+    ASSERT_TRUE(missing);
+    EXPECT_EQ(missing->errorDescription(), "Unable to read " + (folder / "missing.json").string() +
+                                               ": No such file or directory.");
+    const auto aFolder =
+        thrown<FileError>([&] { BankMappingStore().importDocument(folder.url()); });
+    ASSERT_TRUE(aFolder);
+    EXPECT_EQ(aFolder->code(), std::errc::is_a_directory);
+
+    const auto locked = std::make_shared<LockedFolderFileManager>(folder.path());
+    folder.write("Kit001.json", "old");
+    const auto denied = thrown<FileError>([&] {
+        BankMappingStore(locked).exportDocument(smallDocument(), FileURL(folder / "Kit001.json"));
+    });
+    ASSERT_TRUE(denied);
+    EXPECT_EQ(denied->path(), folder / "Kit001.json") << "not the hidden file beside it";
+    EXPECT_EQ(denied->code(), std::errc::permission_denied);
+    EXPECT_EQ(textOf(folder / "Kit001.json"), "old");
+}
+
+} // namespace
+} // namespace torvo::test
