@@ -1,4 +1,5 @@
 #include "Platform/FileURL.h"
+#include "Printers.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

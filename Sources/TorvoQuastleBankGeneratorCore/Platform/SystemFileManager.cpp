@@ -66,7 +66,8 @@ std::optional<FileStatus> statusAt(const fs::path& path, int flags) {
     struct stat details {};
     if (::fstatat(AT_FDCWD, path.c_str(), &details, flags) == 0)
         return statusOf(details);
-    if (errno == ENOENT || errno == ENOTDIR)
+    // Links that lead in a circle lead nowhere, like a dead link.
+    if (errno == ENOENT || errno == ENOTDIR || errno == ELOOP)
         return std::nullopt;
     throw FileError(FileOperation::inspect, path, errno);
 }

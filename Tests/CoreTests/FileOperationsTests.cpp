@@ -1,0 +1,146 @@
+#include "FileZoo.h"
+#include "LockedFolderFileManager.h"
+#include "Platform/FileManager.h"
+#include "Thrown.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace torvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const FileManager& files() {
+    return *systemFileManager();
+}
+
+TEST(ReadFile, givesTheWholeFile) {
+    const Zoo zoo;
+    EXPECT_EQ(readFile(files(), zoo.file), bytes("12345"));
+    EXPECT_THAT(readFile(files(), zoo.folder.write("empty", "")), IsEmpty());
+    const auto error = thrown<FileError>([&] { readFile(files(), zoo.directory); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->code(), std::errc::is_a_directory);
+}
+
+TEST(WriteFileAtomically, replacesAndLeavesNothingBeside) {
+    const TemporaryFolder folder;
+    const auto longest = folder / std::string(255, 'x');
+    writeFileAtomically(files(), longest, bytes("one"));
+    EXPECT_EQ(fs::status(longest).permissions(), ordinaryFilePermissions());
+    fs::permissions(longest, fs::perms(0600));
+    writeFileAtomically(files(), longest, bytes("two"), fs::perms(0604));
+    EXPECT_EQ(textOf(longest), "two");
+    EXPECT_EQ(fs::status(longest).permissions(), fs::perms(0604));
+    writeFileAtomically(files(), longest, {});
+    EXPECT_EQ(textOf(longest), "");
+    EXPECT_EQ(files().contentsOfDirectory(folder.path()).size(), 1U);
+}
+
+TEST(WriteFileAtomically, aFailureNamesTheTargetAndLeavesNothingBeside) {
+    const TemporaryFolder folder;
+    const auto inTheWay = folder.createFolder("folder");
+    const auto error =
+        thrown<FileError>([&] { writeFileAtomically(files(), inTheWay, bytes("x")); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->errorDescription(),
+              "Unable to write " + inTheWay.string() + ": Is a directory.");
+    EXPECT_EQ(files().contentsOfDirectory(folder.path()).size(), 1U);
+
+    const auto missing = thrown<FileError>(
+        [&] { writeFileAtomically(files(), folder / "missing/file", bytes("x")); });
+    ASSERT_TRUE(missing);
+    EXPECT_EQ(missing->path(), folder / "missing/file");
+}
+
+TEST(ResolvingSymlinks, followsLinksAsFarAsThereIsSomething) {
+    const Zoo zoo;
+    const auto& folder = zoo.folder;
+    fs::create_directory_symlink("directory", folder / "relative");
+    folder.createFolder("other/deep");
+    fs::create_directory_symlink(folder / "other/deep", folder / "deep");
+    struct Row {
+        const char* path;
+        const char* expected;
+    };
+    const Row rows[] = {
+        {"file link", "file"},
+        {"directory link/x", "directory/x"},
+        {"relative/x/../y", "directory/y"},
+        {"deep/../z", "other/z"}, // the parent of the link's target, not of the link
+        {"missing/x/./y", "missing/x/y"},
+        {"missing/../file link", "file link"},
+        {"dead link", "dead link"},
+        {"dead link/x", "dead link/x"},
+        {"circular link/x", "circular link/x"},
+        {"file/x", "file/x"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(resolvingSymlinks(files(), FileURL(folder / row.path)),
+                  FileURL(folder / row.expected))
+            << row.path;
+    }
+    EXPECT_EQ(resolvingSymlinks(files(), FileURL()), FileURL());
+    EXPECT_EQ(resolvingSymlinks(files(), FileURL::directory(zoo.directoryLink)),
+              FileURL::directory(zoo.directory));
+}
+
+std::vector<std::string> enumerated(const TemporaryFolder& folder, EnumerationOptions options,
+                                    const FileManager& fileManager = files()) {
+    std::vector<std::string> names;
+    const auto items = enumerateDeep(fileManager, folder.url(), options);
+    if (!items)
+        return {"no enumeration"};
+    for (const auto& item : *items) {
+        EXPECT_EQ(item.url.hasDirectoryPath(), item.kind == FileKind::directory);
+        names.push_back(item.url.path().lexically_relative(folder.path()).string());
+    }
+    return names;
+}
+
+TEST(EnumerateDeep, walksDepthFirstInByteOrder) {
+    const TemporaryFolder folder;
+    for (const auto* path : {"b", "a/z", "a/B/x", "a/b", "a.b", "a b", "A", "\xFF", "é"})
+        folder.write(path, "");
+    EXPECT_THAT(
+        enumerated(folder, EnumerationOptions::skipPackageContents),
+        ElementsAre("A", "a", "a/B", "a/B/x", "a/b", "a/z", "a b", "a.b", "b", "é", "\xFF"));
+}
+
+TEST(EnumerateDeep, skipsWhatItIsToldTo) {
+    const TemporaryFolder folder;
+    for (const auto* path : {".hidden", ".folder/x", "x.app/y", "x.app.d/y"})
+        folder.write(path, "");
+    EXPECT_THAT(enumerated(folder, EnumerationOptions::skipPackageContents),
+                ElementsAre(".folder", ".folder/x", ".hidden", "x.app", "x.app.d", "x.app.d/y"));
+    EXPECT_THAT(enumerated(folder, EnumerationOptions::skipHidden),
+                ElementsAre("x.app", "x.app/y", "x.app.d", "x.app.d/y"));
+}
+
+TEST(EnumerateDeep, yieldsLinksWithoutFollowingThem) {
+    const Zoo zoo;
+    zoo.folder.write("directory/inside", "");
+    EXPECT_THAT(enumerated(zoo.folder, EnumerationOptions::skipHidden),
+                ElementsAre("circular link", "dead link", "directory", "directory/inside",
+                            "directory link", "file", "file link", "pipe"));
+}
+
+TEST(EnumerateDeep, passesOverLockedFoldersButNotTheRoot) {
+    const TemporaryFolder folder;
+    folder.write("a/x", "");
+    folder.write("b/x", "");
+    EXPECT_THAT(
+        enumerated(folder, EnumerationOptions::skipHidden, LockedFolderFileManager(folder / "a")),
+        ElementsAre("a", "b", "b/x"));
+    EXPECT_THAT(
+        enumerated(folder, EnumerationOptions::skipHidden, LockedFolderFileManager(folder.path())),
+        ElementsAre("no enumeration"));
+}
+
+} // namespace
+} // namespace torvo::test

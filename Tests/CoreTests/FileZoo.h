@@ -1,0 +1,40 @@
+#pragma once
+
+#include "TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace torvo::test {
+
+/// Those of a new file, as the process is told to make it.
+inline std::filesystem::perms ordinaryFilePermissions() {
+    const auto mask = ::umask(0);
+    ::umask(mask);
+    return static_cast<std::filesystem::perms>(0666U & ~mask);
+}
+
+/// Folder, file, pipe and four links: to the file, to the folder, dead, in a circle.
+struct Zoo {
+    TemporaryFolder folder;
+    std::filesystem::path file = folder.write("file", "12345");
+    std::filesystem::path directory = folder.createFolder("directory");
+    std::filesystem::path pipe = folder / "pipe";
+    std::filesystem::path fileLink = folder / "file link";
+    std::filesystem::path directoryLink = folder / "directory link";
+    std::filesystem::path deadLink = folder / "dead link";
+    std::filesystem::path circularLink = folder / "circular link";
+
+    Zoo() {
+        namespace fs = std::filesystem;
+        EXPECT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+        fs::create_symlink(file, fileLink);
+        fs::create_directory_symlink(directory, directoryLink);
+        fs::create_symlink(folder / "missing", deadLink);
+        fs::create_symlink(circularLink, circularLink);
+    }
+};
+
+} // namespace torvo::test

@@ -1,0 +1,220 @@
+#include "BusyPayload.h"
+#include "LockedFolderFileManager.h"
+#include "Models/GenerationError.h"
+#include "TemporaryFolder.h"
+#include "Thrown.h"
+#include "TorvoMetadata.h"
+#include "WavFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <sys/stat.h>
+
+namespace torvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<std::byte>;
+
+const TorvoMetadataOptions plain;
+
+Bytes smallWav() {
+    return riffFile({riffChunk("data", bytes("0123"))});
+}
+
+Bytes stampedWav(unsigned channelIndex) {
+    auto file = smallWav();
+    append(file,
+           riffChunk("busy", freshBusyPayload({.dataSize = 4, .channelIndex = channelIndex})));
+    return file;
+}
+
+std::int64_t stampFolder(const TemporaryFolder& folder) {
+    return TorvoWAVMetadataWriter().apply(plain, folder.url());
+}
+
+TEST(TorvoMetadataFolder, theChannelIsTheNumberThatTheFolderIsNamed) {
+    struct Row {
+        const char* folder;
+        std::optional<std::int64_t> channel;
+    };
+    const Row rows[] = {
+        {"1", 1},
+        {"8", 8},
+        {"3", 3},
+        {"03", 3},
+        {"+3", 3},
+        {"0008", 8},
+        {"0", {}},
+        {"9", {}},
+        {"09", {}},
+        {"10", {}},
+        {"-3", {}},
+        {"-0", {}},
+        {"+-3", {}},
+        {"++3", {}},
+        {"3abc", {}},
+        {" 3", {}},
+        {"3 ", {}},
+        {"3.0", {}},
+        {"0x3", {}},
+        {"３", {}},
+        {"８", {}},
+        {"٣", {}},
+        {"Bank 3", {}},
+        {"+", {}},
+        {"18446744073709551617", {}},
+        {"99999999999999999999999", {}},
+        {"3e0", {}},
+        {"\xFF", {}},
+    };
+    for (const auto& row : rows) {
+        const auto url =
+            FileURL("/card").appendingPathComponent(row.folder).appendingPathComponent("a.wav");
+        EXPECT_EQ(channelNumber(url), row.channel) << "\"" << row.folder << "\"";
+    }
+    EXPECT_EQ(channelNumber(FileURL("/a.wav")), std::nullopt);
+}
+
+TEST(TorvoMetadataFolder, stampsEveryVisibleWavWithItsChannel) {
+    const TemporaryFolder folder;
+    const auto inThree = folder.write("Bank 1/3/Kick.wav", smallWav());
+    const auto inNine = folder.write("Bank 1/09/Kick.wav", smallWav());
+    const auto inPool = folder.write("Pool/Bank 01/KICK.WAV", smallWav());
+    const auto mixed = folder.write("Bank 1/8/a.b.Wav", smallWav());
+    const std::vector<fs::path> untouched{
+        folder.write("Bank 1/3/.hidden.wav", smallWav()),
+        folder.write(".hidden/3/Kick.wav", smallWav()),
+        folder.write("Bank 1/.trash/Kick.wav", smallWav()),
+        folder.write("Bank 1/3/Kick.wave", smallWav()),
+        folder.write("Bank 1/3/Kick", smallWav()),
+        folder.write("Bank 1/3/wav", smallWav()),
+        folder.write("Bank 1/3/Kick.aif", smallWav()),
+        folder.write("Bank 1/info.txt", smallWav()),
+    };
+    EXPECT_EQ(stampFolder(folder), 4);
+    EXPECT_EQ(bytesOf(inThree), stampedWav(2));
+    EXPECT_EQ(bytesOf(inNine), stampedWav(0)) << "9 is no channel of the device";
+    EXPECT_EQ(bytesOf(inPool), stampedWav(0));
+    EXPECT_EQ(bytesOf(mixed), stampedWav(7));
+    for (const auto& path : untouched)
+        EXPECT_EQ(bytesOf(path), smallWav()) << path;
+    EXPECT_EQ(stampFolder(folder), 4) << "no other file has appeared";
+}
+
+TEST(TorvoMetadataFolder, entersFoldersThatLookLikeFilesAndPackages) {
+    const TemporaryFolder folder;
+    const auto inWavFolder = folder.write("loops.wav/2/a.wav", smallWav());
+    const auto inPackage = folder.write("Kit.bundle/4/a.wav", smallWav());
+    EXPECT_EQ(stampFolder(folder), 2);
+    EXPECT_EQ(bytesOf(inWavFolder), stampedWav(1));
+    EXPECT_EQ(bytesOf(inPackage), stampedWav(3));
+}
+
+TEST(TorvoMetadataFolder, aFolderThatCannotBeListedHoldsNothing) {
+    const TemporaryFolder folder;
+    const TorvoWAVMetadataWriter writer;
+    EXPECT_EQ(writer.apply(plain, FileURL::directory(folder / "missing")), 0);
+    EXPECT_EQ(writer.apply(plain, FileURL(folder.write("a.wav", smallWav()))), 0);
+    EXPECT_EQ(bytesOf(folder / "a.wav"), smallWav());
+    const TemporaryFolder empty;
+    EXPECT_EQ(stampFolder(empty), 0);
+    const auto locked = std::make_shared<LockedFolderFileManager>(folder.path());
+    EXPECT_EQ(TorvoWAVMetadataWriter(locked).apply(plain, folder.url()), 0);
+}
+
+TEST(TorvoMetadataFolder, passesOverALockedFolder) {
+    const TemporaryFolder folder;
+    folder.write("1/a.wav", smallWav());
+    folder.write("2/a.wav", smallWav());
+    const auto locked = std::make_shared<LockedFolderFileManager>(folder / "1");
+    EXPECT_EQ(TorvoWAVMetadataWriter(locked).apply(plain, folder.url()), 1);
+    EXPECT_EQ(bytesOf(folder / "1/a.wav"), smallWav());
+    EXPECT_EQ(bytesOf(folder / "2/a.wav"), stampedWav(1));
+}
+
+TEST(TorvoMetadataFolder, theFirstFailureEndsTheWalkAndWhatIsWrittenStays) {
+    const TemporaryFolder folder;
+    folder.write("1/a.wav", smallWav());
+    folder.write("2/b.wav", "no audio");
+    folder.write("3/c.wav", smallWav());
+    EXPECT_EQ(thrown<GenerationError>([&] { stampFolder(folder); }),
+              GenerationError::exportFailed("Not a RIFF/WAVE file."));
+    EXPECT_EQ(bytesOf(folder / "1/a.wav"), stampedWav(0));
+    EXPECT_EQ(textOf(folder / "2/b.wav"), "no audio");
+    EXPECT_EQ(bytesOf(folder / "3/c.wav"), smallWav());
+}
+
+TEST(TorvoMetadataFolder, aLinkIsReplacedAndItsTargetLeftAlone) {
+    const TemporaryFolder outside;
+    const auto target = outside.write("target.wav", smallWav());
+    const TemporaryFolder folder;
+    folder.createFolder("5");
+    fs::create_symlink(target, folder / "5/link.wav");
+    fs::create_symlink(outside.path(), folder / "linked folder");
+    fs::create_symlink(outside.path(), folder / "folder.wav");
+    fs::create_symlink(outside / "missing", folder / "dead.wav");
+    fs::create_symlink(folder / "loop.wav", folder / "loop.wav");
+    EXPECT_EQ(stampFolder(folder), 1);
+    EXPECT_EQ(bytesOf(target), smallWav());
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder / "5/link.wav")));
+    EXPECT_EQ(bytesOf(folder / "5/link.wav"), stampedWav(4));
+}
+
+TEST(TorvoMetadataFolder, pipesAndSocketsAreLeftAlone) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
+    EXPECT_EQ(stampFolder(folder), 0);
+}
+
+TEST(TorvoMetadataFolder, keepsThePermissionsOfAFile) {
+    const TemporaryFolder folder;
+    const auto path = folder.write("1/a.wav", smallWav());
+    fs::permissions(path, fs::perms(0640));
+    TorvoWAVMetadataWriter().apply(plain, FileURL(path), 1);
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
+    EXPECT_EQ(bytesOf(path), stampedWav(0));
+}
+
+TEST(TorvoMetadataFolder, aHardLinkElsewhereKeepsTheOldContent) {
+    // The file is replaced, not rewritten.
+    const TemporaryFolder folder;
+    const auto path = folder.write("1/a.wav", smallWav());
+    fs::create_hard_link(path, folder / "same.bin");
+    EXPECT_EQ(stampFolder(folder), 1);
+    EXPECT_EQ(bytesOf(path), stampedWav(0));
+    EXPECT_EQ(bytesOf(folder / "same.bin"), smallWav());
+}
+
+TEST(TorvoMetadataFolder, namesOfAnyBytesAreStamped) {
+    const TemporaryFolder folder;
+    const std::vector<std::string> names{"\xFF\xFE.wav",    "#?%20\"'.wav",
+                                         " blank .wav",     "ドラム.wav",
+                                         "line\nbreak.wav", std::string(251, 'x') + ".wav"};
+    for (const auto& name : names)
+        folder.write("2/" + name, smallWav());
+    EXPECT_EQ(stampFolder(folder), static_cast<std::int64_t>(names.size()));
+    for (const auto& name : names)
+        EXPECT_EQ(bytesOf(folder / ("2/" + name)), stampedWav(1)) << name;
+}
+
+TEST(TorvoMetadataFolder, passesFileErrorsOn) {
+    const TemporaryFolder folder;
+    const auto path = folder.write("1/a.wav", smallWav());
+    const TorvoWAVMetadataWriter writer;
+    const auto missing =
+        thrown<FileError>([&] { writer.apply(plain, FileURL(folder / "missing.wav"), 1); });
+    ASSERT_TRUE(missing);
+    EXPECT_EQ(missing->code(), std::errc::no_such_file_or_directory);
+    const auto locked = std::make_shared<LockedFolderFileManager>(folder / "1");
+    const auto denied =
+        thrown<FileError>([&] { TorvoWAVMetadataWriter(locked).apply(plain, FileURL(path), 1); });
+    ASSERT_TRUE(denied);
+    EXPECT_EQ(denied->code(), std::errc::permission_denied);
+    EXPECT_EQ(bytesOf(path), smallWav());
+}
+
+} // namespace
+} // namespace torvo::test

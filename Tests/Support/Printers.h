@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Models/GenerationError.h"
+#include "Platform/FileURL.h"
+
+#include <ostream>
+
+// How GoogleTest shows the records in a failure.
+namespace torvo {
+
+inline void PrintTo(const GenerationError& error, std::ostream* out) {
+    *out << error.errorDescription();
+}
+
+inline void PrintTo(const FileURL& url, std::ostream* out) {
+    *out << url.absoluteString();
+}
+
+} // namespace torvo
