@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 #include <variant>
@@ -78,7 +79,14 @@ private:
 struct PendingSample {
     FileURL url;
     ChannelRole role = ChannelRole::kick;
-    bool mayBeOpened = true; ///< false for pipes, sockets and devices
+    bool mayBeOpened = true;  ///< false for pipes, sockets and devices
+    std::size_t position = 0; ///< in the order of the walk
+};
+
+/// An ignored file and where the walk met it.
+struct IgnoredFile {
+    IgnoredItem item;
+    std::size_t position = 0;
 };
 
 bool isHiddenOrSidecar(const FileURL& url) {
@@ -97,8 +105,16 @@ EnumeratedItem followed(const FileManager& fileManager, EnumeratedItem item) {
     return {target, status ? status->kind : FileKind::other};
 }
 
-std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredItem> items) {
-    std::ranges::stable_sort(items, {}, &IgnoredItem::path);
+/// By path; files that are shown by the same path (two links' targets) in the order of the walk,
+/// although those that needed opening were judged later.
+std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredFile> files) {
+    std::ranges::sort(files, [](const IgnoredFile& left, const IgnoredFile& right) {
+        return std::tie(left.item.path, left.position) < std::tie(right.item.path, right.position);
+    });
+    std::vector<IgnoredItem> items;
+    items.reserve(files.size());
+    for (auto& file : files)
+        items.push_back(std::move(file.item));
     return items;
 }
 
@@ -109,10 +125,11 @@ public:
         : root_(std::move(root)), mode_(mode), judge_(root_) {}
 
     void take(const EnumeratedItem& item) {
+        ++position_;
         if (item.kind == FileKind::directory)
             return;
         if (isHiddenOrSidecar(item.url)) {
-            ignore(item.url, hiddenReason);
+            ignore(item.url, hiddenReason, position_);
         } else if (mode_ != GenerationMode::drums) {
             keep(item, mode_ == GenerationMode::loops ? ChannelRole::loop : ChannelRole::stab);
         } else {
@@ -120,8 +137,8 @@ public:
         }
     }
 
-    void ignore(const FileURL& url, const char* reason) {
-        ignoredFiles_.push_back({relativePathForDisplay(url, root_), reason});
+    void ignore(const FileURL& url, const char* reason, std::size_t position) {
+        ignoredFiles_.push_back({{relativePathForDisplay(url, root_), reason}, position});
     }
 
     const std::vector<PendingSample>& pending() const { return pending_; }
@@ -147,18 +164,19 @@ private:
         if (role)
             keep(item, *role);
         else
-            ignore(item.url, unclassifiedReason);
+            ignore(item.url, unclassifiedReason, position_);
     }
 
     void keep(const EnumeratedItem& item, ChannelRole role) {
-        pending_.push_back({item.url, role, item.kind == FileKind::regular});
+        pending_.push_back({item.url, role, item.kind == FileKind::regular, position_});
     }
 
     FileURL root_;
     GenerationMode mode_;
     FolderJudge judge_;
+    std::size_t position_ = 0; ///< of the item that was taken last
     std::vector<PendingSample> pending_;
-    std::vector<IgnoredItem> ignoredFiles_;
+    std::vector<IgnoredFile> ignoredFiles_;
     std::map<std::string, IgnoredItem> ignoredFolders_;
 };
 
@@ -205,9 +223,9 @@ ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode)
 
     ScanReport report{mode, root, {}, {}, {}};
     for (std::size_t i = 0; i < pending.size(); ++i) {
-        const auto& [url, role, mayBeOpened] = pending[i];
+        const auto& [url, role, mayBeOpened, position] = pending[i];
         if (!formats[i]) {
-            names.ignore(url, unsupportedReason);
+            names.ignore(url, unsupportedReason, position);
             continue;
         }
         report.buckets.samples(role).push_back({url, role, url.lastPathComponentWithoutExtension(),

@@ -1,0 +1,243 @@
+#include "LockedFolderFileManager.h"
+#include "Models/GenerationError.h"
+#include "ScanFixture.h"
+#include "Thrown.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <string>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace torvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(SampleScannerLinks, aLinkToAFileOutsideIsFollowed) {
+    const ScanFixture kit;
+    const auto kick = kit.folder.write("outside/Kicks/Kick 9.wav", "audio");
+    const auto plain = kit.folder.write("outside/Kicks/plain.wav", "audio");
+    const auto text = kit.folder.write("outside/Snare.txt", "text");
+    kit.folder.createFolder("Kit/Snares");
+    fs::create_symlink(kick, kit.at("Snares/link.wav"));
+    fs::create_symlink(plain, kit.at("Snares/other.wav"));
+    fs::create_symlink(text, kit.at("third.wav"));
+    const auto report = kit.scan();
+    // Neither the folder of the link decides nor that of the target, but the target's file name.
+    EXPECT_THAT(pathsOf(report, ChannelRole::kick), ElementsAre(kick.string()));
+    EXPECT_EQ(report.buckets.kick[0].displayName, "Kick 9");
+    EXPECT_EQ(report.buckets.kick[0].sourceURL, FileURL(kick));
+    EXPECT_THAT(texts(report.ignoredFiles),
+                ElementsAre("Snare.txt: Unsupported audio file", "plain.wav: Unclassified sample"));
+}
+
+TEST(SampleScannerLinks, aLinkInsideGivesItsTargetASecondTime) {
+    const ScanFixture kit;
+    kit.addAudio("Kicks/a.wav");
+    kit.folder.createFolder("Kit/Snares");
+    fs::create_symlink("../Kicks/a.wav", kit.at("Snares/b.wav"));
+    const auto report = kit.scan();
+    EXPECT_THAT(pathsOf(report, ChannelRole::kick), ElementsAre("Kicks/a.wav", "Kicks/a.wav"));
+    EXPECT_THAT(pathsOf(report, ChannelRole::snare), IsEmpty());
+}
+
+TEST(SampleScannerLinks, theHiddenTestLooksAtTheTarget) {
+    const ScanFixture kit;
+    fs::create_symlink(kit.folder.write("outside/.secret.wav", "audio"), kit.at("Kick.wav"));
+    fs::create_symlink(kit.folder.write("outside/Kick 2.wav", "audio"), kit.at(".link"));
+    const auto report = kit.scan();
+    EXPECT_THAT(texts(report.ignoredFiles),
+                ElementsAre(".secret.wav: Ignored hidden or sidecar file"));
+    EXPECT_EQ(report.buckets.kick.size(), 1U);
+}
+
+TEST(SampleScannerLinks, aNeighbourWhoseNameBeginsWithTheRootsDecides) {
+    // Intended: the test for "below the root" is one of the text, so the folders of "Kit Extra"
+    // count for the source folder "Kit". It stays, since banks of earlier runs rely on it.
+    const ScanFixture kit;
+    fs::create_symlink(kit.folder.write("Kit Extra/Kicks/x.wav", "audio"), kit.at("1.wav"));
+    fs::create_symlink(kit.folder.write("Kit Extra/Crash/y.wav", "audio"), kit.at("2.wav"));
+    fs::create_symlink(kit.folder.write("Kits/z.wav", "audio"), kit.at("3.wav"));
+    fs::create_symlink(kit.folder.write("Bag/Kicks/w.wav", "audio"), kit.at("4.wav"));
+    const auto report = kit.scan();
+    EXPECT_THAT(pathsOf(report, ChannelRole::kick),
+                ElementsAre((kit.folder / "Kit Extra/Kicks/x.wav").string()));
+    // What lies outside is shown by its name alone.
+    EXPECT_THAT(texts(report.ignoredFolders), ElementsAre("Crash: Ignored v1 folder"));
+    EXPECT_THAT(texts(report.ignoredFiles),
+                ElementsAre("w.wav: Unclassified sample", "z.wav: Unclassified sample"));
+}
+
+TEST(SampleScannerLinks, filesShownByOnePathKeepTheOrderOfTheWalk) {
+    const ScanFixture kit;
+    fs::create_symlink(kit.folder.write("Kit Extra/Kicks/x.txt", "text"), kit.at("1"));
+    fs::create_symlink(kit.folder.write("Bag/x.txt", "text"), kit.at("2"));
+    EXPECT_THAT(texts(kit.scan().ignoredFiles),
+                ElementsAre("x.txt: Unsupported audio file", "x.txt: Unclassified sample"));
+}
+
+TEST(SampleScannerLinks, linksToFoldersAreNotEntered) {
+    const ScanFixture kit;
+    kit.folder.write("outside/Kick.wav", "audio");
+    kit.addAudio("Kicks/a.wav");
+    fs::create_symlink(kit.folder / "outside", kit.at("Snares"));
+    fs::create_symlink(kit.root.path(), kit.at("Kicks/round"));
+    const auto report = kit.scan();
+    EXPECT_THAT(pathsOf(report, ChannelRole::kick), ElementsAre("Kicks/a.wav"));
+    EXPECT_THAT(report.ignoredFiles, IsEmpty());
+}
+
+TEST(SampleScannerLinks, aDeadOrCircularLinkEndsTheScanByItsName) {
+    for (const auto* name : {"dead.wav", ".dead", "notes"}) {
+        const ScanFixture kit;
+        kit.addAudio("Kicks/a.wav");
+        fs::create_symlink(kit.at("missing"), kit.at(name));
+        const auto error = thrown<FileError>([&] { kit.scan(); });
+        ASSERT_TRUE(error) << name;
+        EXPECT_EQ(error->errorDescription(),
+                  "Unable to read " + kit.at(name).string() + ": No such file or directory.");
+    }
+    const ScanFixture kit;
+    fs::create_symlink("b", kit.at("a"));
+    fs::create_symlink("a", kit.at("b"));
+    const auto error = thrown<FileError>([&] { kit.scan(); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->path(), kit.at("a"));
+    EXPECT_EQ(error->code(), std::errc::too_many_symbolic_link_levels);
+}
+
+TEST(SampleScannerLinks, theSourceFolderMayItselfBeALink) {
+    const ScanFixture kit;
+    kit.addAudio("Kicks/a.wav");
+    fs::create_symlink(kit.root.path(), kit.folder / "link");
+    const SampleScanner scanner(kit.inspector, {}, systemFileManager());
+    for (const auto* way : {"link", "link/", "link/../Kit", "./Kit/."}) {
+        const auto report = scanner.scan(FileURL(kit.folder / way), GenerationMode::drums);
+        EXPECT_EQ(report.sourceFolder, kit.root) << way;
+        EXPECT_THAT(pathsOf(report, ChannelRole::kick), ElementsAre("Kicks/a.wav"));
+    }
+}
+
+TEST(SampleScannerExotic, pipesSocketsAndDevicesAreNeverOpened) {
+    const ScanFixture kit;
+    ASSERT_EQ(::mkfifo(kit.at("Kick pipe.wav").c_str(), 0600), 0);
+    const int number = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_GE(number, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const auto path = kit.at("Kick socket").string();
+    ASSERT_LT(path.size(), sizeof address.sun_path);
+    std::ranges::copy(path, address.sun_path);
+    const auto bound = ::bind(number, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    ::close(number);
+    ASSERT_EQ(bound, 0);
+    fs::create_symlink("/dev/zero", kit.at("Kick device"));
+    const auto report = kit.scan(GenerationMode::loops);
+    EXPECT_THAT(texts(report.ignoredFiles),
+                ElementsAre("Kick pipe.wav: Unsupported audio file",
+                            "Kick socket: Unsupported audio file", "zero: Unsupported audio file"));
+    EXPECT_THAT(kit.inspector->inspected(), IsEmpty());
+}
+
+TEST(SampleScannerExotic, packagesAreNotEntered) {
+    const ScanFixture kit;
+    for (const auto* extension : {"app", "bundle", "framework", "plugin", "kext", "component",
+                                  "vst", "vst3", "logicx", "band", "APP"})
+        kit.addAudio("Kicks/x." + std::string(extension) + "/Kick.wav");
+    kit.addAudio("Kicks/x.appl/Kick.wav");
+    kit.addAudio("Kicks/app/Kick.wav");
+    kit.addAudio("Kicks/file.app");
+    EXPECT_THAT(pathsOf(kit.scan(), ChannelRole::kick),
+                ElementsAre("Kicks/app/Kick.wav", "Kicks/file.app", "Kicks/x.appl/Kick.wav"));
+}
+
+TEST(SampleScannerExotic, aSourceFolderThatIsAPackageIsScanned) {
+    const TemporaryFolder folder;
+    folder.write("Kit.bundle/Kick.wav", "audio");
+    const SampleScanner scanner(std::make_shared<FakeInspector>(), {}, systemFileManager());
+    EXPECT_EQ(scanner.scan(FileURL::directory(folder / "Kit.bundle"), GenerationMode::drums)
+                  .buckets.kick.size(),
+              1U);
+}
+
+TEST(SampleScannerExotic, aLockedFolderIsPassedOver) {
+    const ScanFixture kit;
+    kit.addAudio("Kicks/a.wav");
+    kit.addAudio("Snares/a.wav");
+    const auto locked = std::make_shared<LockedFolderFileManager>(kit.at("Kicks"));
+    const auto report = kit.scan(GenerationMode::drums, locked);
+    EXPECT_THAT(report.buckets.kick, IsEmpty());
+    EXPECT_THAT(pathsOf(report, ChannelRole::snare), ElementsAre("Snares/a.wav"));
+    EXPECT_THAT(report.ignoredFiles, IsEmpty());
+
+    const auto lockedRoot = std::make_shared<LockedFolderFileManager>(kit.root.path());
+    EXPECT_EQ(thrown<GenerationError>([&] { kit.scan(GenerationMode::drums, lockedRoot); }),
+              GenerationError::exportFailed("Unable to read " + kit.root.path().string() + "."));
+}
+
+TEST(SampleScannerExotic, namesOfAnyBytesScan) {
+    const ScanFixture kit;
+    const std::string longest = "Kick " + std::string(246, 'x') + ".wav"; // 255 bytes
+    const Paths names{"Kick \xFF\xFE.wav", "Kick #?%20.wav", "Kick \"'`.wav", " Kick .wav",
+                      "キック Kick.wav",   "Kick\nline.wav", longest,         "Kick é.wav",
+                      "Kick e\u0301.wav"};
+    for (const auto& name : names)
+        kit.addAudio(name);
+    const auto report = kit.scan();
+    EXPECT_THAT(pathsOf(report, ChannelRole::kick), testing::UnorderedElementsAreArray(names));
+    for (const auto& sample : report.buckets.kick)
+        EXPECT_EQ(FileURL::parse(sample.sourceURL.absoluteString()), sample.sourceURL);
+
+    const ScanFixture unclassified;
+    unclassified.addAudio("\xFFolder/\xFE.wav");
+    EXPECT_THAT(texts(unclassified.scan().ignoredFiles),
+                ElementsAre("\uFFFDolder/\uFFFD.wav: Unclassified sample"));
+}
+
+TEST(SampleScannerExotic, foldersOfAnyNameDecide) {
+    const ScanFixture kit;
+    kit.addAudio("Kicks \xFF/1.wav");
+    kit.addAudio("[Kicks] #1?/%2F.wav");
+    kit.addAudio("Kicks/\xFF/2.wav");
+    EXPECT_EQ(kit.scan().buckets.kick.size(), 3U);
+}
+
+TEST(SampleScannerExotic, deepFoldersAreWalkedAsFarAsAPathReaches) {
+    const ScanFixture kit;
+    // A path has at most 4095 bytes, so about 2000 folders of one letter fit into one another;
+    // deeper ones cannot be named as a path and are passed over like locked ones.
+    constexpr std::size_t longestPath = 4095;
+    auto path = kit.at("Kicks").string();
+    fs::create_directory(path);
+    std::size_t depth = 0;
+    while (path.size() + 2 + std::string_view("/a.wav").size() <= longestPath) {
+        path += "/d";
+        fs::create_directory(path);
+        ++depth;
+    }
+    ASSERT_GT(depth, 1900U);
+    kit.folder.write(path.substr(kit.folder.path().native().size() + 1) + "/a.wav", "audio");
+    // One more level, made from inside since no path names it any more.
+    const int folder = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_GE(folder, 0);
+    const std::string tooLong(200, 'e');
+    EXPECT_EQ(::mkdirat(folder, tooLong.c_str(), 0700), 0);
+    const auto report = kit.scan();
+    EXPECT_EQ(::unlinkat(folder, tooLong.c_str(), AT_REMOVEDIR), 0);
+    ::close(folder);
+    ASSERT_EQ(report.buckets.kick.size(), 1U);
+    EXPECT_EQ(report.buckets.kick[0].sourceURL.path(), path + "/a.wav");
+    EXPECT_THAT(report.ignoredFiles, IsEmpty());
+}
+
+} // namespace
+} // namespace torvo::test
