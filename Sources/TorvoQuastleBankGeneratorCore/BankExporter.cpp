@@ -109,8 +109,11 @@ void requireSourceOutside(const FileManager& fileManager, const FileURL& deviceF
     }
     for (const auto& recipe : job.recipes) {
         for (const auto& [channel, sample] : recipe.channels) {
+            // Also a link in the device folder to a sample outside would be gone.
+            const auto named = sample.sourceURL.standardized();
             const auto resolved = resolvingSymlinks(fileManager, sample.sourceURL);
-            if (guard.holds(resolved.deletingLastPathComponent())) {
+            if (guard.holds(named.deletingLastPathComponent()) ||
+                guard.holds(resolved.deletingLastPathComponent())) {
                 throw GenerationError::exportFailed(
                     "The sample " + sample.sourceURL.lastPathComponent() + " lies inside " +
                     deviceFolder.shownPath() + ", which this export would replace.");

@@ -1,0 +1,187 @@
+#include "ExportFixture.h"
+#include "LockedFolderFileManager.h"
+#include "Models/GenerationError.h"
+#include "Thrown.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace torvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A card that already holds an export, so that whatever is deleted shows.
+struct FilledCard : ExportFixture {
+    FilledCard() {
+        job.recipes = {bank(1, {"Old"})};
+        run();
+        folder.write("card/Kit/notes.txt", "kept");
+        folder.write("card/QZT508/Bank 1/info.txt", "another export");
+        folder.write("QZT508/info.txt", "beside the card");
+        updates.clear();
+        before = treeOf(folder.path());
+    }
+
+    /// The refusal, which must leave everything as it was.
+    std::string refusal() {
+        const auto error = thrown<GenerationError>([&] { run(); });
+        EXPECT_EQ(treeOf(folder.path()), before);
+        EXPECT_TRUE(updates.empty());
+        return error ? error->errorDescription() : "none";
+    }
+
+    std::map<std::string, std::string> before;
+};
+
+TEST(BankExporterRefusal, aNameThatLeadsElsewhereIsRefused) {
+    using namespace std::string_literals;
+    for (const auto& name :
+         {""s, "."s, ".."s, "a/b"s, "../Kit"s, "/"s, "/etc"s, "Kit/"s, "Kit\0x"s, "\0"s}) {
+        FilledCard card;
+        card.job.naming.sourceFolderName = name;
+        EXPECT_EQ(card.refusal(), "\"" + name + "\" cannot be the name of an export folder.");
+    }
+}
+
+TEST(BankExporterRefusal, aNameThatOnlyLooksOddIsNone) {
+    for (const std::string name : {"...", "..Kit", " ", "\\", "#?%", "ドラム", "-", "\xFF"}) {
+        ExportFixture fixture;
+        fixture.job.naming.sourceFolderName = name;
+        fixture.run();
+        EXPECT_TRUE(fs::is_directory(fixture.card.path() / name / "QZT508/Pool")) << name;
+    }
+}
+
+TEST(BankExporterRefusal, aRunFolderThatIsALinkIsRefused) {
+    FilledCard card;
+    fs::create_directory_symlink(card.folder / "card/Kit", card.folder / "card/Linked");
+    fs::create_symlink(card.folder / "missing", card.folder / "card/Dead");
+    card.before = treeOf(card.folder.path());
+    for (const auto* name : {"Linked", "Dead"}) {
+        card.job.naming.sourceFolderName = name;
+        EXPECT_EQ(card.refusal(), (card.folder / "card" / name).string() +
+                                      " is a link to another place. Nothing was written.");
+    }
+}
+
+TEST(BankExporterRefusal, aLinkedExportFolderIsNone) {
+    ExportFixture fixture;
+    fs::create_directory_symlink(fixture.card.path(), fixture.folder / "link");
+    fixture.job.exportFolder = FileURL::directory(fixture.folder / "link");
+    fixture.run();
+    EXPECT_TRUE(fs::is_directory(fixture.inDevice("Pool")));
+}
+
+class SampleInside : public testing::Test {
+protected:
+    /// The answer to a run of which one sample lies at this path.
+    std::string refusalOf(const fs::path& path) {
+        card.before = treeOf(card.folder.path());
+        card.job.recipes = {card.bank(1, {"New"}), card.bank(2, {"New"})};
+        card.job.recipes[1].channels.at(5) = sampleAt(path, "Old");
+        return card.refusal();
+    }
+    std::string expected(const std::string& name) const {
+        return "The sample " + name + " lies inside " + (card.folder / "card/Kit/QZT508").string() +
+               ", which this export would replace.";
+    }
+
+    FilledCard card;
+};
+
+TEST_F(SampleInside, isRefused) {
+    EXPECT_EQ(refusalOf(card.inDevice("Bank 1/1/Old.wav")), expected("Old.wav"));
+    EXPECT_EQ(refusalOf(card.inDevice("Old.wav")), expected("Old.wav")) << "although it is missing";
+    EXPECT_EQ(refusalOf(card.inDevice("no/such/Old.wav")), expected("Old.wav"));
+}
+
+TEST_F(SampleInside, isRefusedByADetour) {
+    EXPECT_EQ(refusalOf(card.folder / "card/Kit/x/../QZT508/./Bank 1/1/Old.wav"),
+              expected("Old.wav"));
+}
+
+TEST_F(SampleInside, isRefusedThroughALinkToAFolder) {
+    fs::create_directory_symlink(card.folder / "card", card.folder / "link");
+    EXPECT_EQ(refusalOf(card.folder / "link/Kit/QZT508/Bank 1/1/Old.wav"), expected("Old.wav"));
+    fs::create_directory_symlink(card.inDevice("Bank 1"), card.folder / "bank");
+    EXPECT_EQ(refusalOf(card.folder / "bank/1/Old.wav"), expected("Old.wav"));
+}
+
+TEST_F(SampleInside, isRefusedThroughALinkToTheFile) {
+    fs::create_symlink(card.inDevice("Bank 1/1/Old.wav"), card.folder / "link.wav");
+    EXPECT_EQ(refusalOf(card.folder / "link.wav"), expected("link.wav"));
+    fs::create_symlink(card.folder / "link.wav", card.folder / "link of a link.wav");
+    EXPECT_EQ(refusalOf(card.folder / "link of a link.wav"), expected("link of a link.wav"));
+}
+
+TEST_F(SampleInside, isRefusedWhenItIsALinkToASampleOutside) {
+    // The sample would survive, but its name would not.
+    fs::create_symlink(card.source, card.inDevice("link.wav"));
+    EXPECT_EQ(refusalOf(card.inDevice("link.wav")), expected("link.wav"));
+    fs::create_directory_symlink(card.folder / "source", card.inDevice("linked"));
+    EXPECT_EQ(refusalOf(card.inDevice("linked/a.wav")), expected("a.wav"));
+}
+
+TEST_F(SampleInside, isRefusedWhenTheExportFolderIsNamedByALink) {
+    fs::create_directory_symlink(card.folder / "card", card.folder / "link");
+    card.job.exportFolder = FileURL::directory(card.folder / "link");
+    EXPECT_EQ(refusalOf(card.inDevice("Bank 1/1/Old.wav")),
+              "The sample Old.wav lies inside " + (card.folder / "link/Kit/QZT508").string() +
+                  ", which this export would replace.");
+}
+
+TEST_F(SampleInside, aHardLinkElsewhereIsASampleOfItsOwn) {
+    // Its bytes stay when the device folder's name for them goes.
+    fs::create_hard_link(card.inDevice("Bank 1/1/Old.wav"), card.folder / "source/same.wav");
+    card.job.recipes = {card.bank(1, {"New"})};
+    card.job.recipes[0].channels.at(1) = sampleAt(card.folder / "source/same.wav", "Same");
+    card.run();
+    EXPECT_TRUE(fs::exists(card.inDevice("Bank 1/1/Same.wav")));
+}
+
+TEST_F(SampleInside, neighboursOfTheDeviceFolderAreOutside) {
+    for (const auto* path :
+         {"card/Kit/a.wav", "card/Kit/QZT508 old/a.wav", "card/QZT508/a.wav", "card/a.wav"}) {
+        FilledCard other;
+        fs::create_directories((other.folder / path).parent_path());
+        fs::copy_file(other.source, other.folder / path);
+        other.job.recipes[0].channels.at(3) = sampleAt(other.folder / path, "a");
+        other.run();
+        EXPECT_TRUE(fs::exists(other.inDevice("Bank 1/3/a.wav"))) << path;
+    }
+}
+
+TEST(BankExporterRefusal, aDeviceFolderThatIsALinkMayPointToTheSamples) {
+    // Only the link is removed.
+    ExportFixture fixture;
+    fixture.folder.createFolder("card/Kit");
+    fs::create_directory_symlink(fixture.folder / "source", fixture.folder / "card/Kit/QZT508");
+    fixture.job.recipes = {fixture.bank(1, {"a"})};
+    fixture.run();
+    EXPECT_TRUE(fs::exists(fixture.inDevice("Bank 1/1/a.wav")));
+    EXPECT_TRUE(fs::exists(fixture.source));
+}
+
+TEST(BankExporterRefusal, aLockedRunFolderIsReportedBeforeAnythingIsDeleted) {
+    FilledCard card;
+    const auto locked = std::make_shared<LockedFolderFileManager>(card.folder / "card/Kit");
+    const auto error = thrown<FileError>([&] { card.run(locked); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->code(), std::errc::permission_denied);
+    EXPECT_EQ(treeOf(card.folder.path()), card.before);
+}
+
+TEST(BankExporterRefusal, aRunFolderThatIsAFileIsReported) {
+    ExportFixture fixture;
+    fixture.folder.write("card/Kit", "a file");
+    const auto error = thrown<FileError>([&] { fixture.run(); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->operation(), FileOperation::createFolder);
+    EXPECT_EQ(textOf(fixture.folder / "card/Kit"), "a file");
+}
+
+} // namespace
+} // namespace torvo::test

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "BankExporter.h"
+#include "FakeAudio.h"
+#include "Samples.h"
+#include "TemporaryFolder.h"
+#include "WavFixture.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace torvo::test {
+
+/// Everything below a folder: relative path → content ("/" for a folder, "-> target" for a link).
+inline std::map<std::string, std::string> treeOf(const std::filesystem::path& folder) {
+    namespace fs = std::filesystem;
+    std::map<std::string, std::string> tree;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        const auto name = entry.path().lexically_relative(folder).string();
+        if (entry.is_symlink())
+            tree[name] = "-> " + fs::read_symlink(entry.path()).string();
+        else
+            tree[name] = entry.is_directory() ? "/" : textOf(entry.path());
+    }
+    return tree;
+}
+
+/// A card to export to, a source folder with one sample, and an exporter of fake audio.
+struct ExportFixture {
+    TemporaryFolder folder;
+    FileURL card = FileURL::directory(folder.createFolder("card"));
+    std::filesystem::path source =
+        folder.write("source/a.wav", riffFile({riffChunk("data", bytes("source"))}));
+    std::shared_ptr<FakePreparer> preparer = std::make_shared<FakePreparer>();
+    ExportJob job = emptyJob();
+    std::vector<ProgressUpdate> updates;
+
+    ExportSummary run(std::shared_ptr<const FileManager> fileManager = systemFileManager()) {
+        const BankExporter exporter(fileManager, preparer, TorvoWAVMetadataWriter(fileManager));
+        return exporter.exportBanks(
+            job, [&](const ProgressUpdate& update) { updates.push_back(update); });
+    }
+
+    SampleCandidate sample(const std::string& displayName) const {
+        return sampleAt(source, displayName);
+    }
+
+    /// A bank whose eight channels hold samples of these names, the last one repeated.
+    BankRecipe bank(std::int64_t index, const std::vector<std::string>& names) const {
+        BankRecipe recipe{index, job.naming.bankName(index), {}, job.seed, false};
+        for (std::int64_t channel = 1; channel <= 8; ++channel) {
+            const auto at = std::min(static_cast<std::size_t>(channel - 1), names.size() - 1);
+            recipe.channels.emplace(channel, sample(names[at]));
+        }
+        return recipe;
+    }
+
+    std::filesystem::path inDevice(const std::string& relative) const {
+        return card.path() / job.naming.sourceFolderName / "QZT508" / relative;
+    }
+
+private:
+    ExportJob emptyJob() const {
+        ExportJob made;
+        made.sourceFolder = FileURL::directory(folder / "source");
+        made.exportFolder = card;
+        made.generationTemplate = GenerationTemplate::torvoV1();
+        made.seed = 7;
+        made.naming = BankNameScheme("Kit");
+        return made;
+    }
+};
+
+} // namespace torvo::test
