@@ -48,6 +48,8 @@ AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& at) con
         return details;
     } catch (const AudioError&) {
         throw GenerationError::unsupportedAudio(at);
+    } catch (const GenerationError&) {
+        throw GenerationError::unsupportedAudio(at);
     }
 }
 

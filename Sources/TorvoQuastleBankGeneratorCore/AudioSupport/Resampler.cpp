@@ -95,6 +95,9 @@ std::size_t Resampler::read(std::span<double> frames) {
     std::size_t done = 0;
     std::array<double, blockFrames> dropped;
     while (done < frames.size()) {
+        // Before the length is judged: this may be where the source ends.
+        if (pendingInput_.empty())
+            pendingInput_ = nextInput();
         if (sourceEnded_) {
             const std::uint64_t left = resampledCount(sourceFrames_, inputRate_) - outputFrames_;
             frames = frames.first(done + static_cast<std::size_t>(
@@ -102,8 +105,6 @@ std::size_t Resampler::read(std::span<double> frames) {
             if (done == frames.size())
                 break;
         }
-        if (pendingInput_.empty())
-            pendingInput_ = nextInput();
         const std::span<double> target =
             dropLeft_ > 0 ? std::span<double>(dropped).first(static_cast<std::size_t>(
                                 std::min<std::uint64_t>(dropLeft_, dropped.size())))

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "AudioSupport.h"
+#include "Platform/FileManager.h"
+#include "TemporaryFolder.h"
+#include "WavFixture.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace torvo::test {
+
+/// Runs a command of the shell in a folder. A missing tool and a failure are errors of the test.
+void runTool(const std::filesystem::path& folder, const std::string& command);
+
+/// Makes `name` from `source` (both in the folder) with ffmpeg.
+void encode(const TemporaryFolder& folder, const std::string& source, const std::string& arguments,
+            const std::string& name);
+
+/// The frames of a converted file, whose header must be the canonical one.
+std::vector<std::int16_t> deviceFrames(const std::filesystem::path& path);
+
+SampleCandidate sampleToConvert(const std::filesystem::path& path);
+SampleCandidate sampleToCopy(const std::filesystem::path& path);
+
+/// The frames of a file after its conversion beside it.
+std::vector<std::int16_t> convertedFrames(const std::filesystem::path& path);
+
+/// A "fmt " chunk as it stands in the file.
+std::vector<std::byte> formatChunk(std::uint16_t tag, std::uint16_t channels,
+                                   std::uint32_t sampleRate, std::uint16_t blockAlign,
+                                   std::uint16_t bits, std::span<const std::byte> extension = {});
+/// What follows in an extensible one, for a plain format tag.
+std::vector<std::byte> extensibleTail(std::uint16_t validBits, std::uint16_t tag);
+
+/// The same file with every 16-bit sample and every number in big-endian order, as "RIFX".
+std::vector<std::byte> bigEndianWav(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
+/// A 16-bit mono file whose size stands in a "ds64" chunk.
+std::vector<std::byte> longWav(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
+std::vector<std::byte> wavOf(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
+/// A 16-bit mono AIFF file.
+std::vector<std::byte> aiffFile(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
+
+/// A loud, restless signal in which every shift shows.
+std::vector<std::int16_t> testSignal(std::size_t frameCount);
+
+/// The operating system's files with a fault in between: `onOpen` is told every opening, `onRead`
+/// every read and `onWrite` every write of a file opened here; what they throw is thrown.
+struct Faults {
+    std::function<void(const std::filesystem::path&, OpenMode)> onOpen = {};
+    std::function<void(const std::filesystem::path&, std::uint64_t offset)> onRead = {};
+    std::function<void(const std::filesystem::path&, std::uint64_t offset)> onWrite = {};
+    std::function<void(const std::filesystem::path&)> onRemove = {};
+    std::function<void(const std::filesystem::path&)> onCopy = {};
+};
+std::shared_ptr<const FileManager> faultyFileManager(Faults faults);
+
+} // namespace torvo::test

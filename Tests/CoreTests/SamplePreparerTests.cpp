@@ -1,0 +1,168 @@
+#include "AudioFixtures.h"
+#include "Models/GenerationError.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+
+namespace torvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The text of the failure, or "none".
+std::string failureOf(const AudioFilePreparing& preparer, const SampleCandidate& sample,
+                      const fs::path& destination) {
+    try {
+        preparer.prepare(sample, FileURL(destination));
+        return "none";
+    } catch (const GenerationError& error) {
+        return error.errorDescription();
+    }
+}
+
+FileError failure(const fs::path& path, int errorNumber) {
+    return {FileOperation::read, path, errorNumber};
+}
+
+TEST(SamplePreparer, copiesACompatibleFileByteForByte) {
+    const TemporaryFolder folder;
+    auto file = wavFile({44100, 2, 24}, 1000);
+    append(file, riffChunk("LIST", bytes("odd")));
+    const auto source = folder.write("a.wav", file);
+    EXPECT_EQ(AVAudioSamplePreparer{}.prepare(sampleToCopy(source), FileURL(folder / "b.wav")),
+              SamplePreparationMode::copied);
+    EXPECT_EQ(bytesOf(folder / "b.wav"), file);
+}
+
+TEST(SamplePreparer, convertsToTheDevicesFormat) {
+    const TemporaryFolder folder;
+    const auto source = folder.write("a.wav", wavFile({48000, 2, 24}, 4800));
+    const auto before = bytesOf(source);
+    EXPECT_EQ(AVAudioSamplePreparer{}.prepare(sampleToConvert(source), FileURL(folder / "b.wav")),
+              SamplePreparationMode::converted);
+    EXPECT_EQ(deviceFrames(folder / "b.wav").size(), 4410U);
+    EXPECT_EQ(bytesOf(source), before);
+}
+
+TEST(SamplePreparer, convertsWhateverTheReason) {
+    const TemporaryFolder folder;
+    auto sample = sampleToConvert(folder.write("a.wav", wavFile({44100, 2, 16}, 100)));
+    sample.compatibility = RequiresConversion{""};
+    EXPECT_EQ(AVAudioSamplePreparer{}.prepare(sample, FileURL(folder / "b.wav")),
+              SamplePreparationMode::converted);
+    EXPECT_EQ(deviceFrames(folder / "b.wav").size(), 100U);
+}
+
+TEST(SamplePreparer, replacesWhatStandsAtTheDestination) {
+    const TemporaryFolder folder;
+    const auto source = folder.write("a.wav", wavFile({44100, 1, 16}, 100));
+    const auto other = folder.write("other.txt", "left alone");
+    for (const auto& sample : {sampleToCopy(source), sampleToConvert(source)}) {
+        const auto destination = folder.write("b.wav", std::string(100'000, 'x'));
+        AVAudioSamplePreparer{}.prepare(sample, FileURL(destination));
+        EXPECT_EQ(bytesOf(destination), bytesOf(source));
+        // A link is replaced, what it points to is not.
+        fs::remove(destination);
+        fs::create_symlink(other, destination);
+        AVAudioSamplePreparer{}.prepare(sample, FileURL(destination));
+        EXPECT_FALSE(fs::is_symlink(destination));
+        EXPECT_EQ(textOf(other), "left alone");
+    }
+}
+
+TEST(SamplePreparer, noFramesGiveAnEmptyFile) {
+    const TemporaryFolder folder;
+    for (const unsigned rate : {44100U, 48000U}) {
+        const auto source = folder.write("a.wav", wavFile({rate, 2, 24}, 0));
+        EXPECT_TRUE(convertedFrames(source).empty()) << rate;
+    }
+    EXPECT_TRUE(convertedFrames(folder.write("a.aiff", aiffFile(44100, {}))).empty());
+}
+
+TEST(SamplePreparer, namesASourceThatCannotBeOpened) {
+    const TemporaryFolder folder;
+    const AVAudioSamplePreparer preparer;
+    EXPECT_EQ(failureOf(preparer, sampleToConvert(folder / "kick.mp3"), folder / "b.wav"),
+              "Unable to open source audio file kick.mp3. (OSStatus -2)");
+    EXPECT_EQ(failureOf(preparer, sampleToConvert(folder.createFolder("f.wav")), folder / "b.wav"),
+              "Unable to open source audio file f.wav. (OSStatus -21)");
+    EXPECT_EQ(failureOf(preparer, sampleToConvert(folder.write("t.wav", "text")), folder / "b.wav"),
+              "Unable to open source audio file t.wav. (OSStatus -1094995529)");
+    EXPECT_FALSE(fs::exists(folder / "b.wav"));
+}
+
+TEST(SamplePreparer, namesADestinationThatCannotBeCreated) {
+    const TemporaryFolder folder;
+    const auto source = folder.write("a.wav", wavFile({48000, 1, 16}, 100));
+    EXPECT_EQ(failureOf(AVAudioSamplePreparer{}, sampleToConvert(source), folder / "no/b.wav"),
+              "Unable to create destination WAV file b.wav. (OSStatus -2)");
+}
+
+TEST(SamplePreparer, refusesMoreAudioThanTheFormatHolds) {
+    const TemporaryFolder folder;
+    // At one frame a second every frame becomes 44,100.
+    const auto source = folder.write("slow.wav", wavFile({1, 1, 8}, 50'000));
+    EXPECT_EQ(failureOf(AVAudioSamplePreparer{}, sampleToConvert(source), folder / "b.wav"),
+              "Unable to configure destination audio conversion. (OSStatus -27)");
+    EXPECT_EQ(fs::file_size(folder / "b.wav"), 0U);
+}
+
+TEST(SamplePreparer, saysThatReadingFailedAndLeavesThePart) {
+    const TemporaryFolder folder;
+    const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100'000));
+    const AVAudioSamplePreparer preparer(
+        faultyFileManager({.onRead = [](const fs::path& path, std::uint64_t offset) {
+            if (offset > 200'000)
+                throw failure(path, EIO);
+        }}));
+    EXPECT_EQ(failureOf(preparer, sampleToConvert(source), folder / "b.wav"),
+              "Unable to read source audio data. (OSStatus -5)");
+    EXPECT_GT(fs::file_size(folder / "b.wav"), 44U);
+}
+
+TEST(SamplePreparer, saysThatReadingACompressedFileFailed) {
+    const TemporaryFolder folder;
+    folder.write("a.wav", wavOf(44100, testSignal(441'000)));
+    encode(folder, "a.wav", "", "a.flac");
+    const AVAudioSamplePreparer preparer(
+        faultyFileManager({.onRead = [](const fs::path& path, std::uint64_t offset) {
+            if (offset > 100'000)
+                throw failure(path, EIO);
+        }}));
+    ASSERT_GT(fs::file_size(folder / "a.flac"), 200'000U);
+    EXPECT_EQ(failureOf(preparer, sampleToConvert(folder / "a.flac"), folder / "b.wav"),
+              "Unable to read source audio data. (OSStatus -5)");
+}
+
+TEST(SamplePreparer, saysThatWritingFailedAndLeavesThePart) {
+    const TemporaryFolder folder;
+    const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100'000));
+    const AVAudioSamplePreparer preparer(
+        faultyFileManager({.onWrite = [](const fs::path& path, std::uint64_t offset) {
+            if (offset > 100'000)
+                throw failure(path, ENOSPC);
+        }}));
+    EXPECT_EQ(failureOf(preparer, sampleToConvert(source), folder / "b.wav"),
+              "Unable to write converted audio data. (OSStatus -28)");
+    EXPECT_GT(fs::file_size(folder / "b.wav"), 100'000U);
+}
+
+TEST(SamplePreparer, passesTheFileManagersFailuresOn) {
+    const TemporaryFolder folder;
+    const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100));
+    const auto fail = [](const fs::path& path) { throw failure(path, EACCES); };
+    const AVAudioSamplePreparer cannotRemove(faultyFileManager({.onRemove = fail}));
+    const AVAudioSamplePreparer cannotCopy(faultyFileManager({.onCopy = fail}));
+    const FileURL present(folder.write("b.wav", "old"));
+    EXPECT_THROW(cannotRemove.prepare(sampleToCopy(source), present), FileError);
+    EXPECT_THROW(cannotRemove.prepare(sampleToConvert(source), present), FileError);
+    EXPECT_THROW(cannotCopy.prepare(sampleToCopy(source), present), FileError);
+    EXPECT_THROW(AVAudioSamplePreparer{}.prepare(sampleToCopy(folder / "no.wav"), present),
+                 FileError);
+}
+
+} // namespace
+} // namespace torvo::test
