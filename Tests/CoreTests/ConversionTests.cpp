@@ -334,6 +334,7 @@ TEST(Conversion, lossyFormatsKeepPlaceAndLength) {
         {"-b:a 192k", "a.mp3", 0, 20},
         {"-c:a aac -b:a 192k", "a.m4a", 0, 15},
         {"-c:a libvorbis -q:a 7", "a.ogg", 0, 20},
+        {"-c:a libvorbis -q:a 7", "vorbis.webm", 127, 20},
         {"-c:a libopus -b:a 192k", "a.opus", 0, 20},
         {"-c:a libopus -b:a 192k", "a.webm", 0, 20},
         {"-c:a wmav2 -b:a 192k", "a.wma", 2047, 20},

@@ -113,7 +113,7 @@ public:
           frame_(av_frame_alloc()) {
         if (!packet_ || !frame_)
             throw std::bad_alloc();
-        openCodec();
+        openCodec(type);
         const AVCodecParameters& parameters = *stream_.codecpar;
         format_ = {static_cast<double>(parameters.sample_rate), parameters.ch_layout.nb_channels,
                    encoding_.bitDepth, encoding_.isLinearPCM};
@@ -147,7 +147,7 @@ public:
     }
 
 private:
-    void openCodec() {
+    void openCodec(const AudioFileType& type) {
         const AVCodec* const decoder = avcodec_find_decoder(encoding_.codec);
         if (decoder == nullptr)
             throw AudioError(AVERROR_DECODER_NOT_FOUND);
@@ -157,8 +157,11 @@ private:
         check(avcodec_parameters_to_context(codec_.get(), stream_.codecpar));
         codec_->pkt_timebase = stream_.time_base;
         codec_->thread_count = 1;
-        // Left to itself the decoder drops two frames, of which the second is real sound.
-        if (isWindowsMedia())
+        // Left to itself the library drops real sound: one frame too many at the beginning of
+        // Windows Media, and at the end of Vorbis in Ogg what its first packet, which has no sound,
+        // seemed to last.
+        if (isWindowsMedia() ||
+            (encoding_.codec == AV_CODEC_ID_VORBIS && type.container == AudioContainer::ogg))
             codec_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
         check(avcodec_open2(codec_.get(), decoder, nullptr));
     }
