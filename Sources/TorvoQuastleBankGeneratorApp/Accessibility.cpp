@@ -65,6 +65,8 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
 
 } // namespace
 
-void installAccessibility() { QAccessible::installFactory(makeInterface); }
+void installAccessibility() {
+    QAccessible::installFactory(makeInterface);
+}
 
 } // namespace torvo::app

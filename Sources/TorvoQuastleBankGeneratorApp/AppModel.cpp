@@ -58,7 +58,9 @@ bool AppModel::canApplyExistingBankMetadata() const {
     }
 }
 
-bool AppModel::canClearSource() const { return sourceFolder_ || currentDocument_; }
+bool AppModel::canClearSource() const {
+    return sourceFolder_ || currentDocument_;
+}
 
 std::optional<FileURL> AppModel::expectedExportRoot() const {
     if (isUpdatingExistingBank())

@@ -1,5 +1,4 @@
 #include "AppModel.h"
-
 #include "TorvoMetadata.h"
 
 #include <utility>
@@ -31,8 +30,7 @@ void AppModel::importJSON() {
     const TorvoMetadataOptions options = metadataOptions_;
     std::shared_ptr<const BankMappingDocument> document;
     try {
-        document =
-            std::make_shared<const BankMappingDocument>(mappingStore_.importDocument(*url));
+        document = std::make_shared<const BankMappingDocument>(mappingStore_.importDocument(*url));
     } catch (const std::exception& error) {
         setRunState(Failed{userFacingDescription(error)});
         return;
@@ -48,15 +46,15 @@ void AppModel::importJSON() {
     assignGenerationMode(document->generationMode);
     setLastJSONURL(url);
     setCurrentDocument(document);
-    startRun([this, document, options, url, folder = *folder,
-              exporter = exporter_]() -> Publication {
-        auto completed = writeBanks(exporter, document, folder, options);
-        return [this, url, completed = std::move(completed)] {
-            setCurrentDocument(completed.document);
-            setRunState(Finished{completed});
-            setLastJSONURL(url);
-        };
-    });
+    startRun(
+        [this, document, options, url, folder = *folder, exporter = exporter_]() -> Publication {
+            auto completed = writeBanks(exporter, document, folder, options);
+            return [this, url, completed = std::move(completed)] {
+                setCurrentDocument(completed.document);
+                setRunState(Finished{completed});
+                setLastJSONURL(url);
+            };
+        });
 }
 
 void AppModel::applyMetadataToExistingBank() {

@@ -86,8 +86,7 @@ QWidget* ContentView::makeFooter(AppModel& model) {
 }
 
 QSize ContentView::sizeHint() const {
-    const int height =
-        column_->sizeHint().height() + footer_->sizeHint().height() + roomForCounts;
+    const int height = column_->sizeHint().height() + footer_->sizeHint().height() + roomForCounts;
     return QSize(columnWidth, height).expandedTo(smallestSize);
 }
 

@@ -3,7 +3,9 @@
 #include <QDir>
 
 /// Files inside a static library are found only after this; the macro wants the global namespace.
-static void registerResources() { Q_INIT_RESOURCE(resources); }
+static void registerResources() {
+    Q_INIT_RESOURCE(resources);
+}
 
 namespace torvo::app {
 

@@ -29,7 +29,9 @@ constexpr int listFrameWidth = 4;
 constexpr double ringWidth = 2;
 constexpr double plainCornerRadius = 4;
 
-bool has(const QStyleOption& option, QStyle::StateFlag flag) { return option.state.testFlag(flag); }
+bool has(const QStyleOption& option, QStyle::StateFlag flag) {
+    return option.state.testFlag(flag);
+}
 
 /// What a control says about its corners, so that frames and rings follow them.
 double cornerRadius(const QWidget* widget) {
@@ -65,8 +67,8 @@ void paintCombo(QPainter& painter, const QStyleOption& option) {
     const QPointF center(option.rect.right() - comboArrowWidth / 2.0 + 1,
                          QRectF(option.rect).center().y());
     painter.setPen(QPen(MarloTheme::muted, 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(QPolygonF{center + QPointF(-4, -2), center + QPointF(0, 2),
-                                   center + QPointF(4, -2)});
+    painter.drawPolyline(
+        QPolygonF{center + QPointF(-4, -2), center + QPointF(0, 2), center + QPointF(4, -2)});
 }
 
 void paintComboLabel(QPainter& painter, const QStyleOptionComboBox& option) {
@@ -93,9 +95,8 @@ QRect scrollHandle(const QStyleOptionSlider& bar) {
     const int length = std::clamp(wanted, std::min(scrollHandleLength, groove), groove);
     const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
                                                       groove - length, bar.upsideDown);
-    return vertical
-               ? QRect(bar.rect.left(), bar.rect.top() + start, bar.rect.width(), length)
-               : QRect(bar.rect.left() + start, bar.rect.top(), length, bar.rect.height());
+    return vertical ? QRect(bar.rect.left(), bar.rect.top() + start, bar.rect.width(), length)
+                    : QRect(bar.rect.left() + start, bar.rect.top(), length, bar.rect.height());
 }
 
 void paintScrollBar(QPainter& painter, const QStyleOptionSlider& bar) {

@@ -5,8 +5,8 @@
 
 namespace torvo::app {
 
-/// The theme for the toolkit's own controls: combo boxes, check boxes, scroll bars, menus, tooltips,
-/// list frames and the ring around what has the keyboard focus.
+/// The theme for the toolkit's own controls: combo boxes, check boxes, scroll bars, menus,
+/// tooltips, list frames and the ring around what has the keyboard focus.
 class MarloStyle final : public QProxyStyle {
     Q_OBJECT
 

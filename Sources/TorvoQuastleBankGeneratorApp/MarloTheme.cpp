@@ -28,8 +28,7 @@ const QString& family(FontCut cut) {
         const QStringList styles = QFontDatabase::styles(wanted);
         std::array<QString, cuts.size()> found;
         for (std::size_t index = 0; index < cuts.size(); ++index)
-            found[index] =
-                styles.contains(QLatin1String(cuts[index].style)) ? wanted : fallback;
+            found[index] = styles.contains(QLatin1String(cuts[index].style)) ? wanted : fallback;
         return found;
     }();
     return families[static_cast<std::size_t>(cut)];

@@ -21,8 +21,8 @@ QColor withOpacity(QColor color, double opacity);
 
 enum class FontCut { regular, medium, semiBold, bold };
 
-/// JetBrains Mono, or the system's monospaced face of the same size and weight where that cut is not
-/// installed.
+/// JetBrains Mono, or the system's monospaced face of the same size and weight where that cut is
+/// not installed.
 QFont font(int pixelSize, FontCut cut);
 
 /// The distances of the layout are multiples of this.

@@ -13,6 +13,8 @@ inline QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-inline QString shownPath(const FileURL& url) { return toQString(url.shownPath()); }
+inline QString shownPath(const FileURL& url) {
+    return toQString(url.shownPath());
+}
 
 } // namespace torvo::app

@@ -29,7 +29,10 @@ protected:
 
     /// One bank of eight loops, saved as a document; the files are there unless `absent`.
     BankMappingDocument savedDocument(const FileURL& at, const std::string& source = "Loops") {
-        BankRecipe recipe{.bankIndex = 1, .shortName = "Loops001", .channels = {}, .seed = 7,
+        BankRecipe recipe{.bankIndex = 1,
+                          .shortName = "Loops001",
+                          .channels = {},
+                          .seed = 7,
                           .reusedSamples = false};
         for (std::int64_t channel = 1; channel <= 8; ++channel) {
             const auto file = folder / (source + "/sample " + std::to_string(channel) + ".wav");
@@ -236,12 +239,12 @@ TEST_F(AppModelCommandTest, stampsWithTheSettingsOfThePress) {
     EXPECT_NE(bytesOf(file), withDefaults);
 }
 
-TEST_F(AppModelCommandTest, tellsWhichFileCouldNotBeStamped) {
+TEST_F(AppModelCommandTest, tellsWhyAFileCouldNotBeStamped) {
     folder.write("QZT508/Bank 1/3/broken.wav", "no sound");
     model.setSourceFolder(FileURL::directory(folder / "QZT508"));
     model.applyMetadataToExistingBank();
     waitForWork();
-    EXPECT_NE(runFailure().find("broken.wav"), std::string::npos) << runFailure();
+    EXPECT_EQ(runFailure(), "Not a RIFF/WAVE file.");
 }
 
 TEST_F(AppModelCommandTest, stampsDeviceFoldersOnly) {

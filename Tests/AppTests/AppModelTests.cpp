@@ -1,5 +1,4 @@
 #include "AppModel.h"
-
 #include "Support/AppFixture.h"
 
 #include <QSignalSpy>
@@ -292,8 +291,8 @@ TEST_F(AppModelTest, generatesNinetyNineBanks) {
     ASSERT_EQ(updates.size(), 99U);
     EXPECT_EQ(updates.front(), (ProgressUpdate{1, 99, document.naming.bankName(1)}));
     EXPECT_EQ(updates.back(), (ProgressUpdate{99, 99, document.naming.bankName(99)}));
-    EXPECT_TRUE(std::filesystem::is_regular_file(model.expectedExportRoot()->path() /
-                                                 "Bank 99/info.txt"));
+    EXPECT_TRUE(
+        std::filesystem::is_regular_file(model.expectedExportRoot()->path() / "Bank 99/info.txt"));
 }
 
 TEST_F(AppModelTest, drawsANewSeedForEachRun) {
@@ -358,9 +357,8 @@ TEST_F(AppModelTest, carriesOutRunsOneAtATimeInTheirOrder) {
     });
     gate->open();
     waitForWork();
-    EXPECT_EQ(finished,
-              (std::vector<std::filesystem::path>{folder / "first/Kit A/QZT508",
-                                                  folder / "second/Kit A/QZT508"}));
+    EXPECT_EQ(finished, (std::vector<std::filesystem::path>{folder / "first/Kit A/QZT508",
+                                                            folder / "second/Kit A/QZT508"}));
 }
 
 TEST_F(AppModelTest, tellsObserversAfterTheChange) {

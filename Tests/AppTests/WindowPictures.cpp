@@ -46,9 +46,8 @@ struct Scene {
 
     void save(const std::string& name) {
         auto* modes = view.findChild<ThreeWayModeToggle*>();
-        const bool settled = waitUntil([modes] {
-            return std::fmod(modes->highlightPosition(), 1.0) == 0.0;
-        });
+        const bool settled =
+            waitUntil([modes] { return std::fmod(modes->highlightPosition(), 1.0) == 0.0; });
         if (!settled)
             std::fprintf(stderr, "%s: still moving\n", name.c_str());
         QApplication::processEvents();
@@ -164,8 +163,8 @@ void longNames() {
 
 void channels() {
     Scene scene;
-    TorvoMetadataOptions options{12, TorvoPlaybackRate::rate22, TorvoFilterType::lowPass, true,
-                                 {1, 3, 8}};
+    TorvoMetadataOptions options{
+        12, TorvoPlaybackRate::rate22, TorvoFilterType::lowPass, true, {1, 3, 8}};
     scene.model().setMetadataOptions(options);
     scene.view.findChild<QComboBox*>()->setFocus(Qt::TabFocusReason);
     QApplication::setActiveWindow(&scene.view);

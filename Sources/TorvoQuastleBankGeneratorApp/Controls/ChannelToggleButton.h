@@ -28,8 +28,8 @@ struct ChannelToggleButtonStyle {
     void paint(QPainter& painter, const QRectF& rect, const QString& label) const;
 };
 
-/// Shows whether a channel is switched on. A press changes nothing by itself: whoever hears `clicked`
-/// decides and calls `setSelected`.
+/// Shows whether a channel is switched on. A press changes nothing by itself: whoever hears
+/// `clicked` decides and calls `setSelected`.
 class ChannelToggleButton final : public PaintedButton {
     Q_OBJECT
 

@@ -16,8 +16,7 @@ constexpr int rowHeight = 28;
 } // namespace
 
 CountRow::CountRow(const QString& label, QWidget* parent)
-    : QWidget(parent),
-      count_(makeLabel({}, 15, MarloTheme::FontCut::semiBold, MarloTheme::ink)) {
+    : QWidget(parent), count_(makeLabel({}, 15, MarloTheme::FontCut::semiBold, MarloTheme::ink)) {
     setAccessibleName(label);
     setFixedHeight(rowHeight);
     auto* row = new QHBoxLayout(this);

@@ -99,12 +99,13 @@ void DropZone::setHint(const QString& hint) {
     setAccessibleDescription(hint);
 }
 
-QSize DropZone::sizeHint() const { return layout()->sizeHint(); }
+QSize DropZone::sizeHint() const {
+    return layout()->sizeHint();
+}
 
 void DropZone::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const DropZoneStyle style{
-        .targeted = isTargeted_, .pressed = isDown(), .hovered = isHovered()};
+    const DropZoneStyle style{.targeted = isTargeted_, .pressed = isDown(), .hovered = isHovered()};
     style.paint(painter, rect());
 }
 
@@ -115,9 +116,13 @@ void DropZone::dragEnterEvent(QDragEnterEvent* event) {
     setTargeted(true);
 }
 
-void DropZone::dragMoveEvent(QDragMoveEvent* event) { event->acceptProposedAction(); }
+void DropZone::dragMoveEvent(QDragMoveEvent* event) {
+    event->acceptProposedAction();
+}
 
-void DropZone::dragLeaveEvent(QDragLeaveEvent*) { setTargeted(false); }
+void DropZone::dragLeaveEvent(QDragLeaveEvent*) {
+    setTargeted(false);
+}
 
 void DropZone::dropEvent(QDropEvent* event) {
     setTargeted(false);

@@ -26,7 +26,9 @@ QSize ElidedPathLabel::sizeHint() const {
     return {fontMetrics().horizontalAdvance(path_), fontMetrics().height()};
 }
 
-QSize ElidedPathLabel::minimumSizeHint() const { return {0, fontMetrics().height()}; }
+QSize ElidedPathLabel::minimumSizeHint() const {
+    return {0, fontMetrics().height()};
+}
 
 void ElidedPathLabel::resizeEvent(QResizeEvent* event) {
     QLabel::resizeEvent(event);

@@ -27,7 +27,9 @@ FocusRing::FocusRing(QWidget& window)
     qApp->installEventFilter(this);
 }
 
-QWidget* FocusRing::ringed() const { return frame_->widget(); }
+QWidget* FocusRing::ringed() const {
+    return frame_->widget();
+}
 
 bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
     auto* widget = qobject_cast<QWidget*>(watched);

@@ -32,9 +32,9 @@ void IgnoredItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
     const int pathWidth = row.width() - reasonWidth - gap;
     painter->setFont(font);
     painter->setPen(MarloTheme::ink);
-    painter->drawText(QRect(row.left(), row.top(), pathWidth, row.height()), flags,
-                      metrics.elidedText(index.data(Qt::DisplayRole).toString(), Qt::ElideMiddle,
-                                         pathWidth));
+    painter->drawText(
+        QRect(row.left(), row.top(), pathWidth, row.height()), flags,
+        metrics.elidedText(index.data(Qt::DisplayRole).toString(), Qt::ElideMiddle, pathWidth));
     painter->setPen(MarloTheme::muted);
     painter->drawText(QRect(row.right() + 1 - reasonWidth, row.top(), reasonWidth, row.height()),
                       flags, metrics.elidedText(reason, Qt::ElideRight, reasonWidth));

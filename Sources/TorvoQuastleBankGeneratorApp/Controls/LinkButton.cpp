@@ -11,7 +11,9 @@ namespace {
 
 constexpr int padding = 4;
 
-QFont linkFont() { return MarloTheme::font(13, MarloTheme::FontCut::medium); }
+QFont linkFont() {
+    return MarloTheme::font(13, MarloTheme::FontCut::medium);
+}
 
 } // namespace
 

@@ -34,7 +34,9 @@ QColor MarloButtonStyle::borderColor() const {
     return prominent ? withOpacity(MarloTheme::accent, enabled ? 0.35 : 0.16) : MarloTheme::line;
 }
 
-double MarloButtonStyle::opacity() const { return enabled ? 1.0 : 0.65; }
+double MarloButtonStyle::opacity() const {
+    return enabled ? 1.0 : 0.65;
+}
 
 void MarloButtonStyle::paint(QPainter& painter, const QRectF& rect, const QString& label) const {
     paintGroup(painter, rect, opacity(), [&](QPainter& group) {
@@ -52,7 +54,9 @@ MarloButton::MarloButton(const QString& text, Kind kind, QWidget* parent)
     setProperty("cornerRadius", MarloButtonStyle::cornerRadius);
 }
 
-QSize MarloButton::sizeHint() const { return MarloButtonStyle::size(text()); }
+QSize MarloButton::sizeHint() const {
+    return MarloButtonStyle::size(text());
+}
 
 void MarloButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);

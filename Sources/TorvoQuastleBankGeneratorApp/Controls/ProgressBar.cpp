@@ -57,7 +57,9 @@ ProgressBar::ProgressBar(QWidget* parent) : QProgressBar(parent) {
     });
 }
 
-QSize ProgressBar::sizeHint() const { return {smallestWidth, barHeight}; }
+QSize ProgressBar::sizeHint() const {
+    return {smallestWidth, barHeight};
+}
 
 void ProgressBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
@@ -66,8 +68,8 @@ void ProgressBar::paintEvent(QPaintEvent*) {
         const double seconds = static_cast<double>(shownFor_.elapsed()) / 1000;
         paintProgress(painter, bar, indeterminateFill(bar, seconds));
     } else {
-        const double fraction = static_cast<double>(value() - minimum()) /
-                                static_cast<double>(maximum() - minimum());
+        const double fraction =
+            static_cast<double>(value() - minimum()) / static_cast<double>(maximum() - minimum());
         paintProgress(painter, bar, progressFill(bar, fraction));
     }
 }

@@ -44,7 +44,9 @@ void StatusIcon::setKind(StatusKind kind) {
     update();
 }
 
-QSize StatusIcon::sizeHint() const { return {side, side}; }
+QSize StatusIcon::sizeHint() const {
+    return {side, side};
+}
 
 void StatusIcon::paintEvent(QPaintEvent*) {
     QPainter painter(this);

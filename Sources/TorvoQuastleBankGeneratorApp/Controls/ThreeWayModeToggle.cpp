@@ -57,7 +57,7 @@ ThreeWayModeToggle::ThreeWayModeToggle(std::vector<GenerationMode> modes, double
                 [this, index] { Q_EMIT modeChosen(modes_[index]); });
         segments_.push_back(segment);
     }
-    segments_.front()->setChecked(true);
+    markSelected();
     slide_.setDuration(static_cast<int>(slideDuration.count()));
     slide_.setEasingCurve(QEasingCurve::InOutQuad);
     connect(&slide_, &QVariantAnimation::valueChanged, this,
@@ -71,7 +71,7 @@ void ThreeWayModeToggle::setSelection(GenerationMode mode) {
         return;
     const bool hadFocus = segments_[selectedIndex_]->hasFocus();
     selectedIndex_ = index;
-    segments_[index]->setChecked(true);
+    markSelected();
     if (hadFocus)
         segments_[index]->setFocus(Qt::OtherFocusReason);
     slide_.stop();
@@ -83,12 +83,22 @@ void ThreeWayModeToggle::setSelection(GenerationMode mode) {
         moveHighlight(static_cast<double>(index));
 }
 
+void ThreeWayModeToggle::markSelected() {
+    segments_[selectedIndex_]->setChecked(true);
+    // Tab meets the selected segment only.
+    for (std::size_t index = 0; index < segments_.size(); ++index)
+        segments_[index]->setFocusPolicy(index == selectedIndex_ ? Qt::StrongFocus
+                                                                 : Qt::ClickFocus);
+}
+
 void ThreeWayModeToggle::moveHighlight(double position) {
     highlightPosition_ = position;
     update();
 }
 
-QSize ThreeWayModeToggle::sizeHint() const { return geometry_.size(modes_.size()).toSize(); }
+QSize ThreeWayModeToggle::sizeHint() const {
+    return geometry_.size(modes_.size()).toSize();
+}
 
 void ThreeWayModeToggle::paintEvent(QPaintEvent*) {
     QPainter painter(this);

@@ -33,8 +33,8 @@ struct ModeToggleGeometry {
 void paintModeToggle(QPainter& painter, const ModeToggleGeometry& geometry, std::size_t modeCount,
                      double highlightPosition);
 
-/// The three-segment mode selector: one tab stop, arrow keys move inside. Choosing a segment changes
-/// nothing by itself: whoever hears `modeChosen` decides and calls `setSelection`.
+/// The three-segment mode selector: one tab stop, arrow keys move inside. Choosing a segment
+/// changes nothing by itself: whoever hears `modeChosen` decides and calls `setSelection`.
 class ThreeWayModeToggle final : public QWidget {
     Q_OBJECT
 
@@ -60,6 +60,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void markSelected();
     void moveHighlight(double position);
     void chooseByKeyboard(std::size_t index);
 

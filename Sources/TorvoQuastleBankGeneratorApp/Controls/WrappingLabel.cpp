@@ -43,7 +43,9 @@ QSize WrappingLabel::sizeHint() const {
     return {fontMetrics().horizontalAdvance(text()), fontMetrics().height()};
 }
 
-QSize WrappingLabel::minimumSizeHint() const { return {0, fontMetrics().height()}; }
+QSize WrappingLabel::minimumSizeHint() const {
+    return {0, fontMetrics().height()};
+}
 
 void WrappingLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);

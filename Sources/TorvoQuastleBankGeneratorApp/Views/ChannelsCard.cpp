@@ -46,8 +46,8 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     ignoredFiles_->setObjectName(QStringLiteral("ignoredFiles"));
 
     auto* card = new Card(tr("CHANNELS"));
-    for (QWidget* part : std::initializer_list<QWidget*>{message_, scanning_, roleCounts_,
-                                                         loopCount_, stabCount_})
+    for (QWidget* part :
+         std::initializer_list<QWidget*>{message_, scanning_, roleCounts_, loopCount_, stabCount_})
         card->column()->addWidget(part);
     auto* sections = new QVBoxLayout;
     sections->setSpacing(0);
@@ -58,8 +58,9 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(card);
 
-    bind(model, this, [this] { render(); }, &AppModel::scanStateChanged,
-         &AppModel::sourceFolderChanged);
+    bind(
+        model, this, [this] { render(); }, &AppModel::scanStateChanged,
+        &AppModel::sourceFolderChanged);
 }
 
 QWidget* ChannelsCard::makeScanning() {

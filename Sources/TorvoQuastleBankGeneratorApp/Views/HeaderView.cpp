@@ -30,7 +30,9 @@ QString tagline(GenerationMode mode) {
     return {};
 }
 
-QUrl halvorineURL() { return QUrl(QStringLiteral("https://halvorine.example/")); }
+QUrl halvorineURL() {
+    return QUrl(QStringLiteral("https://halvorine.example/"));
+}
 
 } // namespace
 

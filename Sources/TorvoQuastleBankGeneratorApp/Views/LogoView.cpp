@@ -19,7 +19,9 @@ LogoView::LogoView(QImage image, QWidget* parent) : QWidget(parent), image_(std:
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
-QSize LogoView::sizeHint() const { return {side, side}; }
+QSize LogoView::sizeHint() const {
+    return {side, side};
+}
 
 void LogoView::paintEvent(QPaintEvent*) {
     QPainter painter(this);

@@ -89,8 +89,7 @@ void MetadataCard::change(const std::function<void(TorvoMetadataOptions&)>& edit
 QLayout* MetadataCard::makePickers() {
     const Picker bits = makePicker(tr("BITS"), tr("Bits"), bitNames());
     const Picker rate = makePicker(tr("RATE"), tr("Rate"), displayNames(allTorvoPlaybackRates));
-    const Picker filter =
-        makePicker(tr("FILTER"), tr("Filter"), displayNames(allTorvoFilterTypes));
+    const Picker filter = makePicker(tr("FILTER"), tr("Filter"), displayNames(allTorvoFilterTypes));
     auto* row = new QHBoxLayout;
     row->setSpacing(2 * MarloTheme::grid);
     for (const Picker& picker : {bits, rate, filter})
@@ -127,7 +126,8 @@ QLayout* MetadataCard::makeCVAssignments() {
     auto* enable = new QCheckBox(tr("ENABLE CV ASSIGNMENTS"));
     enable->setFont(MarloTheme::font(13, MarloTheme::FontCut::medium));
     connect(enable, &QCheckBox::clicked, this, [this](bool checked) {
-        change([checked](TorvoMetadataOptions& options) { options.cvAssignmentsEnabled = checked; });
+        change(
+            [checked](TorvoMetadataOptions& options) { options.cvAssignmentsEnabled = checked; });
     });
     bind(
         model_, this,

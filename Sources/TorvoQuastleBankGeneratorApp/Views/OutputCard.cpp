@@ -85,10 +85,11 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     connect(choose_, &QAbstractButton::clicked, this, &OutputCard::chooseFolder,
             Qt::QueuedConnection);
     connect(main_, &QAbstractButton::clicked, this, &OutputCard::startMainAction);
-    bind(model, this, [this] { render(); }, &AppModel::sourceFolderChanged,
-         &AppModel::exportFolderChanged, &AppModel::generationModeChanged,
-         &AppModel::scanStateChanged, &AppModel::runStateChanged,
-         &AppModel::currentDocumentChanged, &AppModel::lastJSONURLChanged);
+    bind(
+        model, this, [this] { render(); }, &AppModel::sourceFolderChanged,
+        &AppModel::exportFolderChanged, &AppModel::generationModeChanged,
+        &AppModel::scanStateChanged, &AppModel::runStateChanged, &AppModel::currentDocumentChanged,
+        &AppModel::lastJSONURLChanged);
 }
 
 void OutputCard::render() {

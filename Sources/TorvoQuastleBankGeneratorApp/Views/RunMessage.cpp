@@ -101,8 +101,9 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     column->addLayout(row);
     column->addWidget(progress_);
     column->addStretch();
-    bind(model, this, [this] { render(); }, &AppModel::runStateChanged,
-         &AppModel::sourceFolderChanged);
+    bind(
+        model, this, [this] { render(); }, &AppModel::runStateChanged,
+        &AppModel::sourceFolderChanged);
 }
 
 void RunMessage::render() {

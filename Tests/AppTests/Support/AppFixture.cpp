@@ -63,12 +63,12 @@ SamplePreparationMode GatedPreparer::prepare(const SampleCandidate& sample,
 
 AppFixture::AppFixture()
     : model(SampleScanner(inspector, AudioCompatibilityEvaluator{}, systemFileManager()),
-            BankGenerator{},
-            BankExporter(systemFileManager(), preparer, TorvoWAVMetadataWriter{}),
+            BankGenerator{}, BankExporter(systemFileManager(), preparer, TorvoWAVMetadataWriter{}),
             BankMappingStore{}, panels) {}
 
 FileURL AppFixture::drumKit(const std::string& name, int perRole) const {
-    static constexpr std::array roles{"Kick", "Clap", "Closed Hat", "Open Hat", "Snare", "Percussion"};
+    static constexpr std::array roles{"Kick",     "Clap",  "Closed Hat",
+                                      "Open Hat", "Snare", "Percussion"};
     for (const char* role : roles)
         addSamples(folder, name + "/" + role, perRole);
     return FileURL::directory(folder / name);

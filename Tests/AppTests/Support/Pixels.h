@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QPainter>
+
+#include <cstdlib>
+#include <functional>
+
+namespace torvo::test {
+
+/// What `paint` draws over a plain background.
+inline QImage painted(QSize size, const QColor& background,
+                      const std::function<void(QPainter&)>& paint) {
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(background);
+    {
+        QPainter painter(&image);
+        paint(painter);
+    }
+    return image;
+}
+
+/// `color` over `background`, then the result over `background` again at `opacity`.
+inline QColor blended(const QColor& color, const QColor& background, double opacity = 1) {
+    const double share = static_cast<double>(color.alphaF()) * opacity;
+    const auto mix = [share](int over, int under) {
+        return static_cast<int>(over * share + under * (1 - share) + 0.5);
+    };
+    return {mix(color.red(), background.red()), mix(color.green(), background.green()),
+            mix(color.blue(), background.blue())};
+}
+
+/// Equal but for the rounding of two 8-bit blends.
+inline bool isClose(const QColor& left, const QColor& right, int tolerance = 2) {
+    return std::abs(left.red() - right.red()) <= tolerance &&
+           std::abs(left.green() - right.green()) <= tolerance &&
+           std::abs(left.blue() - right.blue()) <= tolerance;
+}
+
+} // namespace torvo::test
+
+/// Compares the colour of a pixel, showing both when they differ.
+#define EXPECT_PIXEL(image, x, y, expected)                                                        \
+    EXPECT_TRUE(torvo::test::isClose((image).pixelColor(x, y), expected))                          \
+        << (image).pixelColor(x, y).name().toStdString() << " instead of "                         \
+        << QColor(expected).name().toStdString()
