@@ -54,7 +54,12 @@ HostileDocument wrongType(const std::string& name, const std::string& pointer, c
 
 HostileDocument sampleAt(const std::string& name, const std::string& url,
                          const std::string& message) {
-    return {name, [url](json& document) { firstSample(document)["sourceURL"] = url; }, message};
+    return {name,
+            [url](json& document) {
+                firstSample(document)["sourceURL"] = url;
+                firstSample(document)["compatibility"] = {{"compatibleWav", json::object()}};
+            },
+            message};
 }
 
 const std::vector<HostileDocument>& documents() {

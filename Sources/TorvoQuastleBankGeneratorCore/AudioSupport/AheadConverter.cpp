@@ -36,7 +36,7 @@ AheadConverter::AheadConverter(std::shared_ptr<const FileManager> fileManager,
     startTasks();
 }
 
-AheadConverter::~AheadConverter() {
+AheadConverter::~AheadConverter() noexcept {
     isStopping_ = true;
     tasks_.wait();
 }

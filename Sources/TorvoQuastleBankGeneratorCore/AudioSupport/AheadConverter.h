@@ -32,7 +32,7 @@ public:
     AheadConverter(std::shared_ptr<const FileManager> fileManager, std::vector<FileURL> sources,
                    std::size_t memoryBudget);
     /// Stops what is under way and waits for it: no longer than one block takes.
-    ~AheadConverter();
+    ~AheadConverter() noexcept;
     AheadConverter(const AheadConverter&) = delete;
     AheadConverter& operator=(const AheadConverter&) = delete;
 
