@@ -227,6 +227,7 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
     requireSourceOutside(*fileManager_, deviceFolder, job);
 
     fileManager_->createDirectory(runFolder.path());
+    const WrittenFolder written(fileManager_, runFolder.path());
     if (fileManager_->linkStatus(deviceFolder.path()))
         fileManager_->removeItem(deviceFolder.path());
     fileManager_->createDirectory(deviceFolder.path());
@@ -236,13 +237,14 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
             deviceFolder);
     std::int64_t completed = 0;
     for (const auto& recipe : job.recipes) {
+        written.requireSameVolume();
         run.write(recipe);
         ++completed;
         if (progress)
             progress({completed, run.summary().banksWritten, recipe.shortName});
     }
     // "Written" means on the medium: a card may be pulled out as soon as the user reads it.
-    fileManager_->flushVolume(deviceFolder.path());
+    written.flush();
     return run.summary();
 }
 

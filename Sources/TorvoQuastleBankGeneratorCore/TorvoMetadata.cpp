@@ -194,6 +194,7 @@ std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
                                      UnreadableFolders::fail);
     if (!items)
         return 0;
+    const WrittenFolder folder(fileManager_, toWAVsUnder.path());
     removeAbandonedTemporaries(*fileManager_, toWAVsUnder.path());
     std::int64_t written = 0;
     for (const auto& item : *items) {
@@ -204,7 +205,7 @@ std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
         rewrite(item.url, options, channelNumber(item.url));
         ++written;
     }
-    fileManager_->flushVolume(toWAVsUnder.path());
+    folder.flush();
     return written;
 }
 

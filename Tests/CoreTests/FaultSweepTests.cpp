@@ -189,7 +189,7 @@ TEST_F(FaultSweepTests, aStampLeavesEveryFileOldOrNew) {
             else // the card was pulled out in the middle of this file
                 EXPECT_TRUE(name.starts_with('.') && name.ends_with(".tmp")) << path;
         }
-        const auto& first = plan.faults().front();
+        const auto first = plan.faults().front();
         const bool couldNotBegin =
             first.operation() == FileOperation::list && first.path() == deviceFolder();
         if (failure)
@@ -223,8 +223,10 @@ TEST_F(FaultSweepTests, aSavedDocumentIsTheOldOneOrTheNewOne) {
         };
         reset();
         const auto struck = sweepAll(save, [&](const FaultPlan& plan, const Failure& failure) {
-            ASSERT_TRUE(failure) << "a save that failed was reported as done";
-            expectNamesFileAndCause(plan, *failure);
+            if (failure)
+                expectNamesFileAndCause(plan, *failure);
+            else // looking for what an accident left may fail; the save may not
+                EXPECT_EQ(textOf(path), newText);
             if (fs::exists(path))
                 EXPECT_THAT(textOf(path), AnyOf(oldText, newText));
             else

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <random>
 #include <string_view>
@@ -143,6 +144,26 @@ void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
         // The user knows the file's own name, not the hidden one beside it.
         throw FileError(FileOperation::write, path, error.code());
     }
+}
+
+WrittenFolder::WrittenFolder(std::shared_ptr<const FileManager> fileManager, fs::path path)
+    : fileManager_(std::move(fileManager)), path_(std::move(path)), volume_(volume()) {}
+
+std::uint64_t WrittenFolder::volume() const {
+    const auto status = fileManager_->status(path_);
+    if (!status)
+        throw FileError(FileOperation::write, path_, ENODEV);
+    return status->identity.device;
+}
+
+void WrittenFolder::requireSameVolume() const {
+    if (volume() != volume_)
+        throw FileError(FileOperation::write, path_, ENODEV);
+}
+
+void WrittenFolder::flush() const {
+    fileManager_->flushVolume(path_);
+    requireSameVolume();
 }
 
 void removeAbandonedTemporaries(const FileManager& fileManager, const fs::path& folder) {

@@ -112,6 +112,26 @@ void writeFileAtomically(const FileManager& fileManager, const std::filesystem::
                          std::span<const std::byte> bytes,
                          std::optional<std::filesystem::perms> permissions = std::nullopt);
 
+/// A folder that is being written into, to notice when its card is pulled out: the folder on which
+/// the card was mounted takes its place, and would take the files as well.
+class WrittenFolder {
+public:
+    /// Throws `FileError` when nothing is there.
+    WrittenFolder(std::shared_ptr<const FileManager> fileManager, std::filesystem::path path);
+
+    /// Throws `FileError` when the path does not lead to the volume any more that it led to.
+    void requireSameVolume() const;
+    /// Waits until everything written to the volume is on the medium.
+    void flush() const;
+
+private:
+    std::uint64_t volume() const;
+
+    std::shared_ptr<const FileManager> fileManager_;
+    std::filesystem::path path_;
+    std::uint64_t volume_;
+};
+
 /// Removes from a folder the hidden files that `writeFileAtomically` leaves when the program is
 /// killed or the card pulled out in the middle. What cannot be listed or removed stays.
 void removeAbandonedTemporaries(const FileManager& fileManager,
