@@ -30,6 +30,12 @@ def work_folder():
     return tempfile.mkdtemp(prefix="torvo-e2e-", dir=parent)
 
 
+def one_processor():
+    """From here on programs run on one processor, without helper threads, so that the n-th call of one
+    run is the n-th call of the next."""
+    os.sched_setaffinity(0, {min(os.sched_getaffinity(0))})
+
+
 def write_wav(path, rate, channels, width, frames):
     os.makedirs(os.path.dirname(path), exist_ok=True)
     with wave.open(path, "wb") as file:
