@@ -11,6 +11,7 @@
 #include "TorvoMetadata.h"
 
 #include <chrono>
+#include <functional>
 #include <iostream>
 #include <limits>
 #include <random>
@@ -124,23 +125,35 @@ json candidateJson(const SampleCandidate& candidate) {
             {"format", candidate.formatDetails}};
 }
 
-json scan(const Arguments& arguments) {
+/// One element a line, each made when it is written: a report may have a hundred thousand.
+template <typename Items, typename ToJson>
+void printList(const Items& items, ToJson toJson) {
+    const char* separator = "[";
+    for (const auto& item : items) {
+        std::cout << separator << "\n  " << json(toJson(item)).dump();
+        separator = ",";
+    }
+    std::cout << (items.empty() ? "[]" : "\n]");
+}
+
+void scan(const Arguments& arguments) {
     const Stopwatch watch;
     const auto report = scanner().scan(FileURL::directory(*arguments.scan), arguments.mode);
     const double seconds = watch.seconds();
 
-    auto buckets = json::object();
+    std::cout << "{\n\"mode\": " << json(report.mode) << ",\n\"counts\": " << countsJson(report)
+              << ",\n\"buckets\": {";
+    const char* separator = "\n";
     for (const auto role : allChannelRoles) {
-        auto& list = buckets[std::string(rawValue(role))] = json::array();
-        for (const auto& candidate : report.buckets.samples(role))
-            list.push_back(candidateJson(candidate));
+        std::cout << separator << json(rawValue(role)) << ": ";
+        printList(report.buckets.samples(role), candidateJson);
+        separator = ",\n";
     }
-    return {{"mode", report.mode},
-            {"counts", countsJson(report)},
-            {"ignoredFiles", report.ignoredFiles},
-            {"ignoredFolders", report.ignoredFolders},
-            {"buckets", std::move(buckets)},
-            {"seconds", {{"scan", seconds}}}};
+    std::cout << "\n},\n\"ignoredFiles\": ";
+    printList(report.ignoredFiles, std::identity{});
+    std::cout << ",\n\"ignoredFolders\": ";
+    printList(report.ignoredFolders, std::identity{});
+    std::cout << ",\n\"seconds\": " << json{{"scan", seconds}} << "\n}\n";
 }
 
 json stamp(const Arguments& arguments) {
@@ -150,14 +163,20 @@ json stamp(const Arguments& arguments) {
     return {{"stamped", stamped}, {"seconds", {{"stamp", watch.seconds()}}}};
 }
 
-json run(const Arguments& arguments) {
+void print(const json& result) {
+    std::cout << result.dump(2) << "\n";
+}
+
+void run(const Arguments& arguments) {
     if (arguments.scan)
-        return scan(arguments);
-    if (arguments.import)
-        return import(arguments);
-    if (arguments.stamp)
-        return stamp(arguments);
-    return generate(arguments);
+        scan(arguments);
+    else if (arguments.import)
+        print(import(arguments));
+    else if (arguments.stamp)
+        print(stamp(arguments));
+    else
+        print(generate(arguments));
+    std::cout.flush();
 }
 
 } // namespace
@@ -166,8 +185,7 @@ json run(const Arguments& arguments) {
 
 int main(int argc, char** argv) {
     try {
-        std::cout << torvo::bankrun::run(torvo::bankrun::parseArguments(argc, argv)).dump(2)
-                  << std::endl;
+        torvo::bankrun::run(torvo::bankrun::parseArguments(argc, argv));
         return std::cout ? 0 : 1;
     } catch (const torvo::bankrun::UsageError& error) {
         std::cerr << error.what() << "\n" << torvo::bankrun::usage;

@@ -79,7 +79,7 @@ public:
         : fileManager_(fileManager), deviceFolder_(deviceFolder) {}
 
     bool holds(const FileURL& folder) {
-        const auto& path = folder.path().native();
+        const auto& path = folder.nativePath();
         if (const auto known = answers_.find(path); known != answers_.end())
             return known->second;
         const auto status = fileManager_.status(folder.path());

@@ -31,7 +31,7 @@ class CyclingPool {
 public:
     CyclingPool(const std::vector<SampleCandidate>& items, SeededGenerator& random) {
         for (const auto& item : items)
-            items_.push_back({&item, item.sourceURL.standardized().path().native()});
+            items_.push_back({&item, item.sourceURL.standardized().nativePath()});
         reshuffle(random);
     }
 
@@ -94,7 +94,7 @@ std::vector<BankRecipe> fillBanks(const GenerationTemplate& generationTemplate,
             const auto pick = poolForRole(slot.role).next(used, random);
             recipe.channels.insert_or_assign(slot.channel, *pick.item);
             recipe.reusedSamples = recipe.reusedSamples || pick.reused;
-            used.insert(pick.item->sourceURL.standardized().path().native());
+            used.insert(pick.item->sourceURL.standardized().nativePath());
         }
         recipes.push_back(std::move(recipe));
     }

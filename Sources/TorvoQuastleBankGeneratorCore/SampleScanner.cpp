@@ -32,8 +32,8 @@ using FolderDecision = std::variant<NoFolderDecides, ChannelRole, IgnoredItem>;
 
 /// Relative to the root; what lies outside is shown by its name alone.
 std::string relativePathForDisplay(const FileURL& url, const FileURL& root) {
-    const auto& path = url.path().native();
-    const auto& rootPath = root.path().native();
+    const auto& path = url.nativePath();
+    const auto& rootPath = root.nativePath();
     if (path == rootPath)
         return ".";
     const auto prefix = rootPath == "/" ? rootPath : rootPath + "/";
@@ -49,7 +49,7 @@ public:
 
     /// The nearest folder that decides wins; the source folder's own name never does.
     const FolderDecision& classifyFromAncestors(const FileURL& folder) {
-        const auto& path = folder.path().native();
+        const auto& path = folder.nativePath();
         if (const auto known = decisions_.find(path); known != decisions_.end())
             return known->second;
         return decisions_.emplace(path, decide(folder)).first->second;
@@ -57,8 +57,8 @@ public:
 
 private:
     FolderDecision decide(const FileURL& folder) {
-        const auto& path = folder.path().native();
-        const auto& rootPath = root_.path().native();
+        const auto& path = folder.nativePath();
+        const auto& rootPath = root_.nativePath();
         // A prefix of the text, on purpose: for a link's target in "Kit Extra", a neighbour of the
         // source folder "Kit", the folders' names count as if it lay inside.
         if (path == rootPath || !path.starts_with(rootPath))
@@ -90,7 +90,7 @@ struct IgnoredFile {
 };
 
 bool isHiddenOrSidecar(const FileURL& url) {
-    if (url.path().filename().native().starts_with('.'))
+    if (url.lastPathComponent().starts_with('.'))
         return true;
     const auto extension = text::lowercased(url.pathExtension());
     return extension == "asd" || extension == "ds_store";
@@ -118,22 +118,23 @@ std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredFile> files) {
     return items;
 }
 
-/// The first, sequential half of a scan: names only. What needs opening is left in `pending`.
+/// The first, sequential half of a scan: names only. What needs opening is left over.
 class NamePass {
 public:
     NamePass(FileURL root, GenerationMode mode)
         : root_(std::move(root)), mode_(mode), judge_(root_) {}
 
-    void take(const EnumeratedItem& item) {
+    void take(EnumeratedItem item) {
         ++position_;
         if (item.kind == FileKind::directory)
             return;
         if (isHiddenOrSidecar(item.url)) {
             ignore(item.url, hiddenReason, position_);
         } else if (mode_ != GenerationMode::drums) {
-            keep(item, mode_ == GenerationMode::loops ? ChannelRole::loop : ChannelRole::stab);
+            keep(std::move(item),
+                 mode_ == GenerationMode::loops ? ChannelRole::loop : ChannelRole::stab);
         } else {
-            takeDrum(item);
+            takeDrum(std::move(item));
         }
     }
 
@@ -141,7 +142,7 @@ public:
         ignoredFiles_.push_back({{relativePathForDisplay(url, root_), reason}, position});
     }
 
-    const std::vector<PendingSample>& pending() const { return pending_; }
+    std::vector<PendingSample> takePending() { return std::move(pending_); }
     std::vector<IgnoredItem> takeIgnoredFiles() { return sortedByPath(std::move(ignoredFiles_)); }
     std::vector<IgnoredItem> takeIgnoredFolders() {
         std::vector<IgnoredItem> folders;
@@ -151,7 +152,7 @@ public:
     }
 
 private:
-    void takeDrum(const EnumeratedItem& item) {
+    void takeDrum(EnumeratedItem item) {
         const auto& decision = judge_.classifyFromAncestors(item.url.deletingLastPathComponent());
         if (const auto* folder = std::get_if<IgnoredItem>(&decision)) {
             ignoredFolders_.emplace(folder->path, *folder);
@@ -162,13 +163,13 @@ private:
                               ? std::optional(*folderRole)
                               : classifyRole(item.url.lastPathComponentWithoutExtension());
         if (role)
-            keep(item, *role);
+            keep(std::move(item), *role);
         else
             ignore(item.url, unclassifiedReason, position_);
     }
 
-    void keep(const EnumeratedItem& item, ChannelRole role) {
-        pending_.push_back({item.url, role, item.kind == FileKind::regular, position_});
+    void keep(EnumeratedItem item, ChannelRole role) {
+        pending_.push_back({std::move(item.url), role, item.kind == FileKind::regular, position_});
     }
 
     FileURL root_;
@@ -209,7 +210,7 @@ ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode)
         names.take(followed(*fileManager_, std::move(item)));
     items.reset();
 
-    const auto& pending = names.pending();
+    auto pending = names.takePending();
     std::vector<std::optional<AudioFormatDetails>> formats(pending.size());
     tbb::parallel_for(std::size_t{0}, pending.size(), [&](std::size_t i) {
         if (!pending[i].mayBeOpened)
@@ -223,12 +224,13 @@ ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode)
 
     ScanReport report{mode, root, {}, {}, {}};
     for (std::size_t i = 0; i < pending.size(); ++i) {
-        const auto& [url, role, mayBeOpened, position] = pending[i];
+        auto& [url, role, mayBeOpened, position] = pending[i];
         if (!formats[i]) {
             names.ignore(url, unsupportedReason, position);
             continue;
         }
-        report.buckets.samples(role).push_back({url, role, url.lastPathComponentWithoutExtension(),
+        auto displayName = url.lastPathComponentWithoutExtension();
+        report.buckets.samples(role).push_back({std::move(url), role, std::move(displayName),
                                                 evaluator_.compatibility(*formats[i]),
                                                 std::move(*formats[i])});
     }

@@ -37,10 +37,10 @@ struct ScanFixture {
 /// The paths of a role's samples below the source folder, in the report's order; those outside
 /// whole.
 inline Paths pathsOf(const ScanReport& report, ChannelRole role) {
-    const auto prefix = report.sourceFolder.path().native() + "/";
+    const auto prefix = report.sourceFolder.nativePath() + "/";
     Paths paths;
     for (const auto& sample : report.buckets.samples(role)) {
-        const auto& path = sample.sourceURL.path().native();
+        const auto& path = sample.sourceURL.nativePath();
         paths.push_back(path.starts_with(prefix) ? path.substr(prefix.size()) : path);
     }
     return paths;

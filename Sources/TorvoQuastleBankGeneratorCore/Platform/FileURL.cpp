@@ -2,6 +2,7 @@
 
 #include "Platform/UnicodeText.h"
 
+#include <utility>
 #include <vector>
 
 namespace torvo {
@@ -124,7 +125,7 @@ std::optional<FileURL> FileURL::parse(std::string_view absoluteString) {
 
 std::string FileURL::absoluteString() const {
     std::string text = "file://";
-    for (const char c : path_.native()) {
+    for (const char c : path_) {
         if (standsUnescaped(c)) {
             text += c;
         } else {
@@ -134,17 +135,17 @@ std::string FileURL::absoluteString() const {
             text += hexDigits[byte & 15U];
         }
     }
-    if (kind_ == Kind::directory && path_.native().size() > 1)
+    if (kind_ == Kind::directory && path_.size() > 1)
         text += '/';
     return text;
 }
 
 std::string FileURL::shownPath() const {
-    return text::validUTF8(path_.native());
+    return text::validUTF8(path_);
 }
 
 std::string FileURL::lastPathComponent() const {
-    return text::validUTF8(lastComponent(path_.native()));
+    return text::validUTF8(lastComponent(path_));
 }
 
 std::string FileURL::pathExtension() const {
@@ -158,17 +159,32 @@ std::string FileURL::lastPathComponentWithoutExtension() const {
     return name.substr(0, extensionDot(name));
 }
 
+FileURL FileURL::ofPlainPath(std::string path, Kind kind) {
+    FileURL url;
+    url.path_ = std::move(path);
+    url.kind_ = kind;
+    return url;
+}
+
 FileURL FileURL::appendingPathComponent(std::string_view component, Kind kind) const {
-    return FileURL(path_.native() + "/" + std::string(component), kind);
+    std::string path;
+    path.reserve(path_.size() + 1 + component.size());
+    path += path_;
+    if (path.size() > 1)
+        path += '/';
+    path += component;
+    const bool isPlain = !component.empty() && component.find('/') == std::string_view::npos;
+    return isPlain ? ofPlainPath(std::move(path), kind) : FileURL(path, kind);
 }
 
 FileURL FileURL::deletingLastPathComponent() const {
-    return directory(path_.native().substr(0, path_.native().rfind('/') + 1));
+    const auto slash = path_.rfind('/');
+    return ofPlainPath(slash == 0 ? "/" : path_.substr(0, slash), Kind::directory);
 }
 
 FileURL FileURL::standardized() const {
     std::vector<std::string_view> kept;
-    for (const auto part : components(path_.native())) {
+    for (const auto part : components(path_)) {
         if (part == ".")
             continue;
         if (part != "..")

@@ -34,8 +34,10 @@ public:
     /// it back gives an equal URL, whatever the bytes.
     std::string absoluteString() const;
 
-    /// The raw path, without a trailing slash (the root excepted).
-    const std::filesystem::path& path() const { return path_; }
+    /// The raw path, without a trailing slash (the root excepted). Made anew for each call.
+    std::filesystem::path path() const { return path_; }
+    /// The bytes of the raw path.
+    const std::string& nativePath() const { return path_; }
     bool hasDirectoryPath() const { return kind_ == Kind::directory; }
 
     /// The path as text: bytes that are not UTF-8 are replaced by U+FFFD.
@@ -62,7 +64,12 @@ public:
     friend bool operator==(const FileURL&, const FileURL&) = default;
 
 private:
-    std::filesystem::path path_ = "/";
+    /// A path that is already as `path_` is to be.
+    static FileURL ofPlainPath(std::string path, Kind kind);
+
+    // As text: a library has a hundred thousand of these, and the standard library's path keeps
+    // every component a second time.
+    std::string path_ = "/";
     Kind kind_ = Kind::directory;
 };
 

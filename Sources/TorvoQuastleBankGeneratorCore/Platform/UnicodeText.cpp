@@ -39,6 +39,22 @@ void forEachScalar(const icu::UnicodeString& text, Visit visit) {
         visit(text.char32At(i), i);
 }
 
+bool isAlphanumericASCII(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+/// Most names are ASCII, and a library has a hundred thousand of them.
+std::vector<std::string> alphanumericASCIIWords(std::string_view text) {
+    std::vector<std::string> words;
+    for (auto at = text.begin();;) {
+        const auto start = std::find_if(at, text.end(), isAlphanumericASCII);
+        if (start == text.end())
+            return words;
+        at = std::find_if_not(start, text.end(), isAlphanumericASCII);
+        words.emplace_back(start, at);
+    }
+}
+
 void requireSuccess(UErrorCode status, const char* what) {
     if (U_FAILURE(status))
         throw std::runtime_error(std::string(what) + ": " + u_errorName(status));
@@ -82,6 +98,8 @@ bool equalsIgnoringCase(std::string_view left, std::string_view right) {
 }
 
 std::vector<std::string> alphanumericWords(std::string_view text) {
+    if (isASCII(text))
+        return alphanumericASCIIWords(text);
     // What is not UTF-8 reads as U+FFFD, a symbol, and so separates words.
     const auto unicode = fromUTF8(text);
     std::vector<std::string> words;
@@ -114,9 +132,8 @@ std::string firstCharacters(std::string_view text, std::size_t count) {
 
 std::u32string scalars(std::string_view text) {
     std::u32string found;
-    forEachScalar(fromUTF8(text), [&](UChar32 c, std::int32_t) {
-        found.push_back(static_cast<char32_t>(c));
-    });
+    forEachScalar(fromUTF8(text),
+                  [&](UChar32 c, std::int32_t) { found.push_back(static_cast<char32_t>(c)); });
     return found;
 }
 
