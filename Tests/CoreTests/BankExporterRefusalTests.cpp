@@ -154,6 +154,18 @@ TEST_F(SampleInside, neighboursOfTheDeviceFolderAreOutside) {
     }
 }
 
+TEST(BankExporterRefusal, aSourceFolderInsideIsRefused) {
+    for (const auto* below : {"QZT508", "QZT508/Pool", "QZT508/no/such"}) {
+        FilledCard card;
+        const auto source = card.folder / ("card/Kit/" + std::string(below));
+        card.job.sourceFolder = FileURL::directory(source);
+        card.job.recipes.clear();
+        EXPECT_EQ(card.refusal(), "The source folder " + source.string() + " lies inside " +
+                                      (card.folder / "card/Kit/QZT508").string() +
+                                      ", which this export would replace.");
+    }
+}
+
 TEST(BankExporterRefusal, aDeviceFolderThatIsALinkMayPointToTheSamples) {
     // Only the link is removed.
     ExportFixture fixture;

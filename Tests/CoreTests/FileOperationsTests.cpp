@@ -93,7 +93,8 @@ TEST(ResolvingSymlinks, followsLinksAsFarAsThereIsSomething) {
 std::vector<std::string> enumerated(const TemporaryFolder& folder, EnumerationOptions options,
                                     const FileManager& fileManager = files()) {
     std::vector<std::string> names;
-    const auto items = enumerateDeep(fileManager, folder.url(), options);
+    const auto items =
+        enumerateDeep(fileManager, folder.url(), options, UnreadableFolders::passOver);
     if (!items)
         return {"no enumeration"};
     for (const auto& item : *items) {
@@ -130,16 +131,55 @@ TEST(EnumerateDeep, yieldsLinksWithoutFollowingThem) {
                             "directory link", "file", "file link", "pipe"));
 }
 
-TEST(EnumerateDeep, passesOverLockedFoldersButNotTheRoot) {
+TEST(EnumerateDeep, passesOverLockedFoldersOrFailsAsItIsTold) {
     const TemporaryFolder folder;
     folder.write("a/x", "");
     folder.write("b/x", "");
-    EXPECT_THAT(
-        enumerated(folder, EnumerationOptions::skipHidden, LockedFolderFileManager(folder / "a")),
-        ElementsAre("a", "b", "b/x"));
-    EXPECT_THAT(
-        enumerated(folder, EnumerationOptions::skipHidden, LockedFolderFileManager(folder.path())),
-        ElementsAre("no enumeration"));
+    const LockedFolderFileManager locked(folder / "a");
+    EXPECT_THAT(enumerated(folder, EnumerationOptions::skipHidden, locked),
+                ElementsAre("a", "b", "b/x"));
+    const auto error = thrown<FileError>([&] {
+        enumerateDeep(locked, folder.url(), EnumerationOptions::skipHidden,
+                      UnreadableFolders::fail);
+    });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->path(), folder / "a");
+}
+
+TEST(EnumerateDeep, aRootThatCannotBeReadHasNoItems) {
+    const TemporaryFolder folder;
+    const LockedFolderFileManager locked(folder.path());
+    for (const auto unreadable : {UnreadableFolders::passOver, UnreadableFolders::fail}) {
+        EXPECT_FALSE(
+            enumerateDeep(locked, folder.url(), EnumerationOptions::skipHidden, unreadable));
+        EXPECT_FALSE(enumerateDeep(files(), FileURL(folder / "missing"),
+                                   EnumerationOptions::skipHidden, unreadable));
+        EXPECT_FALSE(enumerateDeep(files(), FileURL(folder.write("file", "")),
+                                   EnumerationOptions::skipHidden, unreadable));
+    }
+}
+
+TEST(RemoveAbandonedTemporaries, removesItsOwnFilesAndNoOthers) {
+    const TemporaryFolder folder;
+    folder.write(".torvo-0123456789abcdef.tmp", "");
+    folder.write(".torvo-ffffffffffffffff.tmp", "");
+    const std::vector<std::string> kept{
+        ".torvo-0123456789abcde.tmp",  ".torvo-0123456789abcdefa.tmp",
+        ".torvo-0123456789ABCDEF.tmp", "xtorvo-0123456789abcdef.tmp",
+        ".torvo-0123456789abcdef.wav", ".torvo-1111111111111111.tmp"};
+    for (const auto& name : kept) {
+        if (name == kept.back())
+            folder.createFolder(name); // a folder of the name is none of its files
+        else
+            folder.write(name, "");
+    }
+    removeAbandonedTemporaries(files(), folder.path());
+    std::vector<std::string> left;
+    for (const auto& entry : files().contentsOfDirectory(folder.path()))
+        left.push_back(entry.name);
+    EXPECT_THAT(left, testing::UnorderedElementsAreArray(kept));
+    // What cannot be listed stays, without an error.
+    removeAbandonedTemporaries(files(), folder / "missing");
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -72,6 +74,16 @@ TEST(RiffChunks, readsBigEndianSizes) {
     const MemoryByteSource source(file);
     RiffChunkWalk walk(source, ByteOrder::big);
     EXPECT_EQ(walk.next().value().payloadSize, 2U);
+}
+
+TEST(RiffChunks, readsIntegersInBothOrders) {
+    const std::array<std::byte, 4> four{std::byte{0x81}, std::byte{2}, std::byte{3},
+                                        std::byte{0xF4}};
+    const auto two = std::span(four).first<2>();
+    EXPECT_EQ(readUInt32(four), 0xF4030281U);
+    EXPECT_EQ(readUInt32(four, ByteOrder::big), 0x810203F4U);
+    EXPECT_EQ(readUInt16(two), 0x0281U);
+    EXPECT_EQ(readUInt16(two, ByteOrder::big), 0x8102U);
 }
 
 TEST(RiffChunks, findsTheDataChunkOrSaysWhatIsWrong) {
