@@ -26,7 +26,8 @@ void classifyAnything(std::string_view name) {
     static_cast<void>(namesIgnoredFolder(name));
 
     const BankNameScheme naming{std::string(name)};
-    require(text::characterCount(naming.prefix) <= 6, "a prefix has six characters at most");
+    // Raising the first character may make up to three of it, as "ß" becomes "SS".
+    require(text::characterCount(naming.prefix) <= 8, "a prefix has six characters at most");
     require(naming.bankName(7).ends_with("007"), "a bank's name ends in its number");
 
     const auto ascii = text::lossyASCII(name);
