@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <iostream>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/resource.h>
@@ -31,6 +32,16 @@ std::string readToEnd(int descriptor) {
         else if (count == 0 || errno != EINTR)
             return text;
     }
+}
+
+rusage usageAtEnd(pid_t child, const std::string& name) {
+    int status = 0;
+    rusage usage{};
+    while (::wait4(child, &status, 0, &usage) < 0)
+        require(errno == EINTR ? 0 : errno, "wait4");
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        throw std::runtime_error(name + " failed");
+    return usage;
 }
 
 } // namespace
@@ -60,15 +71,25 @@ FinishedProcess runProcess(const std::vector<std::string>& arguments) {
     ::close(pipe[0]);
     require(error, arguments.front());
 
-    int status = 0;
-    rusage usage{};
-    while (::wait4(child, &status, 0, &usage) < 0)
-        require(errno == EINTR ? 0 : errno, "wait4");
+    const auto usage = usageAtEnd(child, arguments.front());
     finished.seconds = watch.seconds();
     finished.peakMemory = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        throw std::runtime_error(arguments.front() + " failed");
     return finished;
+}
+
+void runForked(const std::function<void()>& work) {
+    const pid_t child = ::fork();
+    require(child >= 0 ? 0 : errno, "fork");
+    if (child == 0) {
+        try {
+            work();
+            ::_exit(0);
+        } catch (const std::exception& error) {
+            std::cerr << error.what() << std::endl;
+            ::_exit(1);
+        }
+    }
+    usageAtEnd(child, "a copy of this process");
 }
 
 } // namespace torvo::bench

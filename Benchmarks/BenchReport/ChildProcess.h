@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,5 +19,9 @@ struct FinishedProcess {
 /// The peak never reads lower than this process's own: the kernel counts the moment before the new
 /// program takes over. So this program keeps itself small and leaves the work to its children.
 FinishedProcess runProcess(const std::vector<std::string>& arguments);
+
+/// Does work in a copy of this process, so that the memory it takes is not counted against what is
+/// measured later. Throws when it fails there.
+void runForked(const std::function<void()>& work);
 
 } // namespace torvo::bench

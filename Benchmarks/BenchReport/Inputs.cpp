@@ -127,7 +127,7 @@ fs::path Inputs::made(const char* name, Make make) const {
     if (!fs::exists(mark)) {
         fs::remove_all(folder);
         fs::create_directories(folder);
-        make(folder);
+        runForked([&] { make(folder); });
         write(mark, {});
     }
     return folder;
