@@ -1,6 +1,7 @@
 #include "AudioSupport.h"
 
 #include "AudioSupport/AudioError.h"
+#include "AudioSupport/AudioFileType.h"
 #include "AudioSupport/AudioReader.h"
 #include "AudioSupport/Conversion.h"
 #include "AudioSupport/ConvertedFileWriter.h"
@@ -35,10 +36,14 @@ AVAudioFileInspector::AVAudioFileInspector(std::shared_ptr<const FileManager> fi
     : fileManager_(std::move(fileManager)) {}
 
 AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& at) const {
+    const auto file = fileManager_->open(at.path(), OpenMode::read);
+    const FileByteSource bytes(*file);
+    // Most files that are no audio end here: a library may have more of them than of samples.
+    const auto type = audioFileType(bytes);
+    if (!type)
+        throw GenerationError::unsupportedAudio(at);
     try {
-        const auto file = fileManager_->open(at.path(), OpenMode::read);
-        const FileByteSource bytes(*file);
-        const AudioStreamFormat format = openAudio(bytes)->format();
+        const AudioStreamFormat format = openAudio(bytes, *type)->format();
         const AudioFormatDetails details{text::lowercased(at.pathExtension()), format.sampleRate,
                                          format.channels, format.bitDepth, format.isLinearPCM};
         // It would be copied unchanged, and then its stamp would fail and end the run.

@@ -41,7 +41,8 @@ FileByteSource::FileByteSource(const File& file)
 std::size_t FileByteSource::read(std::uint64_t offset, std::span<std::byte> bytes) const {
     if (offset >= size_)
         return 0;
-    if (offset <= headLength_ && bytes.size() <= headLength_ - offset)
+    const bool headHoldsAll = headLength_ == size_;
+    if (headHoldsAll || (offset <= headLength_ && bytes.size() <= headLength_ - offset))
         return copyRange(std::span(head_).first(headLength_), offset, bytes);
     return file_.read(offset, bytes);
 }

@@ -8,16 +8,21 @@
 namespace torvo {
 
 std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes) {
-    auto type = audioFileType(bytes);
+    const auto type = audioFileType(bytes);
     if (!type)
         throw AudioError::invalidData();
-    if (type->container == AudioContainer::wav) {
+    return openAudio(bytes, *type);
+}
+
+std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes, const AudioFileType& type) {
+    if (type.container == AudioContainer::wav) {
         if (auto reader = WavReader::open(bytes))
             return reader;
         if (const auto offset = oggStreamInWav(bytes))
-            type = AudioFileType{AudioContainer::ogg, *offset};
+            return std::make_unique<CompressedAudioReader>(
+                bytes, AudioFileType{AudioContainer::ogg, *offset});
     }
-    return std::make_unique<CompressedAudioReader>(bytes, *type);
+    return std::make_unique<CompressedAudioReader>(bytes, type);
 }
 
 } // namespace torvo

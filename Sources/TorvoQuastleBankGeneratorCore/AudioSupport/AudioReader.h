@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioSupport/AudioFileType.h"
 #include "RiffChunks.h"
 
 #include <cstddef>
@@ -41,5 +42,7 @@ public:
 /// Chooses the reader by the first bytes, never by a name, and opens the file with it.
 /// `bytes` outlives the reader.
 std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes);
+/// The same when the type is known already.
+std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes, const AudioFileType& type);
 
 } // namespace torvo

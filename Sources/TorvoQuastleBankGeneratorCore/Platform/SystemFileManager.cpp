@@ -80,8 +80,8 @@ void closeChecked(Descriptor& descriptor, const fs::path& path) {
 
 class SystemFile final : public File {
 public:
-    SystemFile(fs::path path, Descriptor descriptor)
-        : path_(std::move(path)), descriptor_(std::move(descriptor)) {}
+    SystemFile(const fs::path& path, Descriptor descriptor)
+        : path_(path.native()), descriptor_(std::move(descriptor)) {}
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
         std::size_t done = 0;
@@ -135,7 +135,7 @@ public:
     void close() override { closeChecked(descriptor_, path_); }
 
 private:
-    fs::path path_;
+    std::string path_; ///< as text, which is cheaper to keep
     Descriptor descriptor_;
 };
 
