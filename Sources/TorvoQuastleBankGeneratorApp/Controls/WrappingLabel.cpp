@@ -9,20 +9,36 @@ namespace torvo::app {
 
 namespace {
 
-/// Breaks the text into lines; returns their height.
-double layOut(QTextLayout& text, double width) {
+/// More lines than a message may take from the window: the last one then loses its middle.
+constexpr int mostLines = 6;
+
+struct Lines {
+    double height = 0;
+    double lastTop = 0;
+    int lastStart = 0; ///< in characters
+    bool isCut = false;
+};
+
+/// Breaks the text into lines.
+Lines layOut(QTextLayout& text, double width) {
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     text.setTextOption(option);
-    double height = 0;
+    Lines lines;
     text.beginLayout();
     for (QTextLine line = text.createLine(); line.isValid(); line = text.createLine()) {
+        if (text.lineCount() > mostLines) {
+            lines.isCut = true;
+            break;
+        }
         line.setLineWidth(width);
-        line.setPosition({0, height});
-        height += line.height();
+        line.setPosition({0, lines.height});
+        lines.lastTop = lines.height;
+        lines.lastStart = line.textStart();
+        lines.height += line.height();
     }
     text.endLayout();
-    return height;
+    return lines;
 }
 
 } // namespace
@@ -35,8 +51,8 @@ WrappingLabel::WrappingLabel(QWidget* parent) : QLabel(parent) {
 }
 
 int WrappingLabel::heightForWidth(int width) const {
-    QTextLayout lines(text(), font());
-    return static_cast<int>(std::ceil(layOut(lines, width)));
+    QTextLayout layout(text(), font());
+    return static_cast<int>(std::ceil(layOut(layout, width).height));
 }
 
 QSize WrappingLabel::sizeHint() const {
@@ -50,9 +66,19 @@ QSize WrappingLabel::minimumSizeHint() const {
 void WrappingLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::WindowText));
-    QTextLayout lines(text(), font());
-    layOut(lines, width());
-    lines.draw(&painter, {0, 0});
+    QTextLayout layout(text(), font());
+    const Lines lines = layOut(layout, width());
+    for (int index = 0; index < layout.lineCount(); ++index)
+        if (const QTextLine line = layout.lineAt(index);
+            !lines.isCut || line.textStart() < lines.lastStart)
+            line.draw(&painter, {0, 0});
+    if (lines.isCut) {
+        const QString rest = text().mid(lines.lastStart);
+        painter.drawText(QRectF(0, lines.lastTop, width(), lines.height - lines.lastTop),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                         fontMetrics().elidedText(rest, Qt::ElideMiddle, width()));
+    }
+    setToolTip(lines.isCut ? text() : QString());
 }
 
 } // namespace torvo::app
