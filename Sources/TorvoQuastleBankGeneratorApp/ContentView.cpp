@@ -27,7 +27,7 @@ constexpr int columnWidth = 880;
 constexpr int sideMargin = 4 * MarloTheme::grid;
 constexpr int verticalMargin = 3 * MarloTheme::grid;
 constexpr int cardSpacing = 12;
-constexpr int roomForCounts = 136; ///< what a scan will add
+constexpr int roomForCounts = 100; ///< what a scan will add
 constexpr double modeHeight = 42;
 
 } // namespace
