@@ -23,7 +23,7 @@ int main(int argc, char** argv) {
     }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(torvo::app::applicationName));
-    QApplication::setDesktopFileName(QStringLiteral("torvo-quastle-bank-generator"));
+    QApplication::setDesktopFileName(QStringLiteral("io.github.torvo_quastle.bank_generator"));
     torvo::app::installTheme();
     torvo::app::TorvoQuastleBankGeneratorApp app;
     app.showWindow();
