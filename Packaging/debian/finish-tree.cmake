@@ -2,6 +2,11 @@
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
     return()
 endif()
+execute_process(
+    COMMAND "${CPACK_TORVO_STRIP}" --remove-section=.comment --remove-section=.note
+        "${CPACK_TEMPORARY_DIRECTORY}/usr/bin/${CPACK_PACKAGE_NAME}"
+    COMMAND_ERROR_IS_FATAL ANY)
+
 file(GLOB_RECURSE manual_pages "${CPACK_TEMPORARY_DIRECTORY}/usr/share/man/*.1")
 set(documents "${CPACK_TEMPORARY_DIRECTORY}/usr/share/doc/${CPACK_PACKAGE_NAME}")
 file(COPY "${CMAKE_CURRENT_LIST_DIR}/changelog" "${CMAKE_CURRENT_LIST_DIR}/copyright"
