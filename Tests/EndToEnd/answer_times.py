@@ -1,0 +1,72 @@
+#!/usr/bin/python3
+"""Asks the main thread of a program something cheap at a steady pace: answer_times.py PID
+
+Says "ready", measures until SIGTERM, then prints the answer times in milliseconds as a JSON list. While
+an answer is late, the questions that were due meanwhile count as well, as late as they would have been.
+"""
+
+import json
+import os
+import signal
+import sys
+import time
+
+import gi
+
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio, GLib  # noqa: E402
+
+PACE = 0.005  # seconds
+ROOT = "/org/a11y/atspi/accessible/root"
+ACCESSIBLE = "org.a11y.atspi.Accessible"
+
+
+def call(bus, owner, path, interface, method, arguments=None):
+    return bus.call_sync(owner, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE,
+                         30000, None).unpack()
+
+
+def accessibility_bus():
+    session = Gio.bus_get_sync(Gio.BusType.SESSION)
+    (address,) = call(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")
+    return Gio.DBusConnection.new_for_address_sync(
+        address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
+        | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+
+
+def owner_of(bus, pid):
+    (children,) = call(bus, "org.a11y.atspi.Registry", ROOT, ACCESSIBLE, "GetChildren")
+    for owner, _ in children:
+        (found,) = call(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                        "GetConnectionUnixProcessID", GLib.Variant("(s)", (owner,)))
+        if found == pid:
+            return owner
+    sys.exit(f"process {pid} is not on the accessibility bus")
+
+
+def main():
+    running = True
+
+    def stop(*_):
+        nonlocal running
+        running = False
+
+    signal.signal(signal.SIGTERM, stop)
+    bus = accessibility_bus()
+    owner = owner_of(bus, int(sys.argv[1]))
+    question = GLib.Variant("(ss)", (ACCESSIBLE, "ChildCount"))
+    times = []
+    print("ready", flush=True)
+    due = time.monotonic()
+    while running:
+        call(bus, owner, ROOT, "org.freedesktop.DBus.Properties", "Get", question)
+        now = time.monotonic()
+        while due <= now:
+            times.append(1000 * (now - due))
+            due += PACE
+        time.sleep(due - now)
+    print(json.dumps(times), flush=True)
+    os._exit(0)
+
+
+main()

@@ -1,0 +1,160 @@
+"""A virtual desktop of one's own: screen, session bus, window manager, keyboard, pointer.
+
+Everything that is started here ends with it, by process id, the helpers that the session bus starts by
+itself included.
+"""
+
+import ctypes
+import os
+import select
+import shutil
+import signal
+import subprocess
+import time
+
+from trustlib import Failed, check, require_tool, work_folder
+
+TOOLS = ["Xvfb", "openbox", "dbus-daemon", "xdotool", "xprop", "import"]
+SCREEN = (1600, 1300)
+
+PR_SET_PDEATHSIG = 1
+PR_SET_CHILD_SUBREAPER = 36
+LIBC = ctypes.CDLL(None, use_errno=True)
+
+
+def wait_until(condition, what, seconds=60.0):
+    """The first true result of `condition`; fails when there is none in time."""
+    deadline = time.monotonic() + seconds
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > deadline:
+            raise Failed(f"waited {seconds:.0f} s in vain: {what() if callable(what) else what}")
+        time.sleep(0.01)
+
+
+def die_with_parent():
+    LIBC.prctl(PR_SET_PDEATHSIG, signal.SIGKILL)
+
+
+def children_of(pid):
+    """The processes whose parent is `pid`."""
+    found = []
+    for entry in os.listdir("/proc"):
+        if not entry.isdigit():
+            continue
+        try:
+            with open(f"/proc/{entry}/stat", encoding="utf-8", errors="replace") as file:
+                fields = file.read().rpartition(")")[2].split()
+        except OSError:
+            continue
+        if int(fields[1]) == pid:
+            found.append(int(entry))
+    return found
+
+
+def read_line(stream, what, seconds=60.0):
+    """One line of an unbuffered binary stream, read with a time limit."""
+    line = bytearray()
+    deadline = time.monotonic() + seconds
+    while not line.endswith(b"\n"):
+        ready, _, _ = select.select([stream], [], [], max(0.0, deadline - time.monotonic()))
+        check(ready, f"waited {seconds:.0f} s in vain: {what}")
+        byte = os.read(stream.fileno(), 1)
+        check(byte, f"{what}: the process ended")
+        line += byte
+    return line.decode().strip()
+
+
+class Desktop:
+    """`folder` is a scratch folder that goes with the desktop."""
+
+    def __init__(self, window_manager=True):
+        for tool in TOOLS:
+            require_tool(tool)
+        # What the session bus starts becomes a child of this process when its parent ends.
+        LIBC.prctl(PR_SET_CHILD_SUBREAPER, 1)
+        self.folder = work_folder()
+        self.environment = {
+            name: value
+            for name, value in os.environ.items()
+            if not name.startswith(("QT_", "XDG_", "GTK_", "DBUS_", "AT_SPI", "WAYLAND", "LC_"))
+        }
+        home = os.path.join(self.folder, "home")
+        runtime = os.path.join(self.folder, "runtime")
+        os.mkdir(home)
+        os.mkdir(runtime, 0o700)
+        self.environment |= {
+            "HOME": home,
+            "XDG_RUNTIME_DIR": runtime,
+            "LANG": "C.UTF-8",
+            "NO_AT_BRIDGE": "1",  # for the helpers; the program under test is asked explicitly
+        }
+        try:
+            self._start_screen()
+            self._start_bus()
+            if window_manager:
+                self._start_window_manager()
+        except BaseException:
+            self.stop()
+            raise
+
+    def _start_screen(self):
+        reader, writer = os.pipe()
+        self.spawn(["Xvfb", "-displayfd", str(writer), "-nolisten", "tcp", "-noreset", "-screen", "0",
+                    f"{SCREEN[0]}x{SCREEN[1]}x24"], pass_fds=[writer], stderr=subprocess.DEVNULL)
+        os.close(writer)
+        with os.fdopen(reader, "rb", buffering=0) as stream:
+            self.environment["DISPLAY"] = ":" + read_line(stream, "the virtual screen's number")
+
+    def _start_bus(self):
+        bus = self.spawn(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"],
+                         stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=0)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = read_line(bus.stdout, "the bus's address")
+
+    def _start_window_manager(self):
+        self.spawn(["openbox", "--sm-disable"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_until(lambda: "window id" in self._ask(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"]),
+                   "the window manager's sign")
+
+    def _ask(self, command):
+        return subprocess.run(command, env=self.environment, capture_output=True, text=True,
+                              timeout=60, check=False).stdout
+
+    def spawn(self, command, environment=None, **options):
+        """Starts a process that ends with this one at the latest."""
+        return subprocess.Popen(command, env=environment or self.environment,
+                                stdin=subprocess.DEVNULL, preexec_fn=die_with_parent, **options)
+
+    def stop(self):
+        me = os.getpid()
+        while True:
+            for pid in children_of(me):
+                os.kill(pid, signal.SIGKILL)
+            try:
+                os.waitpid(-1, 0)
+            except ChildProcessError:
+                break
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def xdotool(self, *arguments):
+        command = ["xdotool", *(str(argument) for argument in arguments)]
+        result = subprocess.run(command, env=self.environment, capture_output=True, text=True,
+                                timeout=60, check=False)
+        check(result.returncode == 0, f"{' '.join(command)}: {result.stderr.strip()}")
+        return result.stdout
+
+    def key(self, *names):
+        self.xdotool("key", "--clearmodifiers", *names)
+
+    def type_text(self, text):
+        """ASCII only: other letters get lost between the key maps."""
+        self.xdotool("type", "--clearmodifiers", text)
+
+    def click(self, x, y):
+        self.xdotool("mousemove", int(x), int(y), "click", 1)
+
+    def picture(self, path):
+        subprocess.run(["import", "-window", "root", path], env=self.environment, timeout=60,
+                       check=True)

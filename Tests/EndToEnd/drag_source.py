@@ -1,0 +1,40 @@
+#!/usr/bin/python3
+"""A window to drag files from: drag_source.py URI... Tells on standard output how the drag goes."""
+
+import sys
+
+import gi
+
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gdk, Gtk  # noqa: E402
+
+
+def tell(text):
+    print(text, flush=True)
+
+
+def begin(window, context):
+    tell("begin")
+    context.connect("action-changed",
+                    lambda _, action: tell("accepted" if action else "refused"))
+
+
+def main():
+    window = Gtk.Window(title="Files")
+    window.set_default_size(200, 200)
+    window.add(Gtk.Label(label="Drag me"))
+    window.drag_source_set(Gdk.ModifierType.BUTTON1_MASK, [], Gdk.DragAction.COPY)
+    window.drag_source_add_uri_targets()
+    window.connect("drag-begin", begin)
+    window.connect("drag-data-get",
+                   lambda _w, _c, data, _i, _t: (data.set_uris(sys.argv[1:]), tell("asked")))
+    window.connect("drag-failed", lambda *_: tell("failed") or False)
+    window.connect("drag-end", lambda *_: tell("end"))
+    window.connect("map-event", lambda *_: tell("shown"))
+    window.show_all()
+    # Beside the program's window.
+    window.move(Gdk.Screen.get_default().get_width() - 260, 40)
+    Gtk.main()
+
+
+main()

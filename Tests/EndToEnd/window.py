@@ -1,0 +1,236 @@
+"""The program under test on a virtual desktop, and what its tests share."""
+
+import argparse
+import os
+import re
+import signal
+import subprocess
+import sys
+import time
+import unittest
+import urllib.parse
+
+import accessible
+from desktop import Desktop, read_line, wait_until
+from trustlib import check
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+TITLE = "Torvo Quastle Bank Generator"
+OUTPUT_PANEL = "Choose an export destination folder"
+SOURCE_PANEL = "Choose a source sample folder"
+EXPORT_PANEL = "Export bank mapping JSON"
+IMPORT_PANEL = "Import bank mapping JSON"
+CREATED = "Random banks created"
+
+
+class Program:
+    """A running program and its window."""
+
+    def __init__(self, desktop, path, wrapper=(), environment=None):
+        self.desktop = desktop
+        self._errors = open(os.path.join(desktop.folder, "errors.txt"), "w+b")
+        self.process = desktop.spawn(
+            [*wrapper, path],
+            environment=desktop.environment
+            | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_ACCESSIBILITY": "1"}
+            | (environment or {}),
+            stdout=subprocess.DEVNULL, stderr=self._errors)
+        self.application = wait_until(self._on_the_bus, "the program on the accessibility bus")
+        self.window = self.application.wait_for("frame", TITLE)
+        wait_until(lambda: "active" in self.window.states, "the window to become active")
+
+    def _on_the_bus(self):
+        check(self.is_running(), f"exit code {self.process.returncode}\n{self.errors()}")
+        return accessible.application(self.process.pid)
+
+    def errors(self):
+        self._errors.seek(0)
+        return self._errors.read().decode(errors="replace")
+
+    def is_running(self):
+        return self.process.poll() is None
+
+    def stop(self):
+        if self.is_running():
+            self.process.kill()
+            self.process.wait()
+        self._errors.close()
+
+    def close_window(self):
+        """As the window manager does it. Returns the seconds until the process has ended."""
+        start = time.monotonic()
+        self.desktop.key("alt+F4")
+        self.process.wait(60)
+        return time.monotonic() - start
+
+    def quit(self):
+        """Closes the window; the program ends well and has nothing to say."""
+        self.close_window()
+        check(self.process.returncode == 0, f"exit code {self.process.returncode}\n{self.errors()}")
+        check(not self.errors(), f"the program complains:\n{self.errors()}")
+
+    def button(self, name, card):
+        """The button of a card; two cards have one called "CHOOSE FOLDER"."""
+        return self.window.wait_for(name=card).wait_for("push-button", name)
+
+    def panel(self, title):
+        return self.application.wait_for({"dialog", "file-chooser"}, title)
+
+    def wait_closed(self, title):
+        wait_until(lambda: not self.application.find({"dialog", "file-chooser"}, title),
+                   f"the panel {title!r} to close")
+
+    def answer_panel(self, title, path, button):
+        """Writes the path into the panel's field of names and presses the button."""
+        panel = self.panel(title)
+        field = panel.wait_for("text")
+        field.set_text(path)
+        wait_until(lambda: field.text == path, f"{path!r} in the panel")
+        accept = panel.wait_for("push-button", button)
+        wait_until(accept.is_enabled, lambda: f"{accept} to be enabled")
+        accept.press()
+        self.wait_closed(title)
+
+    def cancel_panel(self, title):
+        self.panel(title).wait_for("push-button", "Cancel").press()
+        self.wait_closed(title)
+
+    def choose_output(self, folder):
+        self.button("CHOOSE FOLDER", "OUTPUT").press()
+        self.answer_panel(OUTPUT_PANEL, folder, "Choose")
+
+    def choose_source(self, folder):
+        self.button("CHOOSE FOLDER", "SOURCE").press()
+        self.answer_panel(SOURCE_PANEL, folder, "Choose")
+
+    def choose_menu(self, menu, item):
+        self.window.wait_for("menu-item", menu).do("ShowMenu")
+        entry = self.application.wait_for("menu-item", item)
+        wait_until(entry.is_enabled, lambda: f"{entry} to be enabled")
+        entry.press()
+
+    def wait_scanned(self):
+        self.window.wait_for(name=re.compile("^IGNORED FILES [0-9]+$"))
+
+    def generate(self):
+        button = self.window.wait_for("push-button", "GENERATE")
+        wait_until(button.is_enabled, lambda: f"{button} to be enabled\n{self.window.outline()}")
+        button.press()
+        self.window.wait_for_text(CREATED, 300)
+
+    def focused(self):
+        """The object with the keyboard focus, or None."""
+        try:
+            for window in self.application.children:
+                for node in window.showing():
+                    if "focused" in node.states:
+                        return node
+        except accessible.GONE:
+            pass
+        return None
+
+    def drop(self, *paths):
+        """Drags files from a window of another process onto the drop zone. Returns what the other
+        process saw: "end" alone at the end of a drag that was taken, "failed" before it otherwise."""
+        desktop = self.desktop
+        uris = ["file://" + urllib.parse.quote(path) for path in paths]
+        source = desktop.spawn([os.path.join(HERE, "drag_source.py"), *uris],
+                               stdout=subprocess.PIPE, bufsize=0)
+        try:
+            def expect(word):
+                line = read_line(source.stdout, f"{word!r} from the dragged window")
+                check(line == word, f"the dragged window says {line!r} instead of {word!r}")
+
+            expect("shown")
+            x, y = place_of_window(desktop, source.pid)
+            desktop.xdotool("mousemove", x + 100, y + 100, "mousedown", 1)
+            # Beyond the distance that makes a press a drag.
+            for step in range(1, 6):
+                desktop.xdotool("mousemove", x + 100 - 8 * step, y + 100)
+            expect("begin")
+            to_x, to_y = self.window.wait_for(name="DROP SOURCE FOLDER").center
+            for step in range(1, 11):
+                desktop.xdotool("mousemove", int(x + 60 + (to_x - x - 60) * step / 10),
+                                int(y + 100 + (to_y - y - 100) * step / 10))
+            expect("accepted")
+            desktop.xdotool("mouseup", 1)
+            seen = []
+            while "end" not in seen:
+                seen.append(read_line(source.stdout, "the end of the drag"))
+            return seen
+        finally:
+            source.kill()
+            source.wait()
+
+
+def place_of_window(desktop, pid):
+    found = desktop.xdotool("search", "--sync", "--onlyvisible", "--pid", pid).split()
+    lines = desktop.xdotool("getwindowgeometry", "--shell", found[0]).splitlines()
+    values = dict(line.split("=") for line in lines)
+    return int(values["X"]), int(values["Y"])
+
+
+class WindowTest(unittest.TestCase):
+    """Each test has programs of its own on the desktop that all tests of a file share."""
+
+    desktop = None
+    program_path = None
+    pictures = None
+    maxDiff = None
+
+    def start(self, **options):
+        program = Program(self.desktop, self.program_path, **options)
+        self.addCleanup(program.stop)
+        return program
+
+    def folder(self, *names):
+        """A new folder in a place of this test."""
+        path = os.path.join(self.desktop.folder, self.id().rpartition(".")[2], *names)
+        os.makedirs(path)
+        return path
+
+
+class ResultWithPictures(unittest.TextTestResult):
+    """Keeps a picture of the screen for each test that fails."""
+
+    def addFailure(self, test, err):
+        self._keep_picture(test)
+        super().addFailure(test, err)
+
+    def addError(self, test, err):
+        self._keep_picture(test)
+        super().addError(test, err)
+
+    def _keep_picture(self, test):
+        os.makedirs(WindowTest.pictures, exist_ok=True)
+        path = os.path.join(WindowTest.pictures, f"{test.id().partition('.')[2]}.png")
+        try:
+            WindowTest.desktop.picture(path)
+            self.stream.writeln(f"the screen at that moment: {path}")
+        except (OSError, subprocess.SubprocessError) as error:
+            self.stream.writeln(f"no picture of the screen: {error}")
+
+
+def main():
+    """--program PATH [--pictures DIR] [unittest's own arguments]"""
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--pictures", default="window-failures")
+    options, rest = parser.parse_known_args()
+    WindowTest.program_path = os.path.abspath(options.program)
+    WindowTest.pictures = os.path.abspath(options.pictures)
+    check(os.access(WindowTest.program_path, os.X_OK), f"{options.program} is no program")
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    desktop = Desktop()
+    try:
+        WindowTest.desktop = desktop
+        os.environ.clear()
+        os.environ.update(desktop.environment)
+        accessible.connect()
+        test = unittest.main(argv=[sys.argv[0], *rest], exit=False, verbosity=2,
+                             testRunner=unittest.TextTestRunner(resultclass=ResultWithPictures,
+                                                                verbosity=2))
+        ran_well = test.result.wasSuccessful() and test.result.testsRun > 0
+    finally:
+        desktop.stop()
+    sys.exit(0 if ran_well else 1)
