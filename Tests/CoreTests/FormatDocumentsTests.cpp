@@ -4,6 +4,7 @@
 #include "ExportFixture.h"
 #include "Json.h"
 #include "MarkdownTables.h"
+#include "Models/DecodingError.h"
 #include "RoleClassifier.h"
 
 #include <gtest/gtest.h>
