@@ -1,6 +1,7 @@
 #include "TorvoQuastleBankGeneratorApp.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <cstdio>
 #include <cstdlib>
@@ -24,6 +25,8 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(torvo::app::applicationName));
     QApplication::setDesktopFileName(QStringLiteral("io.github.torvo_quastle.bank_generator"));
+    Q_INIT_RESOURCE(resources);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon.png")));
     torvo::app::installTheme();
     torvo::app::TorvoQuastleBankGeneratorApp app;
     app.showWindow();
