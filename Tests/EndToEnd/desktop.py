@@ -22,15 +22,20 @@ PR_SET_CHILD_SUBREAPER = 36
 LIBC = ctypes.CDLL(None, use_errno=True)
 
 
+def told(what):
+    return what() if callable(what) else what
+
+
 def wait_until(condition, what, seconds=60.0):
-    """The first true result of `condition`; fails when there is none in time."""
+    """The first true result of `condition`; fails when there is none in time. `what` is waited for, a
+    text or a function that tells it at that moment."""
     deadline = time.monotonic() + seconds
     while True:
         result = condition()
         if result:
             return result
         if time.monotonic() > deadline:
-            raise Failed(f"waited {seconds:.0f} s in vain: {what() if callable(what) else what}")
+            raise Failed(f"waited {seconds:.0f} s in vain: {told(what)}")
         time.sleep(0.01)
 
 
@@ -60,9 +65,9 @@ def read_line(stream, what, seconds=60.0):
     deadline = time.monotonic() + seconds
     while not line.endswith(b"\n"):
         ready, _, _ = select.select([stream], [], [], max(0.0, deadline - time.monotonic()))
-        check(ready, f"waited {seconds:.0f} s in vain: {what}")
+        check(ready, f"waited {seconds:.0f} s in vain: {told(what)}")
         byte = os.read(stream.fileno(), 1)
-        check(byte, f"{what}: the process ended")
+        check(byte, f"the process ended: {told(what)}")
         line += byte
     return line.decode().strip()
 

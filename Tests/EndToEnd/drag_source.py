@@ -5,6 +5,7 @@ import sys
 
 import gi
 
+gi.require_version("Gdk", "3.0")
 gi.require_version("Gtk", "3.0")
 from gi.repository import Gdk, Gtk  # noqa: E402
 
@@ -27,13 +28,14 @@ def main():
     window.drag_source_add_uri_targets()
     window.connect("drag-begin", begin)
     window.connect("drag-data-get",
-                   lambda _w, _c, data, _i, _t: (data.set_uris(sys.argv[1:]), tell("asked")))
-    window.connect("drag-failed", lambda *_: tell("failed") or False)
-    window.connect("drag-end", lambda *_: tell("end"))
+                   lambda _w, _c, data, _i, _t: data.set_uris(sys.argv[1:]))
+    window.connect("drag-end", lambda _, context: tell(
+        "taken" if Gdk.drag_drop_succeeded(context) else "not taken"))
     window.connect("map-event", lambda *_: tell("shown"))
-    window.show_all()
     # Beside the program's window.
-    window.move(Gdk.Screen.get_default().get_width() - 260, 40)
+    screen = Gdk.Display.get_default().get_monitor(0)
+    window.move(screen.get_geometry().width - 260, 40)
+    window.show_all()
     Gtk.main()
 
 

@@ -12,7 +12,7 @@ import urllib.parse
 
 import accessible
 from desktop import Desktop, read_line, wait_until
-from trustlib import check
+from trustlib import Failed, check
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 TITLE = "Torvo Quastle Bank Generator"
@@ -21,6 +21,7 @@ SOURCE_PANEL = "Choose a source sample folder"
 EXPORT_PANEL = "Export bank mapping JSON"
 IMPORT_PANEL = "Import bank mapping JSON"
 CREATED = "Random banks created"
+MOST_STOPS = 60  # of the Tab key
 
 
 class Program:
@@ -119,28 +120,39 @@ class Program:
         self.window.wait_for_text(CREATED, 300)
 
     def focused(self):
-        """The object with the keyboard focus, or None."""
+        """The innermost object with the keyboard focus, or None."""
         try:
-            for window in self.application.children:
-                for node in window.showing():
-                    if "focused" in node.states:
-                        return node
+            return next((node for window in self.application.children
+                         for node in reversed(list(window.showing())) if "focused" in node.states), None)
         except accessible.GONE:
-            pass
-        return None
+            return None
+
+    def tab_to(self, name, role="push-button", fits=lambda node: True):
+        """Presses Tab until an object with this name and role that fits has the focus."""
+        passed = []
+        for _ in range(MOST_STOPS):
+            node = self.focused()
+            if node and node.name == name and node.role == role and fits(node):
+                return node
+            passed.append(str(node))
+            self.desktop.key("Tab")
+            wait_until(lambda: self.focused() != node, f"Tab to leave {node}")
+        raise Failed(f"Tab never reaches {role} {name!r}, only\n" + "\n".join(passed))
 
     def drop(self, *paths):
-        """Drags files from a window of another process onto the drop zone. Returns what the other
-        process saw: "end" alone at the end of a drag that was taken, "failed" before it otherwise."""
+        """Drags files from a window of another process onto the drop zone. Returns whether that
+        process was told that they have been taken."""
         desktop = self.desktop
         uris = ["file://" + urllib.parse.quote(path) for path in paths]
-        source = desktop.spawn([os.path.join(HERE, "drag_source.py"), *uris],
+        source = desktop.spawn([sys.executable, os.path.join(HERE, "drag_source.py"), *uris],
                                stdout=subprocess.PIPE, bufsize=0)
-        try:
-            def expect(word):
-                line = read_line(source.stdout, f"{word!r} from the dragged window")
-                check(line == word, f"the dragged window says {line!r} instead of {word!r}")
+        seen = []
 
+        def expect(*words):
+            while not seen or seen[-1] not in words:
+                seen.append(read_line(source.stdout, lambda: f"{words} after {seen} from the drag"))
+
+        try:
             expect("shown")
             x, y = place_of_window(desktop, source.pid)
             desktop.xdotool("mousemove", x + 100, y + 100, "mousedown", 1)
@@ -148,17 +160,16 @@ class Program:
             for step in range(1, 6):
                 desktop.xdotool("mousemove", x + 100 - 8 * step, y + 100)
             expect("begin")
-            to_x, to_y = self.window.wait_for(name="DROP SOURCE FOLDER").center
+            to_x, to_y = self.window.wait_for("push-button", "DROP SOURCE FOLDER").center
             for step in range(1, 11):
                 desktop.xdotool("mousemove", int(x + 60 + (to_x - x - 60) * step / 10),
                                 int(y + 100 + (to_y - y - 100) * step / 10))
             expect("accepted")
             desktop.xdotool("mouseup", 1)
-            seen = []
-            while "end" not in seen:
-                seen.append(read_line(source.stdout, "the end of the drag"))
-            return seen
+            expect("taken", "not taken")
+            return seen[-1] == "taken"
         finally:
+            desktop.xdotool("mouseup", 1)
             source.kill()
             source.wait()
 

@@ -6,28 +6,13 @@ import os
 import trustlib
 import window
 from desktop import wait_until
-from window import CREATED, OUTPUT_PANEL, SOURCE_PANEL
-
-MOST_STOPS = 60
+from window import CREATED, MOST_STOPS, OUTPUT_PANEL, SOURCE_PANEL
 
 
 class Keyboard(window.WindowTest):
     def focus_is(self, program, name, role=None):
         node = program.focused()
         return node and node.name == name and (role is None or node.role == role)
-
-    def tab_to(self, program, name, role="push-button", inside=None):
-        """Presses Tab until the object has the focus."""
-        passed = []
-        for _ in range(MOST_STOPS):
-            node = program.focused()
-            if node and node.name == name and node.role == role and (
-                    inside is None or node == program.window.wait_for(name=inside).find(role, name)):
-                return node
-            passed.append(str(node))
-            program.desktop.key("Tab")
-            wait_until(lambda: program.focused() != node, f"Tab to leave {node}")
-        self.fail(f"Tab never reaches {role} {name!r}, only\n" + "\n".join(passed))
 
     def answer_panel_by_keys(self, program, title, path):
         program.panel(title)
@@ -49,12 +34,14 @@ class Keyboard(window.WindowTest):
         self.answer_panel_by_keys(program, SOURCE_PANEL, library)
         program.wait_scanned()
 
-        self.tab_to(program, "CHOOSE FOLDER", inside="OUTPUT")
+        output_card = program.window.wait_for(name="OUTPUT")
+        program.tab_to("CHOOSE FOLDER",
+                       fits=lambda node: node == output_card.find(node.role, node.name))
         program.desktop.key("space")
         self.answer_panel_by_keys(program, OUTPUT_PANEL, output)
         program.window.wait_for_text(os.path.join(output, "Kit", "QZT508"))
 
-        self.tab_to(program, "GENERATE")
+        program.tab_to("GENERATE")
         program.desktop.key("Return")
         program.window.wait_for_text(CREATED, 300)
         self.assertTrue(os.path.exists(os.path.join(output, "Kit/QZT508/Bank 99/info.txt")))
@@ -67,7 +54,7 @@ class Keyboard(window.WindowTest):
         names = [node.name for node in program.window.wait_for(name="Generation mode").children]
         self.assertEqual(len(names), 3)
         program.window.wait_for(name=names[0])
-        self.tab_to(program, names[0], role="radio-button")
+        program.tab_to(names[0], role="radio-button")
         for key, index, seen in (("Right", 1, "LOOPS"), ("Right", 2, "STABS"), ("Right", 2, "STABS"),
                                  ("Left", 1, "LOOPS"), ("Home", 0, "CH1 KICK"), ("End", 2, "STABS")):
             program.desktop.key(key)
@@ -116,15 +103,15 @@ class Keyboard(window.WindowTest):
         program = self.start()
         program.choose_source(trustlib.make_library(self.folder("Kit")))
         program.wait_scanned()
-        header = self.tab_to(program, "IGNORED FILES 1")
+        header = program.tab_to("IGNORED FILES 1")
         for key, is_open in (("space", True), ("Return", False), ("Return", True)):
             program.desktop.key(key)
             wait_until(lambda: ("expanded" in header.states) == is_open, f"{key} on {header}")
         program.window.wait_for("list-item")
-        enable = self.tab_to(program, "ENABLE CV ASSIGNMENTS", role="check-box")
+        enable = program.tab_to("ENABLE CV ASSIGNMENTS", role="check-box")
         program.desktop.key("space")
         wait_until(enable.is_checked, "the check box to be checked")
-        channel = self.tab_to(program, "2", role="check-box")
+        channel = program.tab_to("2", role="check-box")
         program.desktop.key("space")
         wait_until(channel.is_checked, "channel 2 to be selected")
         program.desktop.key("Return")
