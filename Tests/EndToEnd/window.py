@@ -2,6 +2,7 @@
 
 import argparse
 import os
+import random
 import re
 import signal
 import subprocess
@@ -9,6 +10,7 @@ import sys
 import time
 import unittest
 import urllib.parse
+import wave
 
 import accessible
 from desktop import Desktop, read_line, wait_until
@@ -21,6 +23,7 @@ SOURCE_PANEL = "Choose a source sample folder"
 EXPORT_PANEL = "Export bank mapping JSON"
 IMPORT_PANEL = "Import bank mapping JSON"
 CREATED = "Random banks created"
+PANEL_ROLES = {"alert", "dialog", "file-chooser"}
 MOST_STOPS = 60  # of the Tab key
 
 
@@ -75,10 +78,10 @@ class Program:
         return self.window.wait_for(name=card).wait_for("push-button", name)
 
     def panel(self, title):
-        return self.application.wait_for({"dialog", "file-chooser"}, title)
+        return self.application.wait_for(PANEL_ROLES, title)
 
     def wait_closed(self, title):
-        wait_until(lambda: not self.application.find({"dialog", "file-chooser"}, title),
+        wait_until(lambda: not self.application.find(PANEL_ROLES, title),
                    f"the panel {title!r} to close")
 
     def answer_panel(self, title, path, button):
@@ -199,6 +202,23 @@ class WindowTest(unittest.TestCase):
         path = os.path.join(self.desktop.folder, self.id().rpartition(".")[2], *names)
         os.makedirs(path)
         return path
+
+    def slow_library(self, name):
+        """Every sample has to be converted, and no two banks share many."""
+        library = self.folder(name)
+        first = os.path.join(library, "Kicks", "kick.wav")
+        os.mkdir(os.path.dirname(first))
+        with wave.open(first, "wb") as file:
+            file.setnchannels(2)
+            file.setsampwidth(3)
+            file.setframerate(48000)
+            file.writeframes(random.Random(1).randbytes(5 * 48000 * 2 * 3))
+        for role in ("Kicks/kick", "Snares/snare", "Claps/clap", "Hats/closed hat", "Hats/open hat",
+                     "Toms/tom"):
+            os.makedirs(os.path.join(library, os.path.dirname(role)), exist_ok=True)
+            for index in range(60):
+                os.link(first, os.path.join(library, f"{role} {index}.wav"))
+        return library
 
 
 class ResultWithPictures(unittest.TextTestResult):

@@ -6,7 +6,7 @@ import re
 import trustlib
 import window
 from desktop import wait_until
-from window import CREATED, EXPORT_PANEL, IMPORT_PANEL, OUTPUT_PANEL, SOURCE_PANEL
+from window import CREATED, OUTPUT_PANEL, SOURCE_PANEL
 
 
 class ScreenReader(window.WindowTest):
@@ -56,7 +56,7 @@ class ScreenReader(window.WindowTest):
 
     def test_progress_is_told_as_value_and_text(self):
         program = self.start()
-        program.choose_source(trustlib.make_library(self.folder("Kit")))
+        program.choose_source(self.slow_library("Kit"))
         program.choose_output(self.folder("Out"))
         program.wait_scanned()
         generate = program.window.wait_for("push-button", "GENERATE")
