@@ -14,15 +14,31 @@ bool hasDisplay() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+void tellMissingDisplay() {
+    std::fputs("Torvo Quastle Bank Generator needs a graphical display, and there is none.\n",
+               stderr);
+}
+
+/// Qt ends the process with a core dump when the display that is named does not answer.
+void tellMissingDisplayInsteadOfAborting(QtMsgType type, const QMessageLogContext&,
+                                         const QString&) {
+    if (type != QtFatalMsg)
+        return;
+    tellMissingDisplay();
+    std::_Exit(EXIT_FAILURE);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     if (!hasDisplay()) {
-        std::fputs("Torvo Quastle Bank Generator needs a graphical display, and there is none.\n",
-                   stderr);
-        return 1;
+        tellMissingDisplay();
+        return EXIT_FAILURE;
     }
+    const QtMessageHandler standardHandler =
+        qInstallMessageHandler(tellMissingDisplayInsteadOfAborting);
     QApplication application(argc, argv);
+    qInstallMessageHandler(standardHandler);
     QApplication::setApplicationName(QString::fromLatin1(torvo::app::applicationName));
     QApplication::setDesktopFileName(QStringLiteral("io.github.torvo_quastle.bank_generator"));
     Q_INIT_RESOURCE(resources);
