@@ -1,16 +1,19 @@
 #include "Accessibility.h"
 
 #include "Controls/Card.h"
+#include "Controls/ChannelToggleButton.h"
 #include "Controls/CountRow.h"
 #include "Controls/DisclosureHeader.h"
 #include "Controls/DisclosureSection.h"
 #include "Controls/LinkButton.h"
+#include "Controls/ModeSegment.h"
 #include "Controls/StatusIcon.h"
 #include "Controls/ThreeWayModeToggle.h"
 #include "Views/LogoView.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QCheckBox>
 
 namespace torvo::app {
 
@@ -19,7 +22,7 @@ namespace {
 /// A button whose role or state differs from a push button's.
 class AccessibleButton : public QAccessibleWidget {
 public:
-    AccessibleButton(PaintedButton* button, QAccessible::Role role)
+    AccessibleButton(QAbstractButton* button, QAccessible::Role role)
         : QAccessibleWidget(button, role) {}
 
     QString text(QAccessible::Text kind) const override {
@@ -33,7 +36,26 @@ public:
     }
 
 protected:
-    PaintedButton* button() const { return static_cast<PaintedButton*>(widget()); }
+    QAbstractButton* button() const { return static_cast<QAbstractButton*>(widget()); }
+};
+
+/// Something that is on or off. Qt's own interface switches the button without a click, so that the
+/// window would show what the model never heard of.
+class AccessibleToggle final : public AccessibleButton {
+public:
+    using AccessibleButton::AccessibleButton;
+
+    QAccessible::State state() const override {
+        QAccessible::State state = AccessibleButton::state();
+        state.checkable = true;
+        state.checked = button()->isChecked();
+        return state;
+    }
+    QStringList actionNames() const override { return {toggleAction(), pressAction()}; }
+    void doAction(const QString& action) override {
+        if (action == toggleAction() || action == pressAction())
+            button()->click();
+    }
 };
 
 class AccessibleDisclosureHeader final : public AccessibleButton {
@@ -53,6 +75,10 @@ public:
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
     if (auto* header = qobject_cast<DisclosureHeader*>(object))
         return new AccessibleDisclosureHeader(header);
+    if (qobject_cast<QCheckBox*>(object) || qobject_cast<ChannelToggleButton*>(object))
+        return new AccessibleToggle(static_cast<QAbstractButton*>(object), QAccessible::CheckBox);
+    if (auto* segment = qobject_cast<ModeSegment*>(object))
+        return new AccessibleToggle(segment, QAccessible::RadioButton);
     if (auto* link = qobject_cast<LinkButton*>(object))
         return new AccessibleButton(link, QAccessible::Link);
     if (qobject_cast<StatusIcon*>(object) || qobject_cast<LogoView*>(object))
