@@ -45,7 +45,8 @@ TorvoQuastleBankGeneratorApp::TorvoQuastleBankGeneratorApp()
       model_(makeScanner(), BankGenerator{}, makeExporter(), BankMappingStore{}, panels_) {
     panels_->setWindow(&window_);
     window_.setWindowTitle(QString::fromLatin1(applicationName));
-    window_.setCentralWidget(new ContentView(model_));
+    // In the window from the start: moving there later would cost the view its focus.
+    window_.setCentralWidget(new ContentView(model_, &window_));
     addFileMenu();
     addHelpMenu();
 }
