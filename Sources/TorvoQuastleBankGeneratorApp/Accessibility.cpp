@@ -81,6 +81,11 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
         return new AccessibleToggle(segment, QAccessible::RadioButton);
     if (auto* link = qobject_cast<LinkButton*>(object))
         return new AccessibleButton(link, QAccessible::Link);
+    // Qt leaves the picture in a message box without a name.
+    if (object->objectName() == QLatin1String("qt_msgboxex_icon_label")) {
+        auto* icon = static_cast<QWidget*>(object);
+        return new QAccessibleWidget(icon, QAccessible::Graphic, icon->window()->windowTitle());
+    }
     if (qobject_cast<StatusIcon*>(object) || qobject_cast<LogoView*>(object))
         return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Graphic);
     if (qobject_cast<Card*>(object) || qobject_cast<CountRow*>(object) ||
