@@ -64,7 +64,8 @@ class Program:
         """As the window manager does it. Returns the seconds until the process has ended."""
         start = time.monotonic()
         self.desktop.key("alt+F4")
-        self.process.wait(60)
+        wait_until(lambda: not self.is_running(),
+                   lambda: f"the program to end; its window:\n{self.window.outline()}")
         return time.monotonic() - start
 
     def quit(self):
