@@ -255,9 +255,7 @@ int MarloStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     case SH_FocusFrame_AboveWidget:
         return 1;
     case SH_FocusFrame_Mask:
-        return 0;
-    case SH_ComboBox_Popup:
-        return 0; // a list below the control, not a menu over it
+    case SH_ComboBox_Popup: // a list below the control, not a menu over it
     case SH_ScrollBar_Transient:
         return 0;
     default:

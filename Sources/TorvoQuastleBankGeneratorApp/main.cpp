@@ -3,8 +3,8 @@
 #include <QApplication>
 #include <QIcon>
 
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 
 namespace {
 
@@ -15,8 +15,8 @@ bool hasDisplay() {
 }
 
 void tellMissingDisplay() {
-    std::fputs("Torvo Quastle Bank Generator needs a graphical display, and there is none.\n",
-               stderr);
+    std::cerr << "Torvo Quastle Bank Generator needs a graphical display, and there is none."
+              << std::endl;
 }
 
 /// Qt ends the process with a core dump when the display that is named does not answer.

@@ -44,8 +44,8 @@ AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& at) con
         throw GenerationError::unsupportedAudio(at);
     try {
         const AudioStreamFormat format = openAudio(bytes, *type)->format();
-        const AudioFormatDetails details{text::lowercased(at.pathExtension()), format.sampleRate,
-                                         format.channels, format.bitDepth, format.isLinearPCM};
+        AudioFormatDetails details{text::lowercased(at.pathExtension()), format.sampleRate,
+                                   format.channels, format.bitDepth, format.isLinearPCM};
         // It would be copied unchanged, and then its stamp would fail and end the run.
         if (std::holds_alternative<CompatibleWav>(
                 AudioCompatibilityEvaluator{}.compatibility(details)))

@@ -31,7 +31,7 @@ QString tagline(GenerationMode mode) {
 }
 
 QUrl halvorineURL() {
-    return QUrl(QStringLiteral("https://halvorine.example/"));
+    return {QStringLiteral("https://halvorine.example/")};
 }
 
 } // namespace

@@ -5,8 +5,8 @@
 #include "AudioSupport/MediaInput.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <new>
+#include <sstream>
 
 namespace torvo {
 
@@ -95,10 +95,13 @@ void check(int status) {
 /// second and third are delay and padding and the fourth is the count.
 std::optional<std::uint64_t> taggedFrameCount(const AVFormatContext& context) {
     const AVDictionaryEntry* const tag = av_dict_get(context.metadata, "iTunSMPB", nullptr, 0);
-    unsigned long long count = 0;
-    if (tag == nullptr || std::sscanf(tag->value, "%*x %*x %*x %llx", &count) != 1 || count == 0)
+    if (tag == nullptr)
         return std::nullopt;
-    return count;
+    std::istringstream words(tag->value);
+    std::uint64_t ignored = 0;
+    std::uint64_t count = 0;
+    words >> std::hex >> ignored >> ignored >> ignored >> count;
+    return words && count > 0 ? std::optional(count) : std::nullopt;
 }
 
 } // namespace

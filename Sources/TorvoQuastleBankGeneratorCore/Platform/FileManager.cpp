@@ -39,8 +39,8 @@ constexpr std::size_t temporaryDigits = 16;
 std::string temporaryName() {
     static thread_local std::mt19937_64 random{std::random_device{}()};
     std::array<char, temporaryDigits + 1> digits{};
-    std::snprintf(digits.data(), digits.size(), "%016llx",
-                  static_cast<unsigned long long>(random()));
+    static_cast<void>(std::snprintf(digits.data(), digits.size(), "%016llx",
+                                    static_cast<unsigned long long>(random())));
     return std::string(temporaryPrefix) + digits.data() + std::string(temporarySuffix);
 }
 
