@@ -46,9 +46,8 @@ private:
 
 enum class ByteOrder { little, big };
 
-/// One chunk of a RIFF form (Microsoft/IBM, Multimedia Programming Interface and Data
-/// Specifications 1.0): a four-character id, a 32-bit size, the payload and a pad byte when the
-/// size is odd.
+/// One chunk of a RIFF form (Microsoft/IBM, RIFF, 1991): a four-character id, a 32-bit size, the
+/// payload and a pad byte when the size is odd.
 struct RiffChunk {
     std::array<char, 4> id{};
     std::uint64_t headerOffset = 0;

@@ -1,16 +1,14 @@
 #include "DemoLibrary.h"
 
 #include "SeededGenerator.h"
+#include "TemporaryFolder.h"
 #include "WavFixture.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <numbers>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -106,16 +104,6 @@ std::vector<double> rendered(Voice voice, double seconds, std::uint32_t sampleRa
     return samples;
 }
 
-void save(const fs::path& path, const std::vector<std::byte>& bytes) {
-    fs::create_directories(path.parent_path());
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    std::ranges::transform(bytes, std::ostreambuf_iterator<char>(file),
-                           [](std::byte byte) { return static_cast<char>(byte); });
-    file.close();
-    if (!file)
-        throw std::runtime_error("cannot write " + path.string());
-}
-
 void appendBigEndian(std::vector<std::byte>& to, std::uint64_t value, unsigned byteCount) {
     for (unsigned i = byteCount; i-- > 0;)
         to.push_back(static_cast<std::byte>(value >> (8 * i)));
@@ -167,15 +155,15 @@ std::vector<std::byte> auFile(const std::vector<double>& samples, std::uint32_t 
 void saveInSomeFormat(const fs::path& folder, const std::string& name, const Voice& voice,
                       double seconds, unsigned turn) {
     const auto wav = [&](const WavFormat& format) {
-        save(folder / (name + ".wav"),
-             wavFile(format, rendered(voice, seconds, format.sampleRate, format.channels)));
+        saveFile(folder / (name + ".wav"),
+                 wavFile(format, rendered(voice, seconds, format.sampleRate, format.channels)));
     };
     switch (turn % 7) {
     case 1:
         return wav({.sampleRate = 48000, .channels = 2, .bits = 24});
     case 2:
-        return save(folder / (name + ".aif"),
-                    aiffFile(rendered(voice, seconds, 44100, 1), 44100, 1));
+        return saveFile(folder / (name + ".aif"),
+                        aiffFile(rendered(voice, seconds, 44100, 1), 44100, 1));
     case 3:
         return wav({.sampleRate = 44100, .channels = 2, .bits = 24});
     case 4:
@@ -183,7 +171,8 @@ void saveInSomeFormat(const fs::path& folder, const std::string& name, const Voi
     case 5:
         return wav({.sampleRate = 22050, .bits = 8});
     case 6:
-        return save(folder / (name + ".au"), auFile(rendered(voice, seconds, 32000, 2), 32000, 2));
+        return saveFile(folder / (name + ".au"),
+                        auFile(rendered(voice, seconds, 32000, 2), 32000, 2));
     default:
         return wav({});
     }
@@ -223,10 +212,10 @@ void makeDemoLibrary(const fs::path& folder) {
     }
     std::vector<std::byte> note;
     append(note, "Recorded on a rainy weekend. Free to use.\n");
-    save(folder / "read me.txt", note);
-    save(folder / "Kicks" / "notes.txt", note);
-    save(folder / "Kicks" / ".DS_Store", note);
-    save(folder / "Snares" / "Snare 01.wav.asd", note);
+    saveFile(folder / "read me.txt", note);
+    saveFile(folder / "Kicks" / "notes.txt", note);
+    saveFile(folder / "Kicks" / ".DS_Store", note);
+    saveFile(folder / "Snares" / "Snare 01.wav.asd", note);
 }
 
 } // namespace torvo::test

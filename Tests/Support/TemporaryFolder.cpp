@@ -35,8 +35,7 @@ fs::path TemporaryFolder::operator/(std::string_view relative) const {
     return path_.string() + "/" + std::string(relative);
 }
 
-fs::path TemporaryFolder::write(std::string_view relative, std::span<const std::byte> bytes) const {
-    const auto path = *this / relative;
+void saveFile(const fs::path& path, std::span<const std::byte> bytes) {
     fs::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     std::ranges::transform(bytes, std::ostreambuf_iterator<char>(file),
@@ -44,6 +43,11 @@ fs::path TemporaryFolder::write(std::string_view relative, std::span<const std::
     file.close();
     if (!file)
         throw std::runtime_error("cannot write " + path.string());
+}
+
+fs::path TemporaryFolder::write(std::string_view relative, std::span<const std::byte> bytes) const {
+    const auto path = *this / relative;
+    saveFile(path, bytes);
     return path;
 }
 

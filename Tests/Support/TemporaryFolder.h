@@ -33,6 +33,8 @@ private:
     std::filesystem::path path_;
 };
 
+/// Writes a file, with the folders above it.
+void saveFile(const std::filesystem::path& path, std::span<const std::byte> bytes);
 std::vector<std::byte> bytesOf(const std::filesystem::path& path);
 std::string textOf(const std::filesystem::path& path);
 std::vector<std::byte> bytes(std::string_view text);

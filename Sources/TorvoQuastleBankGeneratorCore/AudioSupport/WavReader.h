@@ -7,7 +7,7 @@
 namespace torvo {
 
 /// Integer (8 bits unsigned, 16, 24, 32) and float (32, 64) PCM in WAV files: RIFF and RIFX
-/// (Microsoft/IBM, Multimedia Programming Interface and Data Specifications 1.0), the extensible
+/// (Microsoft/IBM, RIFF, 1991), the extensible
 /// format chunk (Microsoft, Multiple Channel Audio Data and WAVE Files), RF64 and BW64 (EBU Tech
 /// 3306, ITU-R BS.2088). The first "fmt " and the first "data" chunk count; a "data" chunk that
 /// runs past the end is read as far as the file goes.
