@@ -36,13 +36,14 @@ def sanitizer_options():
 class Program:
     """A running program and its window."""
 
-    def __init__(self, desktop, path, wrapper=()):
+    def __init__(self, desktop, path, wrapper=(), environment=None):
         self.desktop = desktop
         self._errors = open(os.path.join(desktop.folder, "errors.txt"), "w+b")
         self.process = desktop.spawn(
             [*wrapper, path],
             environment=desktop.environment
-            | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "ASAN_OPTIONS": sanitizer_options()},
+            | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "ASAN_OPTIONS": sanitizer_options()}
+            | (environment or {}),
             stdout=subprocess.DEVNULL, stderr=self._errors)
         self.application = wait_until(self._on_the_bus, "the program on the accessibility bus")
         self.window = self.application.wait_for("frame", TITLE)
