@@ -11,9 +11,9 @@ namespace torvo {
 
 namespace {
 
-constexpr std::size_t bufferSize = 16 * 1024; // bytes
+constexpr std::size_t bufferSize = std::size_t{16} * 1024; // bytes
 // What one allocation may take, whatever a small file claims in its header.
-constexpr std::size_t largestAllocation = 64 * 1024 * 1024; // bytes
+constexpr std::size_t largestAllocation = std::size_t{64} * 1024 * 1024; // bytes
 constexpr int mostStreams = 64;
 
 const char* demuxerName(AudioContainer container) {

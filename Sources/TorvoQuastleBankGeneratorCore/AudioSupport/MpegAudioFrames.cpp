@@ -10,7 +10,7 @@ namespace torvo {
 namespace {
 
 constexpr int framesThatConvince = 4;
-constexpr std::uint64_t mostPadding = 64 * 1024; // bytes
+constexpr std::uint64_t mostPadding = std::uint64_t{64} * 1024; // bytes
 
 struct Frame {
     bool isADTS = false;

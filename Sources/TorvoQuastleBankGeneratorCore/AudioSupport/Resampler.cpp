@@ -51,6 +51,8 @@ struct Resampler::Filter {
 Resampler::Resampler(AudioReader& source)
     : source_(source),
       inputRate_(static_cast<std::uint64_t>(std::llround(source.format().sampleRate))) {
+    if (inputRate_ == 0)
+        throw AudioError(-EINVAL);
     if (inputRate_ == outputRate)
         return;
     filter_ = std::make_unique<Filter>(static_cast<double>(inputRate_));
@@ -60,6 +62,7 @@ Resampler::Resampler(AudioReader& source)
     const std::uint64_t divisor = std::gcd(inputRate_, outputRate);
     const std::uint64_t inputPeriod = inputRate_ / divisor;
     const std::uint64_t leastLeadIn = inputRate_ / leadInPerSecond + 1;
+    // Two positive numbers have a positive divisor and so a period: NOLINTNEXTLINE(*DivideZero)
     const std::uint64_t periods = (leastLeadIn + inputPeriod - 1) / inputPeriod;
     leadInLeft_ = periods * inputPeriod;
     dropLeft_ = periods * (outputRate / divisor);

@@ -20,7 +20,7 @@ constexpr std::uint16_t floatTag = 3;
 constexpr std::uint16_t extensibleTag = 0xFFFE;
 constexpr std::uint32_t sizeStandsElsewhere = 0xFFFFFFFF;
 // One frame may have 65,535 channels.
-constexpr std::size_t blockSize = 256 * 1024; // bytes
+constexpr std::size_t blockSize = std::size_t{256} * 1024; // bytes
 
 struct FormatChunk {
     std::uint16_t tag = 0;

@@ -178,7 +178,6 @@ void removeAbandonedTemporaries(const FileManager& fileManager, const fs::path& 
 }
 
 FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
-    const auto standardized = url.standardized();
     const auto kind = url.hasDirectoryPath() ? FileURL::Kind::directory : FileURL::Kind::file;
     // The text is standardised after the links, so that "link/.." is the parent of the link's
     // target.
@@ -188,8 +187,9 @@ FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
         if (fileManager.linkStatus(existing.path())) {
             try {
                 auto resolved = FileURL(fileManager.resolve(existing.path()), kind);
-                for (auto name = missing.rbegin(); name != missing.rend(); ++name)
-                    resolved = resolved.appendingPathComponent(*name, kind);
+                std::ranges::reverse(missing);
+                for (const auto& name : missing)
+                    resolved = resolved.appendingPathComponent(name, kind);
                 return resolved.standardized();
             } catch (const FileError& error) {
                 // A dead link is as far as the path goes; it stays in the result by its own name.
@@ -200,7 +200,7 @@ FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
         missing.push_back(existing.path().filename().native());
         existing = existing.deletingLastPathComponent();
     }
-    return standardized;
+    return url.standardized();
 }
 
 std::optional<std::vector<EnumeratedItem>> enumerateDeep(const FileManager& fileManager,
