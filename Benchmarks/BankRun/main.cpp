@@ -1,6 +1,7 @@
 // Drives the core from the command line exactly as the application model does. A developer program:
 // for benchmarks, profiles and end-to-end checks.
 
+#include "../Stopwatch.h"
 #include "Arguments.h"
 #include "AudioSupport.h"
 #include "BankExporter.h"
@@ -10,7 +11,6 @@
 #include "SampleScanner.h"
 #include "TorvoMetadata.h"
 
-#include <chrono>
 #include <functional>
 #include <iostream>
 #include <limits>
@@ -20,17 +20,8 @@ namespace torvo::bankrun {
 
 namespace {
 
+using bench::Stopwatch;
 using nlohmann::json;
-
-class Stopwatch {
-public:
-    double seconds() const {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    }
-
-private:
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
 
 SampleScanner scanner() {
     return {std::make_shared<AVAudioFileInspector>(), AudioCompatibilityEvaluator{},

@@ -1,6 +1,6 @@
 #include "ChildProcess.h"
 
-#include "Stopwatch.h"
+#include "../Stopwatch.h"
 
 #include <array>
 #include <cerrno>

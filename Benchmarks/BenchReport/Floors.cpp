@@ -1,7 +1,7 @@
 #include "Floors.h"
 
+#include "../Stopwatch.h"
 #include "BareConversion.h"
-#include "Stopwatch.h"
 
 #include <array>
 #include <atomic>
