@@ -9,6 +9,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// A card of that size: a few seconds of a recording at 1 Hz would otherwise become hours to write.
+constexpr std::size_t longestFile = std::size_t{8} * 1024 * 1024; // bytes
+
 class MemoryFile final : public File {
 public:
     explicit MemoryFile(std::shared_ptr<MemoryFileManager::Bytes> bytes)
@@ -25,6 +28,8 @@ public:
 
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         const auto end = static_cast<std::size_t>(offset) + bytes.size();
+        if (end > longestFile)
+            throw FileError(FileOperation::write, "/card", ENOSPC);
         if (end > bytes_->size())
             bytes_->resize(end);
         std::ranges::copy(bytes, bytes_->begin() + static_cast<std::ptrdiff_t>(offset));

@@ -1,5 +1,5 @@
-# One interface target carries the language level, the warnings and the sanitizers; every target of
-# the project links it, no other target and no global variable is touched.
+# One interface target carries the language level, the warnings, the sanitizers and the hardening; every
+# target of the project links it. Three variables stand beside it: what no interface target can carry.
 add_library(TorvoOptions INTERFACE)
 target_compile_features(TorvoOptions INTERFACE cxx_std_20)
 target_compile_options(TorvoOptions INTERFACE
@@ -10,6 +10,11 @@ target_compile_options(TorvoOptions INTERFACE
 # The 128-bit product of the bounded draw is the only extension in use.
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# A build without a type would not be optimised, and what is not optimised is not fortified either.
+get_property(has_many_types GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
+if(NOT has_many_types AND NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "The kind of build" FORCE)
+endif()
 
 if(TORVO_SANITIZE)
     target_compile_options(TorvoOptions INTERFACE

@@ -6,6 +6,7 @@
 #include "AudioSupport/Conversion.h"
 #include "AudioSupport/ConvertedFileWriter.h"
 #include "AudioSupport/RunPreparer.h"
+#include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/Precondition.h"
 #include "Platform/UnicodeText.h"
@@ -23,7 +24,7 @@ bool isWavExtension(const AudioFormatDetails& details) {
 }
 
 bool isDeviceRate(const AudioFormatDetails& details) {
-    return std::abs(details.sampleRate - 44100.0) < 0.5;
+    return std::abs(details.sampleRate - device::sampleRate) < 0.5;
 }
 
 bool isDeviceDepth(const AudioFormatDetails& details) {

@@ -14,6 +14,7 @@ namespace torvo {
 class AudioFileInspecting {
 public:
     virtual ~AudioFileInspecting() = default;
+    /// Throws `GenerationError::unsupportedAudio` or `FileError`.
     virtual AudioFormatDetails inspectAudioFile(const FileURL& at) const = 0;
 };
 

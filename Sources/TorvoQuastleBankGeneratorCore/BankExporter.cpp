@@ -1,6 +1,7 @@
 #include "BankExporter.h"
 
 #include "Models/BankNameScheme.h"
+#include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/UnicodeText.h"
 
@@ -15,9 +16,6 @@
 namespace torvo {
 
 namespace {
-
-constexpr std::string_view deviceFolderName = "QZT508";
-constexpr std::int64_t deviceChannels = 8;
 
 FileURL folderIn(const FileURL& parent, std::string_view name) {
     return parent.appendingPathComponent(name, FileURL::Kind::directory);
@@ -160,8 +158,8 @@ public:
             return;
         // A fixed count of the eight channels, taken before any file is written, on purpose: it
         // tells how many pool files a full bank has, not how many were made.
-        summary_.poolFilesWritten += deviceChannels;
-        for (std::int64_t channel = 1; channel <= deviceChannels; ++channel)
+        summary_.poolFilesWritten += device::channelCount;
+        for (std::int64_t channel = 1; channel <= device::channelCount; ++channel)
             writeChannel(recipe, channel, bankFolder, bankPool);
     }
 
@@ -222,7 +220,7 @@ BankExporter::BankExporter(std::shared_ptr<const FileManager> fileManager,
 ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& progress) const {
     const auto& name = job.naming.exportFolderName();
     const auto runFolder = folderIn(job.exportFolder, name);
-    const auto deviceFolder = folderIn(runFolder, deviceFolderName);
+    const auto deviceFolder = folderIn(runFolder, device::folderName);
     requirePlainRunFolder(*fileManager_, runFolder, name);
     requireSourceOutside(*fileManager_, deviceFolder, job);
 

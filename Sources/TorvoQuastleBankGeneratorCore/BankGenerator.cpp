@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -15,8 +17,8 @@ namespace torvo {
 
 namespace {
 
-constexpr std::size_t requiredPercussion = 3;
-constexpr std::size_t requiredUniformFiles = 8;
+constexpr std::int64_t requiredPercussion = 3;
+constexpr std::int64_t requiredUniformFiles = 8;
 
 /// The standardised paths of the samples that a bank already holds.
 using UsedPaths = std::unordered_set<std::string>;
@@ -103,12 +105,37 @@ std::vector<BankRecipe> fillBanks(const GenerationTemplate& generationTemplate,
     return recipes;
 }
 
-void validateDrumRequirements(const RoleBuckets& buckets) {
-    if (buckets.kick.empty())
-        throw GenerationError::requiredRoleMissing(ChannelRole::kick);
-    if (buckets.perc.size() < requiredPercussion)
-        throw GenerationError::insufficientPercussion(
-            static_cast<std::int64_t>(buckets.perc.size()));
+/// How many samples a bucket must hold, and the error when it does not.
+struct Requirement {
+    std::int64_t found;
+    std::int64_t needed;
+    GenerationError (*error)(std::int64_t found);
+};
+
+/// The first that these samples do not meet.
+std::optional<Requirement> unmetRequirement(const RoleBuckets& buckets, GenerationMode mode) {
+    const auto requirements = [&]() -> std::vector<Requirement> {
+        switch (mode) {
+        case GenerationMode::loops:
+            return {{std::ssize(buckets.loop), requiredUniformFiles,
+                     &GenerationError::insufficientLoops}};
+        case GenerationMode::stabs:
+            return {{std::ssize(buckets.stab), requiredUniformFiles,
+                     &GenerationError::insufficientStabs}};
+        case GenerationMode::drums:
+            break;
+        }
+        const auto missingKick = [](std::int64_t) {
+            return GenerationError::requiredRoleMissing(ChannelRole::kick);
+        };
+        return {{std::ssize(buckets.kick), 1, missingKick},
+                {std::ssize(buckets.perc), requiredPercussion,
+                 &GenerationError::insufficientPercussion}};
+    }();
+    const auto unmet = std::ranges::find_if(requirements, [](const Requirement& requirement) {
+        return requirement.found < requirement.needed;
+    });
+    return unmet == requirements.end() ? std::nullopt : std::optional(*unmet);
 }
 
 std::vector<BankRecipe> makeDrumRecipes(const RoleBuckets& buckets,
@@ -173,15 +200,7 @@ std::vector<BankRecipe> makeUniformRecipes(const std::vector<SampleCandidate>& b
 } // namespace
 
 bool BankGenerator::canGenerate(const RoleBuckets& from, GenerationMode mode) const {
-    switch (mode) {
-    case GenerationMode::loops:
-        return from.loop.size() >= requiredUniformFiles;
-    case GenerationMode::stabs:
-        return from.stab.size() >= requiredUniformFiles;
-    case GenerationMode::drums:
-        break;
-    }
-    return !from.kick.empty() && from.perc.size() >= requiredPercussion;
+    return !unmetRequirement(from, mode);
 }
 
 std::vector<BankRecipe>
@@ -190,22 +209,19 @@ BankGenerator::makeRecipes(const RoleBuckets& from, GenerationMode mode,
                            std::int64_t targetBankCount, const BankNameScheme& naming,
                            std::uint64_t seed) const {
     precondition(targetBankCount >= 1, "a run has at least one bank");
+    if (const auto unmet = unmetRequirement(from, mode))
+        throw unmet->error(unmet->found);
     const auto& chosen = generationTemplate ? *generationTemplate : torvo::generationTemplate(mode);
     switch (mode) {
     case GenerationMode::loops:
-        if (from.loop.size() < requiredUniformFiles)
-            throw GenerationError::insufficientLoops(static_cast<std::int64_t>(from.loop.size()));
         return makeUniformRecipes(from.loop, ChannelRole::loop, mode, chosen, targetBankCount,
                                   naming, seed);
     case GenerationMode::stabs:
-        if (from.stab.size() < requiredUniformFiles)
-            throw GenerationError::insufficientStabs(static_cast<std::int64_t>(from.stab.size()));
         return makeUniformRecipes(from.stab, ChannelRole::stab, mode, chosen, targetBankCount,
                                   naming, seed);
     case GenerationMode::drums:
         break;
     }
-    validateDrumRequirements(from);
     return makeDrumRecipes(from, chosen, targetBankCount, naming, seed);
 }
 

@@ -19,7 +19,8 @@ public:
                                  const GenerationTemplate& generationTemplate,
                                  std::vector<BankRecipe> recipes) const;
 
-    /// Replaces the file at `to` in one step. Throws `FileError`.
+    /// Replaces the file at `to` in one step, and removes what an earlier attempt that was killed
+    /// left beside it. Throws `FileError`.
     void exportDocument(const BankMappingDocument& document, const FileURL& to) const;
 
     /// Throws `FileError` or `DecodingError`.

@@ -1,6 +1,8 @@
 #include "SampleScanner.h"
 
 #include "Models/GenerationError.h"
+#include "Platform/LoadedLibrary.h"
+#include "Platform/TaskOrder.h"
 #include "Platform/UnicodeText.h"
 #include "RoleClassifier.h"
 
@@ -212,15 +214,21 @@ ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode)
 
     auto pending = names.takePending();
     std::vector<std::optional<AudioFormatDetails>> formats(pending.size());
-    tbb::parallel_for(std::size_t{0}, pending.size(), [&](std::size_t i) {
+    const auto inspect = [&](std::size_t i) {
+        [[maybe_unused]] const taskOrder::InTask task;
         if (!pending[i].mayBeOpened)
             return;
         try {
             formats[i] = inspector_->inspectAudioFile(pending[i].url);
+        } catch (const BrokenInstallation&) {
+            throw; // no fault of the file, nor of this one alone
         } catch (const std::exception&) {
             // Recorded below: a file that is no audio never fails a scan.
         }
-    });
+    };
+    taskOrder::beforeStarting();
+    tbb::parallel_for(std::size_t{0}, pending.size(), inspect);
+    taskOrder::afterWaiting();
 
     ScanReport report{mode, root, {}, {}, {}};
     for (std::size_t i = 0; i < pending.size(); ++i) {

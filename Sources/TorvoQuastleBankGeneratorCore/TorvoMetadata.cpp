@@ -1,5 +1,6 @@
 #include "TorvoMetadata.h"
 
+#include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/Precondition.h"
 #include "Platform/UnicodeText.h"
@@ -89,7 +90,7 @@ Payload freshPayload(std::uint32_t dataSize, std::optional<std::int64_t> channel
     writeUInt32(wordAt(payload, at::signature), payloadSignature);
     for (const auto offset : at::dataSize)
         writeUInt32(wordAt(payload, offset), dataSize);
-    const auto index = std::clamp<std::int64_t>(channel.value_or(1), 1, 8) - 1;
+    const auto index = std::clamp<std::int64_t>(channel.value_or(1), 1, device::channelCount) - 1;
     for (const auto offset : at::channelIndex)
         payload[offset] = static_cast<std::byte>(index);
     return payload;
@@ -180,10 +181,8 @@ TorvoWAVMetadataWriter::TorvoWAVMetadataWriter(std::shared_ptr<const FileManager
 
 void TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options, const FileURL& to,
                                    std::optional<std::int64_t> channel) const {
-    const auto folder = to.path().parent_path();
-    removeAbandonedTemporaries(*fileManager_, folder);
+    removeAbandonedTemporaries(*fileManager_, to.path().parent_path());
     rewrite(to, options, channel);
-    fileManager_->flushVolume(folder);
 }
 
 std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
@@ -263,7 +262,7 @@ std::optional<std::int64_t> channelNumber(const FileURL& file) {
     const auto* end = digits.data() + digits.size();
     const auto [stopped, error] = std::from_chars(digits.data(), end, number);
     const bool isWhole = error == std::errc() && stopped == end;
-    return isWhole && number >= 1 && number <= 8 ? std::optional(number) : std::nullopt;
+    return isWhole && device::hasChannel(number) ? std::optional(number) : std::nullopt;
 }
 
 } // namespace torvo

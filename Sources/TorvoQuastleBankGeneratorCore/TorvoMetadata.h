@@ -25,7 +25,8 @@ public:
 
     /// Rewrites every visible WAV file below a folder, each with the channel that its own folder's
     /// name gives; returns how many once they are on the medium. The first failure ends the walk,
-    /// files already written stay.
+    /// files already written stay. Throws as above; a folder that cannot be
+    /// listed gives 0.
     std::int64_t apply(const TorvoMetadataOptions& options, const FileURL& toWAVsUnder) const;
 
     /// The same change to a file's bytes in memory. They are left alone when it throws.

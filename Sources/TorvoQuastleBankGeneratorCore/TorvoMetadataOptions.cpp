@@ -1,5 +1,7 @@
 #include "TorvoMetadataOptions.h"
 
+#include "Models/Device.h"
+
 #include <algorithm>
 
 namespace torvo {
@@ -49,7 +51,7 @@ TorvoMetadataOptions::TorvoMetadataOptions(std::int64_t bitDepth, TorvoPlaybackR
       filterType(filter),
       cvAssignmentsEnabled(enablesCV) {
     for (const auto channel : cvChannels) {
-        if (channel >= 1 && channel <= 8)
+        if (device::hasChannel(channel))
             cvAssignedChannels.insert(channel);
     }
 }

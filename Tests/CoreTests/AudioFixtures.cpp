@@ -1,5 +1,8 @@
 #include "AudioFixtures.h"
 
+#include "ForwardingFileManager.h"
+#include "Models/GenerationError.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <stdexcept>
@@ -15,92 +18,51 @@ std::string quoted(const std::string& text) {
     return "'" + text + "'";
 }
 
-class FaultyFile final : public File {
+class HookedFile final : public ForwardingFile {
 public:
-    FaultyFile(std::unique_ptr<File> file, fs::path path, std::shared_ptr<const Faults> faults)
-        : file_(std::move(file)), path_(std::move(path)), faults_(std::move(faults)) {}
+    HookedFile(std::unique_ptr<File> behind, fs::path path, std::shared_ptr<const FileHooks> hooks)
+        : ForwardingFile(std::move(behind)), path_(std::move(path)), hooks_(std::move(hooks)) {}
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
-        if (faults_->onRead)
-            faults_->onRead(path_, offset);
-        return file_->read(offset, bytes);
+        if (hooks_->onRead)
+            hooks_->onRead(path_, {offset, bytes.size()});
+        return behind().read(offset, bytes);
     }
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
-        if (faults_->onWrite)
-            faults_->onWrite(path_, offset);
-        file_->write(offset, bytes);
+        if (hooks_->onWrite)
+            hooks_->onWrite(path_, {offset, bytes.size()});
+        behind().write(offset, bytes);
     }
-    std::uint64_t size() const override { return file_->size(); }
-    void resize(std::uint64_t size) override { file_->resize(size); }
-    void setPermissions(fs::perms permissions) override { file_->setPermissions(permissions); }
-    void flush() override { file_->flush(); }
-    void close() override { file_->close(); }
 
 private:
-    std::unique_ptr<File> file_;
     fs::path path_;
-    std::shared_ptr<const Faults> faults_;
+    std::shared_ptr<const FileHooks> hooks_;
 };
 
-class FaultyFileManager final : public FileManager {
+class HookedFileManager final : public ForwardingFileManager {
 public:
-    explicit FaultyFileManager(Faults faults)
-        : faults_(std::make_shared<const Faults>(std::move(faults))) {}
+    explicit HookedFileManager(FileHooks hooks)
+        : hooks_(std::make_shared<const FileHooks>(std::move(hooks))) {}
 
-    std::optional<FileStatus> linkStatus(const fs::path& path) const override {
-        return system_->linkStatus(path);
-    }
-    std::optional<FileStatus> status(const fs::path& path) const override {
-        return system_->status(path);
-    }
-    fs::path resolve(const fs::path& path) const override { return system_->resolve(path); }
-    std::vector<DirectoryEntry> contentsOfDirectory(const fs::path& path) const override {
-        return system_->contentsOfDirectory(path);
-    }
-    void createDirectory(const fs::path& path) const override { system_->createDirectory(path); }
     void removeItem(const fs::path& path) const override {
-        if (faults_->onRemove)
-            faults_->onRemove(path);
-        system_->removeItem(path);
+        if (hooks_->onRemove)
+            hooks_->onRemove(path);
+        behind().removeItem(path);
     }
     void copyItem(const fs::path& source, const fs::path& destination) const override {
-        if (faults_->onCopy)
-            faults_->onCopy(source);
-        system_->copyItem(source, destination);
-    }
-    void replaceItem(const fs::path& destination, const fs::path& source) const override {
-        system_->replaceItem(destination, source);
+        if (hooks_->onCopy)
+            hooks_->onCopy(source);
+        behind().copyItem(source, destination);
     }
     std::unique_ptr<File> open(const fs::path& path, OpenMode mode) const override {
-        if (faults_->onOpen)
-            faults_->onOpen(path, mode);
-        return std::make_unique<FaultyFile>(system_->open(path, mode), path, faults_);
+        if (hooks_->onOpen)
+            hooks_->onOpen(path, mode);
+        return std::make_unique<HookedFile>(behind().open(path, mode), path, hooks_);
     }
-    void flushVolume(const fs::path& path) const override { system_->flushVolume(path); }
 
 private:
-    std::shared_ptr<const FileManager> system_ = systemFileManager();
-    std::shared_ptr<const Faults> faults_;
+    std::shared_ptr<const FileHooks> hooks_;
 };
-
-void appendBigEndian(std::vector<std::byte>& to, std::uint32_t value, unsigned byteCount) {
-    for (unsigned i = byteCount; i-- > 0;)
-        to.push_back(static_cast<std::byte>(value >> (8 * i) & 0xFF));
-}
-
-std::vector<std::byte> samplesLittleEndian(std::span<const std::int16_t> frames) {
-    std::vector<std::byte> data;
-    for (const std::int16_t frame : frames)
-        appendUInt16(data, static_cast<std::uint16_t>(frame));
-    return data;
-}
-
-std::vector<std::byte> samplesBigEndian(std::span<const std::int16_t> frames) {
-    std::vector<std::byte> data;
-    for (const std::int16_t frame : frames)
-        appendBigEndian(data, static_cast<std::uint16_t>(frame), 2);
-    return data;
-}
 
 std::uint32_t byteCount(std::span<const std::int16_t> frames) {
     return static_cast<std::uint32_t>(2 * frames.size());
@@ -151,6 +113,16 @@ std::vector<std::int16_t> convertedFrames(const fs::path& path) {
     return deviceFrames(destination);
 }
 
+std::string failureOf(const AudioFilePreparing& preparer, const SampleCandidate& sample,
+                      const fs::path& destination) {
+    try {
+        preparer.prepare(sample, FileURL(destination));
+        return "none";
+    } catch (const GenerationError& error) {
+        return error.errorDescription();
+    }
+}
+
 std::vector<std::byte> formatChunk(std::uint16_t tag, std::uint16_t channels,
                                    std::uint32_t sampleRate, std::uint16_t blockAlign,
                                    std::uint16_t bits, std::span<const std::byte> extension) {
@@ -178,8 +150,9 @@ std::vector<std::byte> extensibleTail(std::uint16_t validBits, std::uint16_t tag
 }
 
 std::vector<std::byte> wavOf(std::uint32_t sampleRate, std::span<const std::int16_t> frames) {
-    return riffFile(
-        {formatChunk(1, 1, sampleRate, 2, 16), riffChunk("data", samplesLittleEndian(frames))});
+    std::vector<std::byte> data;
+    appendSamples(data, frames);
+    return riffFile({formatChunk(1, 1, sampleRate, 2, 16), riffChunk("data", data)});
 }
 
 std::vector<std::byte> bigEndianWav(std::uint32_t sampleRate,
@@ -197,13 +170,14 @@ std::vector<std::byte> bigEndianWav(std::uint32_t sampleRate,
     appendBigEndian(file, 16, 2);
     append(file, "data");
     appendBigEndian(file, byteCount(frames), 4);
-    append(file, samplesBigEndian(frames));
+    appendBigEndianSamples(file, frames);
     return file;
 }
 
-std::vector<std::byte> longWav(std::uint32_t sampleRate, std::span<const std::int16_t> frames) {
+std::vector<std::byte> longWav(std::string_view id, std::uint32_t sampleRate,
+                               std::span<const std::int16_t> frames) {
     std::vector<std::byte> file;
-    append(file, "RF64");
+    append(file, id);
     appendUInt32(file, 0xFFFFFFFF);
     append(file, "WAVEds64");
     appendUInt32(file, 28);
@@ -217,28 +191,7 @@ std::vector<std::byte> longWav(std::uint32_t sampleRate, std::span<const std::in
     append(file, formatChunk(1, 1, sampleRate, 2, 16));
     append(file, "data");
     appendUInt32(file, 0xFFFFFFFF);
-    append(file, samplesLittleEndian(frames));
-    return file;
-}
-
-std::vector<std::byte> aiffFile(std::uint32_t sampleRate, std::span<const std::int16_t> frames) {
-    std::vector<std::byte> file;
-    append(file, "FORM");
-    appendBigEndian(file, 46 + byteCount(frames), 4);
-    append(file, "AIFFCOMM");
-    appendBigEndian(file, 18, 4);
-    appendBigEndian(file, 1, 2);
-    appendBigEndian(file, byteCount(frames) / 2, 4);
-    appendBigEndian(file, 16, 2);
-    // The rate as an 80-bit float: exponent, then the mantissa with its leading one.
-    appendBigEndian(file, 0x3FFF + 15, 2);
-    appendBigEndian(file, sampleRate << 16U, 4);
-    appendBigEndian(file, 0, 4);
-    append(file, "SSND");
-    appendBigEndian(file, 8 + byteCount(frames), 4);
-    appendBigEndian(file, 0, 4);
-    appendBigEndian(file, 0, 4);
-    append(file, samplesBigEndian(frames));
+    appendSamples(file, frames);
     return file;
 }
 
@@ -253,8 +206,8 @@ std::vector<std::int16_t> testSignal(std::size_t frameCount) {
     return frames;
 }
 
-std::shared_ptr<const FileManager> faultyFileManager(Faults faults) {
-    return std::make_shared<FaultyFileManager>(std::move(faults));
+std::shared_ptr<const FileManager> hookedFileManager(FileHooks hooks) {
+    return std::make_shared<HookedFileManager>(std::move(hooks));
 }
 
 } // namespace torvo::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AiffFixture.h"
 #include "AudioSupport.h"
 #include "Platform/FileManager.h"
 #include "TemporaryFolder.h"
@@ -33,6 +34,10 @@ SampleCandidate sampleToCopy(const std::filesystem::path& path);
 /// The frames of a file after its conversion beside it.
 std::vector<std::int16_t> convertedFrames(const std::filesystem::path& path);
 
+/// The text of the failure of a preparation, or "none".
+std::string failureOf(const AudioFilePreparing& preparer, const SampleCandidate& sample,
+                      const std::filesystem::path& destination);
+
 /// A "fmt " chunk as it stands in the file.
 std::vector<std::byte> formatChunk(std::uint16_t tag, std::uint16_t channels,
                                    std::uint32_t sampleRate, std::uint16_t blockAlign,
@@ -42,24 +47,29 @@ std::vector<std::byte> extensibleTail(std::uint16_t validBits, std::uint16_t tag
 
 /// The same file with every 16-bit sample and every number in big-endian order, as "RIFX".
 std::vector<std::byte> bigEndianWav(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
-/// A 16-bit mono file whose size stands in a "ds64" chunk.
-std::vector<std::byte> longWav(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
+/// A 16-bit mono file whose size stands in a "ds64" chunk; `id` is "RF64" or "BW64".
+std::vector<std::byte> longWav(std::string_view id, std::uint32_t sampleRate,
+                               std::span<const std::int16_t> frames);
 std::vector<std::byte> wavOf(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
-/// A 16-bit mono AIFF file.
-std::vector<std::byte> aiffFile(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
 
 /// A loud, restless signal in which every shift shows.
 std::vector<std::int16_t> testSignal(std::size_t frameCount);
 
-/// The operating system's files with a fault in between: `onOpen` is told every opening, `onRead`
-/// every read and `onWrite` every write of a file opened here; what they throw is thrown.
-struct Faults {
+/// A part of a file, in bytes.
+struct FilePart {
+    std::uint64_t offset = 0;
+    std::size_t size = 0;
+};
+
+/// The operating system's files, watched: each hook is told what is about to happen, and what it
+/// throws is thrown instead. Reads and writes are those of files opened here.
+struct FileHooks {
     std::function<void(const std::filesystem::path&, OpenMode)> onOpen = {};
-    std::function<void(const std::filesystem::path&, std::uint64_t offset)> onRead = {};
-    std::function<void(const std::filesystem::path&, std::uint64_t offset)> onWrite = {};
+    std::function<void(const std::filesystem::path&, const FilePart&)> onRead = {};
+    std::function<void(const std::filesystem::path&, const FilePart&)> onWrite = {};
     std::function<void(const std::filesystem::path&)> onRemove = {};
     std::function<void(const std::filesystem::path&)> onCopy = {};
 };
-std::shared_ptr<const FileManager> faultyFileManager(Faults faults);
+std::shared_ptr<const FileManager> hookedFileManager(FileHooks hooks);
 
 } // namespace torvo::test

@@ -62,7 +62,10 @@ TEST(AudioInspector, readsTheFactsOfWavFiles) {
          pcm(0xFFFE, 1, 44100, 4, 32, extensibleTail(32, 3)),
          {"wav", 44100, 1, 32, false}},
         {"big-endian", bigEndianWav(48000, frames), {"wav", 48000, 1, 16, true}},
-        {"64-bit sizes", longWav(48000, frames), {"wav", 48000, 1, 16, true}},
+        {"64-bit sizes", longWav("RF64", 48000, frames), {"wav", 48000, 1, 16, true}},
+        {"64-bit sizes of broadcasters",
+         longWav("BW64", 48000, frames),
+         {"wav", 48000, 1, 16, true}},
         {"no frames",
          riffFile({formatChunk(1, 1, 44100, 2, 16), riffChunk("data", {})}),
          {"wav", 44100, 1, 16, true}},
@@ -146,7 +149,8 @@ TEST(AudioInspector, rejectsWhatIsNoAudio) {
         // They would be copied unchanged, and could then not be stamped.
         {"cut short", "a.wav", cut(wavOf(44100, frames), 1)},
         {"big-endian", "a.wav", bigEndianWav(44100, frames)},
-        {"64-bit sizes", "a.wav", longWav(44100, frames)},
+        {"64-bit sizes", "a.wav", longWav("RF64", 44100, frames)},
+        {"64-bit sizes of broadcasters", "a.wav", longWav("BW64", 44100, frames)},
         {"AIFF named WAV", "a.wav", aiffFile(44100, frames)},
     };
     const TemporaryFolder folder;
@@ -299,8 +303,8 @@ TEST(AudioInspector, passesTheDisksFailureOn) {
     folder.write("source.wav", wavOf(44100, testSignal(22050)));
     encode(folder, "source.wav", "", "a.flac");
     const AVAudioFileInspector inspector(
-        faultyFileManager({.onRead = [](const std::filesystem::path& path, std::uint64_t offset) {
-            if (offset > 0)
+        hookedFileManager({.onRead = [](const std::filesystem::path& path, const FilePart& part) {
+            if (part.offset > 0)
                 throw FileError(FileOperation::read, path, EIO);
         }}));
     EXPECT_THROW(inspector.inspectAudioFile(FileURL(folder / "a.flac")), FileError);
@@ -312,9 +316,9 @@ TEST(AudioInspector, opensAWavOnceAndReadsOneBlock) {
     const auto path = folder.write("a.wav", wavOf(44100, testSignal(22050)));
     int openings = 0;
     int readings = 0;
-    const AVAudioFileInspector inspector(faultyFileManager(
+    const AVAudioFileInspector inspector(hookedFileManager(
         {.onOpen = [&](const std::filesystem::path&, OpenMode) { ++openings; },
-         .onRead = [&](const std::filesystem::path&, std::uint64_t) { ++readings; }}));
+         .onRead = [&](const std::filesystem::path&, const FilePart&) { ++readings; }}));
     inspector.inspectAudioFile(FileURL(path));
     EXPECT_EQ(openings, 1);
     EXPECT_EQ(readings, 1);

@@ -22,18 +22,18 @@ struct FilledCard : ExportFixture {
         folder.write("card/QZT508/Bank 1/info.txt", "another export");
         folder.write("QZT508/info.txt", "beside the card");
         updates.clear();
-        before = treeOf(folder.path());
+        before = snapshotOf(folder.path());
     }
 
     /// The refusal, which must leave everything as it was.
     std::string refusal() {
         const auto error = thrown<GenerationError>([&] { run(); });
-        EXPECT_EQ(treeOf(folder.path()), before);
+        EXPECT_THAT(differences(before, snapshotOf(folder.path())), testing::IsEmpty());
         EXPECT_TRUE(updates.empty());
         return error ? error->errorDescription() : "none";
     }
 
-    std::map<std::string, std::string> before;
+    TreeSnapshot before;
 };
 
 TEST(BankExporterRefusal, aNameThatLeadsElsewhereIsRefused) {
@@ -59,7 +59,7 @@ TEST(BankExporterRefusal, aRunFolderThatIsALinkIsRefused) {
     FilledCard card;
     fs::create_directory_symlink(card.folder / "card/Kit", card.folder / "card/Linked");
     fs::create_symlink(card.folder / "missing", card.folder / "card/Dead");
-    card.before = treeOf(card.folder.path());
+    card.before = snapshotOf(card.folder.path());
     for (const auto* name : {"Linked", "Dead"}) {
         card.job.naming.sourceFolderName = name;
         EXPECT_EQ(card.refusal(), (card.folder / "card" / name).string() +
@@ -79,7 +79,7 @@ class SampleInside : public testing::Test {
 protected:
     /// The answer to a run of which one sample lies at this path.
     std::string refusalOf(const fs::path& path) {
-        card.before = treeOf(card.folder.path());
+        card.before = snapshotOf(card.folder.path());
         card.job.recipes = {card.bank(1, {"New"}), card.bank(2, {"New"})};
         card.job.recipes[1].channels.at(5) = sampleAt(path, "Old");
         return card.refusal();
@@ -183,7 +183,7 @@ TEST(BankExporterRefusal, aLockedRunFolderIsReportedBeforeAnythingIsDeleted) {
     const auto error = thrown<FileError>([&] { card.run(locked); });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->code(), std::errc::permission_denied);
-    EXPECT_EQ(treeOf(card.folder.path()), card.before);
+    EXPECT_THAT(differences(card.before, snapshotOf(card.folder.path())), testing::IsEmpty());
 }
 
 TEST(BankExporterRefusal, aRunFolderThatIsAFileIsReported) {

@@ -8,6 +8,7 @@
 
 #include <set>
 #include <stdexcept>
+#include <thread>
 
 namespace torvo::test {
 namespace {
@@ -62,7 +63,7 @@ TEST(BankExporter, writesTheWholeTree) {
         expected[channel + "/" + name + ".wav"] = content;
         expected["Kit/QZT508/Pool/Bank 07/" + poolName + ".wav"] = content;
     }
-    EXPECT_EQ(treeOf(fixture.card.path()), expected);
+    EXPECT_EQ(contentsOf(fixture.card.path()), expected);
     EXPECT_EQ(summary, (ExportSummary{FileURL::directory(fixture.inDevice("")), 1, 16, 0, 0, 8}));
     EXPECT_EQ(textOf(fixture.source), asText(riffFile({riffChunk("data", bytes("source"))})))
         << "the sample itself is left alone";
@@ -207,7 +208,7 @@ TEST(BankExporter, noRecipesMakeTheFoldersAlone) {
     ExportFixture fixture;
     const auto summary = fixture.run();
     EXPECT_EQ(summary, (ExportSummary{FileURL::directory(fixture.inDevice("")), 0, 0, 0, 0, 0}));
-    EXPECT_EQ(treeOf(fixture.card.path()),
+    EXPECT_EQ(contentsOf(fixture.card.path()),
               (std::map<std::string, std::string>{
                   {"Kit", "/"}, {"Kit/QZT508", "/"}, {"Kit/QZT508/Pool", "/"}}));
     EXPECT_THAT(fixture.updates, IsEmpty());
@@ -228,6 +229,27 @@ TEST(BankExporter, tellsEachFinishedBank) {
         << "nobody needs to listen";
 }
 
+TEST(BankExporter, tellsOnTheThreadThatExports) {
+    // With the real preparer, which converts on other threads.
+    ExportFixture fixture;
+    fixture.source = fixture.folder.write("source/a.wav", wavFile({48000, 2, 24}, 4800));
+    fixture.job.recipes = {fixture.bank(1, {"a"}), fixture.bank(2, {"b"}), fixture.bank(3, {"c"})};
+    for (auto& recipe : fixture.job.recipes) {
+        for (auto& [channel, sample] : recipe.channels)
+            sample.compatibility = RequiresConversion{"sample rate 48000 Hz"};
+    }
+    const BankExporter exporter(systemFileManager(), std::make_shared<AVAudioSamplePreparer>(),
+                                TorvoWAVMetadataWriter());
+    std::vector<std::thread::id> told;
+    std::thread::id exporting;
+    std::thread([&] {
+        exporting = std::this_thread::get_id();
+        exporter.exportBanks(fixture.job,
+                             [&](const auto&) { told.push_back(std::this_thread::get_id()); });
+    }).join();
+    EXPECT_THAT(told, ElementsAre(exporting, exporting, exporting));
+}
+
 TEST(BankExporter, createsTheExportFolderWithThoseAboveIt) {
     ExportFixture fixture;
     fixture.job.exportFolder = FileURL::directory(fixture.folder / "new/deep/card");
@@ -244,7 +266,7 @@ TEST(BankExporter, aSecondExportReplacesTheDeviceFolderAndNothingElse) {
     fixture.folder.write("card/Kit/QZT508/stray/.hidden", "goes");
     fixture.job.recipes = {fixture.bank(1, {"New"})};
     fixture.run();
-    const auto tree = treeOf(fixture.card.path());
+    const auto tree = contentsOf(fixture.card.path());
     EXPECT_EQ(tree.at("Kit/notes.txt"), "kept");
     EXPECT_EQ(tree.at("Other/notes.txt"), "kept");
     EXPECT_EQ(namesIn(fixture.inDevice("")), (std::set<std::string>{"Bank 1", "Pool"}));

@@ -206,6 +206,24 @@ TEST(BankGenerator, slotsAreFilledInChannelOrder) {
               make(drumBuckets(fullDrums), GenerationMode::drums, 20, 4));
 }
 
+TEST(BankGenerator, theLastOfTheSlotsOfAChannelWins) {
+    // Many, so that an order which is not stable shows.
+    for (const auto last : {ChannelRole::clap, ChannelRole::kick}) {
+        const auto others = last == ChannelRole::kick ? ChannelRole::clap : ChannelRole::kick;
+        GenerationTemplate crowded{"Crowded", {}};
+        for (int turn = 0; turn < 10; ++turn) {
+            for (std::int64_t channel = 8; channel >= 1; --channel)
+                crowded.slots.push_back({channel, turn == 9 ? last : others, "Slot"});
+        }
+        for (const auto& recipe :
+             make(drumBuckets(fullDrums), GenerationMode::drums, 3, 1, crowded)) {
+            ASSERT_EQ(recipe.channels.size(), 8U);
+            for (const auto& [channel, sample] : recipe.channels)
+                EXPECT_EQ(sample.role, last) << channel;
+        }
+    }
+}
+
 TEST(BankGenerator, aSlotThatTheModeCannotFillIsRefused) {
     struct Row {
         GenerationMode mode;

@@ -29,6 +29,8 @@ TEST(BankNameScheme, derivesThePrefixFromTheFolderName) {
         {"élan vital", "Élanvi"},
         {"ドラムキット集音", "ドラムキット"},
         {"ß", "SS"},
+        // The upper case of the first character comes on top of the six.
+        {"ﬃnders", "FFInders"},
         {"½ kit", "½kit"},
         {"कि ", "कि"},
         // A letter and its combining accents count as one character.

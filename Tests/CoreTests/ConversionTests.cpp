@@ -182,7 +182,8 @@ TEST(Conversion, everyWavEncodingGivesTheSameFrames) {
                     signal)
             << bits;
     EXPECT_TRUE(convertedFrom(bigEndianWav(44100, signal)) == signal);
-    EXPECT_TRUE(convertedFrom(longWav(44100, signal)) == signal);
+    for (const char* const id : {"RF64", "BW64"})
+        EXPECT_TRUE(convertedFrom(longWav(id, 44100, signal)) == signal) << id;
 }
 
 TEST(Conversion, eightBitsAreUnsigned) {
@@ -211,6 +212,31 @@ TEST(Conversion, aFileThatWasCutShortGivesWhatIsThere) {
     file.resize(44 + 2 * 600 + 1);
     const auto expected = testSignal(600);
     EXPECT_TRUE(convertedFrom(file) == expected);
+}
+
+// Whoever writes into a pipe cannot know how much will come: the header says nothing, or far too
+// much.
+TEST(Conversion, aLengthThatIsNotTrueCostsNoSound) {
+    const TemporaryFolder folder;
+    const auto frames = testSignal(5000);
+    const auto wav = folder.write("a.wav", wavOf(44100, frames));
+    encode(folder, "a.wav", "", "a.flac");
+    const auto withBytesAt = [](std::vector<std::byte> file, std::size_t offset,
+                                std::initializer_list<int> bytes) {
+        std::ranges::transform(bytes, file.begin() + static_cast<std::ptrdiff_t>(offset),
+                               [](int byte) { return static_cast<std::byte>(byte); });
+        return file;
+    };
+    const auto aiff = aiffFile(44100, frames);
+    constexpr std::size_t countInAiff = 22;
+    constexpr std::size_t countInFlac = 22; // its low 32 of 36 bits
+    folder.write("none.aiff", withBytesAt(aiff, countInAiff, {0, 0, 0, 0}));
+    folder.write("most.aiff", withBytesAt(aiff, countInAiff, {0x7F, 0, 0, 0}));
+    folder.write("most.flac",
+                 withBytesAt(bytesOf(folder / "a.flac"), countInFlac, {0xFF, 0xFF, 0xFF, 0xFF}));
+    runTool(folder.path(), "(ffmpeg -v error -i a.wav -f wv - | cat > piped.wv)");
+    for (const char* const name : {"none.aiff", "most.aiff", "most.flac", "piped.wv"})
+        EXPECT_EQ(convertedFrames(folder / name), frames) << name;
 }
 
 TEST(Conversion, channelsAreAveraged) {
@@ -363,6 +389,17 @@ TEST(Conversion, lossyFormatsKeepPlaceAndLength) {
         EXPECT_EQ(frames.size(), signal.size());
         EXPECT_GE(decibelsBetween(signal, frames), 20);
     }
+}
+
+// Delay, padding and length of AAC as the field's usual tag tells them; the edit list says more.
+TEST(Conversion, theGaplessTagTellsTheLengthOfAac) {
+    const TemporaryFolder folder;
+    folder.write("source.wav", wavOf(44100, testSignal(22'050)));
+    encode(folder, "source.wav",
+           "-c:a aac -movflags use_metadata_tags "
+           "-metadata iTunSMPB=' 00000000 00000400 0000006E 0000000000001388'",
+           "tagged.m4a");
+    EXPECT_EQ(convertedFrames(folder / "tagged.m4a").size(), 0x1388U);
 }
 
 TEST(Conversion, aDamagedPacketIsPassedOver) {

@@ -4,30 +4,16 @@
 #include "FakeAudio.h"
 #include "Samples.h"
 #include "TemporaryFolder.h"
+#include "TreeSnapshot.h"
 #include "WavFixture.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace torvo::test {
-
-/// Everything below a folder: relative path → content ("/" for a folder, "-> target" for a link).
-inline std::map<std::string, std::string> treeOf(const std::filesystem::path& folder) {
-    namespace fs = std::filesystem;
-    std::map<std::string, std::string> tree;
-    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        const auto name = entry.path().lexically_relative(folder).string();
-        if (entry.is_symlink())
-            tree[name] = "-> " + fs::read_symlink(entry.path()).string();
-        else
-            tree[name] = entry.is_directory() ? "/" : textOf(entry.path());
-    }
-    return tree;
-}
 
 /// A card to export to, a source folder with one sample, and an exporter of fake audio.
 struct ExportFixture {

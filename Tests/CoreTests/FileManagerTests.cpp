@@ -18,10 +18,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const FileManager& files() {
-    return *systemFileManager();
-}
-
 /// The file error's reason, or success.
 std::error_code codeOf(const auto& action) {
     const auto error = thrown<FileError>(action);

@@ -1,4 +1,5 @@
 #include "FileZoo.h"
+#include "ForwardingFileManager.h"
 #include "LockedFolderFileManager.h"
 #include "Platform/FileManager.h"
 #include "Thrown.h"
@@ -6,7 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <iomanip>
+#include <sstream>
 #include <string>
+#include <unistd.h>
 
 namespace torvo::test {
 namespace {
@@ -14,10 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-const FileManager& files() {
-    return *systemFileManager();
-}
 
 TEST(ReadFile, givesTheWholeFile) {
     const Zoo zoo;
@@ -180,6 +180,43 @@ TEST(RemoveAbandonedTemporaries, removesItsOwnFilesAndNoOthers) {
     EXPECT_THAT(left, testing::UnorderedElementsAreArray(kept));
     // What cannot be listed stays, without an error.
     removeAbandonedTemporaries(files(), folder / "missing");
+}
+
+std::string temporaryOf(pid_t process) {
+    std::ostringstream name;
+    name << ".torvo-" << std::hex << std::setw(8) << std::setfill('0') << process << "89abcdef.tmp";
+    return name.str();
+}
+
+TEST(RemoveAbandonedTemporaries, leavesWhatAnotherProcessMayBeWriting) {
+    const TemporaryFolder folder;
+    folder.write(temporaryOf(::getppid()), "");
+    removeAbandonedTemporaries(files(), folder.path());
+    EXPECT_TRUE(std::filesystem::exists(folder / temporaryOf(::getppid())));
+}
+
+TEST(RemoveAbandonedTemporaries, removesWhatThisProcessCouldNotRemove) {
+    const TemporaryFolder folder;
+    folder.write(temporaryOf(::getpid()), "");
+    removeAbandonedTemporaries(files(), folder.path());
+    EXPECT_FALSE(std::filesystem::exists(folder / temporaryOf(::getpid())));
+}
+
+/// Tidies up in the middle of every write, as another thread may.
+class TidyingFileManager final : public ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    void replaceItem(const fs::path& destination, const fs::path& source) const override {
+        removeAbandonedTemporaries(*this, source.parent_path());
+        ForwardingFileManager::replaceItem(destination, source);
+    }
+};
+
+TEST(RemoveAbandonedTemporaries, leavesWhatThisProcessIsWriting) {
+    const TemporaryFolder folder;
+    writeFileAtomically(TidyingFileManager(systemFileManager()), folder / "whole", bytes("all"));
+    EXPECT_EQ(textOf(folder / "whole"), "all");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/FileManager.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,10 @@
 #include <sys/stat.h>
 
 namespace torvo::test {
+
+inline const FileManager& files() {
+    return *systemFileManager();
+}
 
 /// Those of a new file, as the process is told to make it.
 inline std::filesystem::perms ordinaryFilePermissions() {

@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <charconv>
+#include <chrono>
+#include <functional>
 #include <optional>
 #include <regex>
 #include <set>
@@ -53,8 +56,7 @@ struct Stamp {
 
 Bytes littleEndian(std::size_t value, std::size_t size) {
     Bytes written;
-    for (std::size_t i = 0; i < size; ++i)
-        written.push_back(static_cast<std::byte>(value >> (8 * i)));
+    appendLittleEndian(written, value, size);
     return written;
 }
 
@@ -222,7 +224,7 @@ TEST(FormatDocuments, describeEveryPathOfAnExport) {
     fixture.run();
 
     std::map<std::string, int> uses;
-    for (const auto& [path, content] : treeOf(fixture.inDevice(""))) {
+    for (const auto& [path, content] : contentsOf(fixture.inDevice(""))) {
         int matches = 0;
         for (const auto& row : page("docs/formats/device-folder.md")
                                    .table({"path below the device folder", "content"})) {
@@ -278,8 +280,8 @@ TEST(FormatDocuments, exampleIsWhatTheStoreWrites) {
     EXPECT_EQ(textOf(copy.path()), textOf(exampleDocument));
 }
 
-/// Where an object of each section stands in the example.
-const std::map<std::string, std::string> sections{
+/// Where an object of each section stands in the example, in the order of the page.
+const std::vector<std::pair<std::string, std::string>> sections{
     {"Document", ""},
     {"Naming", "/naming"},
     {"Template", "/template"},
@@ -298,8 +300,39 @@ std::optional<BankMappingDocument> imported(const nlohmann::json& document) {
     }
 }
 
+/// Whether a value is of the type that a table names. Throws for a name that is none.
+bool isOfType(const std::string& type, const nlohmann::json& value) {
+    using Json = nlohmann::json;
+    static const auto text = [](const auto& accepts) {
+        return [accepts](const Json& each) {
+            return each.is_string() && accepts(each.get<std::string>());
+        };
+    };
+    static const std::map<std::string, std::function<bool(const Json&)>> types{
+        {"integer", &Json::is_number_integer},
+        {"number", &Json::is_number},
+        {"true or false", &Json::is_boolean},
+        {"text", &Json::is_string},
+        {"object", &Json::is_object},
+        {"list of objects",
+         [](const Json& each) {
+             return each.is_array() && std::ranges::all_of(each, &Json::is_object);
+         }},
+        {"file URL", text([](const std::string& url) { return url.starts_with("file:///"); })},
+        {"role", text([](const std::string& name) { return channelRole(name).has_value(); })},
+        // The names of the modes, as they stand between the outer backticks.
+        {"drums`, `loops` or `stabs",
+         text([](const std::string& name) { return generationMode(name).has_value(); })},
+    };
+    return types.at(type)(value);
+}
+
 TEST(FormatDocuments, describeEveryKey) {
     const auto description = page("docs/formats/mapping-document.md");
+    std::vector<std::string> checked;
+    for (const auto& [section, place] : sections)
+        checked.push_back(section);
+    EXPECT_EQ(description.headingsOfTables(), checked);
     const auto example = nlohmann::json::parse(textOf(exampleDocument));
     for (const auto& [section, place] : sections) {
         std::set<std::string> described;
@@ -312,6 +345,27 @@ TEST(FormatDocuments, describeEveryKey) {
     }
 }
 
+TEST(FormatDocuments, describeTheTypeOfEveryValue) {
+    const auto description = page("docs/formats/mapping-document.md");
+    const auto example = nlohmann::json::parse(textOf(exampleDocument));
+    const std::vector<nlohmann::json> values{
+        nullptr, true, 5, 2.5, "x", nlohmann::json::array({5}), nlohmann::json::object()};
+    for (const auto& [section, place] : sections) {
+        for (const auto& row : description.tableOf(section)) {
+            const nlohmann::json::json_pointer pointer(place + "/" + row[0]);
+            EXPECT_TRUE(isOfType(row[1], example.at(pointer))) << section << ": " << row[0];
+            for (const auto& value : values) {
+                if (isOfType(row[1], value))
+                    continue;
+                auto document = example;
+                document.at(pointer) = value;
+                EXPECT_FALSE(imported(document))
+                    << section << ": " << row[0] << " is " << value.dump();
+            }
+        }
+    }
+}
+
 TEST(FormatDocuments, describeWhatAMissingKeyMeans) {
     const auto description = page("docs/formats/mapping-document.md");
     const auto example = nlohmann::json::parse(textOf(exampleDocument));
@@ -319,13 +373,20 @@ TEST(FormatDocuments, describeWhatAMissingKeyMeans) {
         for (const auto& row : description.tableOf(section)) {
             auto document = example;
             document.at(nlohmann::json::json_pointer(place)).erase(row[0]);
+            const auto before = floor<std::chrono::seconds>(std::chrono::system_clock::now());
             const auto read = imported(document);
             EXPECT_EQ(read.has_value(), row[2] != "error") << section << ": " << row[0];
-            if (read && row[0] == "version") {
+            if (!read)
+                continue;
+            if (row[0] == "version") {
                 EXPECT_EQ(std::to_string(read->version), row[2]);
-            }
-            if (read && row[0] == "generationMode") {
+            } else if (row[0] == "generationMode") {
                 EXPECT_EQ(rawValue(read->generationMode), row[2]);
+            } else {
+                EXPECT_EQ(row[0], "exportedAt");
+                EXPECT_EQ(row[2], "now");
+                EXPECT_GE(read->exportedAt, before);
+                EXPECT_LE(read->exportedAt, std::chrono::system_clock::now());
             }
         }
     }

@@ -52,12 +52,21 @@ HostileDocument wrongType(const std::string& name, const std::string& pointer, c
             message};
 }
 
+void placeFirstSample(json& document, const std::string& url) {
+    firstSample(document)["sourceURL"] = url;
+    firstSample(document)["compatibility"] = {{"compatibleWav", json::object()}};
+}
+
 HostileDocument sampleAt(const std::string& name, const std::string& url,
                          const std::string& message) {
+    return {name, [url](json& document) { placeFirstSample(document, url); }, message};
+}
+
+HostileDocument sampleInSource(const std::string& name, const std::string& relative,
+                               const std::string& message) {
     return {name,
-            [url](json& document) {
-                firstSample(document)["sourceURL"] = url;
-                firstSample(document)["compatibility"] = {{"compatibleWav", json::object()}};
+            [relative](json& document) {
+                placeFirstSample(document, document["sourceFolder"].get<std::string>() + relative);
             },
             message};
 }
@@ -77,10 +86,10 @@ const std::vector<HostileDocument>& documents() {
         {"nameTooLong",
          [](json& document) { document["naming"]["sourceFolderName"] = std::string(300, 'n'); },
          "File name too long"},
-        sampleAt("sampleIsAFolder", "file:///tmp", "Is a directory"),
+        sampleInSource("sampleIsAFolder", "Kicks/", "Is a directory"),
         sampleAt("sampleIsADevice", "file:///dev/zero", "Invalid argument"),
         sampleAt("sampleIsMissing", "file:///nowhere/kick.wav", "No such file"),
-        sampleAt("sampleIsText", "file:///etc/hostname", "Not a RIFF/WAVE file."),
+        sampleInSource("sampleIsText", "notes.txt", "Not a RIFF/WAVE file."),
         sampleAt("sampleOnTheNetwork", "http://example.invalid/kick.wav", "is no file URL"),
         sampleAt("sampleOnAnotherHost", "file://host/kick.wav", "is no file URL"),
         sampleAt("samplePathRelative", "kick.wav", "is no file URL"),

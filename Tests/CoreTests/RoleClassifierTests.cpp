@@ -13,6 +13,9 @@ namespace {
 
 using Words = std::vector<std::string>;
 
+// The classifier's lists, put down a second time on purpose: libraries are sorted by these very
+// words, and a word that changes there has to change here as well.
+
 const Words closedHatWords{"closed hat",
                            "closed hats",
                            "closed hihat",
@@ -139,6 +142,7 @@ TEST(RoleClassifier, decidesNamesWithSeveralWords) {
         {"Closed Hats Long", ChannelRole::openHat},
         {"Closed", std::nullopt},
         {"Hats", ChannelRole::openHat},
+        {"Snare Kick", ChannelRole::kick},
         {"Snare Clap", ChannelRole::snare},
         {"Clap Snare", ChannelRole::snare},
         {"Clap Tom", ChannelRole::clap},
@@ -165,6 +169,24 @@ TEST(RoleClassifier, decidesNamesWithSeveralWords) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(classifyRole(row.name), row.role) << row.name;
+}
+
+TEST(RoleClassifier, ofTwoRolesTheEarlierOfTheTableWins) {
+    const std::vector<std::pair<ChannelRole, const Words&>> table{{ChannelRole::kick, kickWords},
+                                                                  {ChannelRole::snare, snareWords},
+                                                                  {ChannelRole::clap, clapWords},
+                                                                  {ChannelRole::perc, percWords}};
+    for (auto earlier = table.begin(); earlier != table.end(); ++earlier) {
+        for (auto later = earlier + 1; later != table.end(); ++later) {
+            for (const auto& one : earlier->second) {
+                for (const auto& other : later->second) {
+                    EXPECT_EQ(classifyRole(one + " " + other), earlier->first);
+                    EXPECT_EQ(classifyRole(other + " " + one), earlier->first)
+                        << other << " " << one;
+                }
+            }
+        }
+    }
 }
 
 TEST(RoleClassifier, aBarePercDecidesNothing) {

@@ -85,7 +85,7 @@ fs::path writeLoops(const TemporaryFolder& folder) {
                      wavFile(format, 2000 + 7000 * (i % 5)));
     }
     for (std::uint32_t i = 0; i < 4; ++i)
-        folder.write("Loops/tape " + std::to_string(i) + ".aif", aiffFile(900 * (i + 1)));
+        folder.write("Loops/tape " + std::to_string(i) + ".aif", aiffRamp(900 * (i + 1)));
     return folder / "Loops";
 }
 
@@ -112,14 +112,7 @@ Outcome run(const fs::path& source, GenerationMode mode, const fs::path& out,
                                     TorvoWAVMetadataWriter());
         try {
             outcome.summary =
-                exporter.exportBanks({.sourceFolder = document.sourceFolder,
-                                      .exportFolder = FileURL::directory(out),
-                                      .generationTemplate = document.generationTemplate,
-                                      .targetBankCount = 9,
-                                      .seed = 20240229,
-                                      .naming = naming,
-                                      .metadataOptions = {},
-                                      .recipes = document.recipes});
+                exporter.exportBanks(exportJob(document, FileURL::directory(out), {}));
         } catch (const GenerationError& error) {
             outcome.failure = error.what();
         }

@@ -1,7 +1,10 @@
 #include "AudioFixtures.h"
 #include "AudioSupport/RunPreparer.h"
+#include "Holdings.h"
 #include "Models/GenerationError.h"
+#include "TreeSnapshot.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tbb/global_control.h>
 #include <tbb/task_arena.h>
@@ -75,7 +78,7 @@ protected:
     }
 
     std::shared_ptr<const FileManager> countingFileManager() {
-        return faultyFileManager({.onOpen = [this](const fs::path& path, OpenMode) {
+        return hookedFileManager({.onOpen = [this](const fs::path& path, OpenMode) {
             const std::lock_guard lock(mutex);
             ++openings[path.filename().string()];
         }});
@@ -195,22 +198,12 @@ TEST_F(RunPreparerTest, reportsTheFailureOfTheSampleThatIsAskedFor) {
 TEST_F(RunPreparerTest, saysWhyTheDestinationCannotBeWritten) {
     const auto samples = makeSamples(1);
     const auto recipes = recipesOf(samples, 1);
-    const auto failureFor = [&](Faults faults, const fs::path& destination) -> std::string {
-        try {
-            RunPreparer(faultyFileManager(std::move(faults)), recipes)
-                .prepare(samples[0], FileURL(destination));
-        } catch (const GenerationError& error) {
-            return error.errorDescription();
-        }
-        return "none";
-    };
-    EXPECT_EQ(failureFor({}, folder / "no/b.wav"),
+    EXPECT_EQ(failureOf(RunPreparer(systemFileManager(), recipes), samples[0], folder / "no/b.wav"),
               "Unable to create destination WAV file b.wav. (OSStatus -2)");
-    EXPECT_EQ(failureFor({.onWrite =
-                              [](const fs::path& path, std::uint64_t) {
-                                  throw FileError(FileOperation::write, path, ENOSPC);
-                              }},
-                         folder / "b.wav"),
+    const auto fullCard = hookedFileManager({.onWrite = [](const fs::path& path, const FilePart&) {
+        throw FileError(FileOperation::write, path, ENOSPC);
+    }});
+    EXPECT_EQ(failureOf(RunPreparer(fullCard, recipes), samples[0], folder / "b.wav"),
               "Unable to write converted audio data. (OSStatus -28)");
 }
 
@@ -237,16 +230,32 @@ TEST_F(RunPreparerTest, servesSamplesOutsideTheRun) {
 }
 
 TEST_F(RunPreparerTest, anAbandonedRunLeavesNothingBehind) {
-    const auto samples = makeSamples(40);
-    const auto recipes = recipesOf(samples, 5);
-    for (int i = 0; i < 20; ++i) {
-        const RunPreparer preparer(systemFileManager(), recipes);
-        preparer.prepare(samples[0], FileURL(folder / "b.wav"));
-    }
+    constexpr int runs = 20;
+    constexpr int threads = 4;
+    const auto recipes = recipesOf(makeSamples(40), 5);
     const auto path = folder.write("long.wav", wavFile({22050, 1, 16}, 40 * 22050));
-    for (int i = 0; i < 20; ++i)
-        RunPreparer(systemFileManager(), recipesOf({sampleToConvert(path)}, 1));
-    SUCCEED();
+    const auto recipesOfLong = recipesOf({sampleToConvert(path)}, 1);
+    const auto abandonRuns = [&] {
+        for (int i = 0; i < runs; ++i) {
+            const RunPreparer preparer(systemFileManager(), recipes);
+            preparer.prepare(recipes[0].channels.at(1), FileURL(folder / "b.wav"));
+            RunPreparer(systemFileManager(), recipesOfLong);
+        }
+    };
+    const tbb::global_control allowed(tbb::global_control::max_allowed_parallelism, threads);
+    tbb::task_arena arena(threads);
+    arena.execute([&] {
+        abandonRuns(); // what libraries make once and keep
+        const auto heldBefore = holdings();
+        const auto treeBefore = snapshotOf(folder.path(), Times::doNotCount);
+        abandonRuns();
+        const auto heldAfter = holdings();
+        EXPECT_EQ(heldAfter.openFiles, heldBefore.openFiles);
+        // The task library starts its own threads when it likes, and no more than these.
+        EXPECT_LE(heldAfter.threads, heldBefore.threads + threads);
+        EXPECT_THAT(differences(treeBefore, snapshotOf(folder.path(), Times::doNotCount)),
+                    testing::IsEmpty());
+    });
 }
 
 } // namespace

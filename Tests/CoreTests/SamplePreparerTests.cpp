@@ -1,27 +1,18 @@
 #include "AudioFixtures.h"
-#include "Models/GenerationError.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
 
 namespace torvo::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The text of the failure, or "none".
-std::string failureOf(const AudioFilePreparing& preparer, const SampleCandidate& sample,
-                      const fs::path& destination) {
-    try {
-        preparer.prepare(sample, FileURL(destination));
-        return "none";
-    } catch (const GenerationError& error) {
-        return error.errorDescription();
-    }
-}
 
 FileError failure(const fs::path& path, int errorNumber) {
     return {FileOperation::read, path, errorNumber};
@@ -110,12 +101,35 @@ TEST(SamplePreparer, refusesMoreAudioThanTheFormatHolds) {
     EXPECT_EQ(fs::file_size(folder / "b.wav"), 0U);
 }
 
+TEST(SamplePreparer, convertsInBlocks) {
+    constexpr std::size_t largestWrite = 4096 * sizeof(std::int16_t); // bytes, of mono frames
+    constexpr std::size_t largestRead = 256 * 1024;                   // bytes
+    const TemporaryFolder folder;
+    folder.write("a.wav", wavFile({48000, 2, 16}, 2'000'000));
+    encode(folder, "a.wav", "", "a.aiff");
+    encode(folder, "a.wav", "", "a.flac");
+    for (const char* const name : {"a.wav", "a.aiff", "a.flac"}) {
+        SCOPED_TRACE(name);
+        std::map<std::string, std::size_t> largest; // parts by file name
+        const auto note = [&](const fs::path& path, const FilePart& part) {
+            auto& size = largest[path.filename()];
+            size = std::max(size, part.size);
+        };
+        const AVAudioSamplePreparer preparer(hookedFileManager({.onRead = note, .onWrite = note}));
+        preparer.prepare(sampleToConvert(folder / name), FileURL(folder / "b.wav"));
+        ASSERT_GT(fs::file_size(folder / name), 4 * largestRead);
+        EXPECT_LE(largest.at(name), largestRead);
+        EXPECT_GT(fs::file_size(folder / "b.wav"), 2'000'000U);
+        EXPECT_LE(largest.at("b.wav"), largestWrite);
+    }
+}
+
 TEST(SamplePreparer, saysThatReadingFailedAndLeavesThePart) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100'000));
     const AVAudioSamplePreparer preparer(
-        faultyFileManager({.onRead = [](const fs::path& path, std::uint64_t offset) {
-            if (offset > 200'000)
+        hookedFileManager({.onRead = [](const fs::path& path, const FilePart& part) {
+            if (part.offset > 200'000)
                 throw failure(path, EIO);
         }}));
     EXPECT_EQ(failureOf(preparer, sampleToConvert(source), folder / "b.wav"),
@@ -128,8 +142,8 @@ TEST(SamplePreparer, saysThatReadingACompressedFileFailed) {
     folder.write("a.wav", wavOf(44100, testSignal(441'000)));
     encode(folder, "a.wav", "", "a.flac");
     const AVAudioSamplePreparer preparer(
-        faultyFileManager({.onRead = [](const fs::path& path, std::uint64_t offset) {
-            if (offset > 100'000)
+        hookedFileManager({.onRead = [](const fs::path& path, const FilePart& part) {
+            if (part.offset > 100'000)
                 throw failure(path, EIO);
         }}));
     ASSERT_GT(fs::file_size(folder / "a.flac"), 200'000U);
@@ -141,8 +155,8 @@ TEST(SamplePreparer, saysThatWritingFailedAndLeavesThePart) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100'000));
     const AVAudioSamplePreparer preparer(
-        faultyFileManager({.onWrite = [](const fs::path& path, std::uint64_t offset) {
-            if (offset > 100'000)
+        hookedFileManager({.onWrite = [](const fs::path& path, const FilePart& part) {
+            if (part.offset > 100'000)
                 throw failure(path, ENOSPC);
         }}));
     EXPECT_EQ(failureOf(preparer, sampleToConvert(source), folder / "b.wav"),
@@ -154,8 +168,8 @@ TEST(SamplePreparer, passesTheFileManagersFailuresOn) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100));
     const auto fail = [](const fs::path& path) { throw failure(path, EACCES); };
-    const AVAudioSamplePreparer cannotRemove(faultyFileManager({.onRemove = fail}));
-    const AVAudioSamplePreparer cannotCopy(faultyFileManager({.onCopy = fail}));
+    const AVAudioSamplePreparer cannotRemove(hookedFileManager({.onRemove = fail}));
+    const AVAudioSamplePreparer cannotCopy(hookedFileManager({.onCopy = fail}));
     const FileURL present(folder.write("b.wav", "old"));
     EXPECT_THROW(cannotRemove.prepare(sampleToCopy(source), present), FileError);
     EXPECT_THROW(cannotRemove.prepare(sampleToConvert(source), present), FileError);

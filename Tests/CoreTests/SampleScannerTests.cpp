@@ -97,6 +97,19 @@ TEST(SampleScanner, anIgnoredFolderIsListedOnceAndItsFilesNot) {
     EXPECT_THAT(kit.inspector->inspected(), ElementsAre(kit.at("Kicks/a.wav")));
 }
 
+TEST(SampleScanner, aFolderThatNamesBothIsIgnored) {
+    const ScanFixture kit;
+    for (const auto* folder : {"Crash Kicks", "Kicks/Ride Hats", "Snares and Shakers"})
+        kit.addAudio(std::string(folder) + "/a.wav");
+    const auto report = kit.scan();
+    EXPECT_THAT(texts(report.ignoredFolders),
+                ElementsAre("Crash Kicks: Ignored v1 folder", "Kicks/Ride Hats: Ignored v1 folder",
+                            "Snares and Shakers: Ignored v1 folder"));
+    EXPECT_THAT(report.ignoredFiles, IsEmpty());
+    for (const auto role : allChannelRoles)
+        EXPECT_EQ(report.countsByRole().at(role), 0) << displayName(role);
+}
+
 TEST(SampleScanner, anEmptyIgnoredFolderIsNotListed) {
     const ScanFixture kit;
     kit.folder.createFolder("Kit/Crash");

@@ -1,5 +1,8 @@
 #include "BusyPayload.h"
 
+#include "Bytes.h"
+
+#include <algorithm>
 #include <initializer_list>
 
 namespace torvo::test {
@@ -13,7 +16,9 @@ void put(std::vector<std::byte>& payload, std::size_t offset,
 }
 
 void putLittleEndian(std::vector<std::byte>& payload, std::size_t offset, std::uint32_t value) {
-    put(payload, offset, {value & 255U, value >> 8U & 255U, value >> 16U & 255U, value >> 24U});
+    std::vector<std::byte> number;
+    appendUInt32(number, value);
+    std::ranges::copy(number, payload.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
 } // namespace

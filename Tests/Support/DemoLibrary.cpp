@@ -1,5 +1,6 @@
 #include "DemoLibrary.h"
 
+#include "AiffFixture.h"
 #include "SeededGenerator.h"
 #include "TemporaryFolder.h"
 #include "WavFixture.h"
@@ -9,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <numbers>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -104,46 +106,21 @@ std::vector<double> rendered(Voice voice, double seconds, std::uint32_t sampleRa
     return samples;
 }
 
-void appendBigEndian(std::vector<std::byte>& to, std::uint64_t value, unsigned byteCount) {
-    for (unsigned i = byteCount; i-- > 0;)
-        to.push_back(static_cast<std::byte>(value >> (8 * i)));
-}
-
-void appendBigEndianSamples(std::vector<std::byte>& to, const std::vector<double>& samples) {
+std::vector<std::int16_t> sixteenBits(const std::vector<double>& samples) {
+    std::vector<std::int16_t> rounded;
+    rounded.reserve(samples.size());
     for (const double sample : samples)
-        appendBigEndian(to, static_cast<std::uint64_t>(std::lround(sample * 32767)), 2);
-}
-
-/// 16-bit AIFF (Apple, Audio Interchange File Format 1.3); the rate is an 80-bit extended float.
-std::vector<std::byte> aiffFile(const std::vector<double>& samples, std::uint32_t sampleRate,
-                                std::uint16_t channels) {
-    std::vector<std::byte> file;
-    const auto dataBytes = samples.size() * 2;
-    append(file, "FORM");
-    appendBigEndian(file, 4 + 26 + 16 + dataBytes, 4);
-    append(file, "AIFFCOMM");
-    appendBigEndian(file, 18, 4);
-    appendBigEndian(file, channels, 2);
-    appendBigEndian(file, samples.size() / channels, 4);
-    appendBigEndian(file, 16, 2);
-    int exponent = 0;
-    const double mantissa = std::frexp(static_cast<double>(sampleRate), &exponent);
-    appendBigEndian(file, static_cast<std::uint64_t>(16382 + exponent), 2);
-    appendBigEndian(file, static_cast<std::uint64_t>(std::ldexp(mantissa, 64)), 8);
-    append(file, "SSND");
-    appendBigEndian(file, 8 + dataBytes, 4);
-    appendBigEndian(file, 0, 8);
-    appendBigEndianSamples(file, samples);
-    return file;
+        rounded.push_back(static_cast<std::int16_t>(std::lround(sample * 32767)));
+    return rounded;
 }
 
 /// 16-bit AU (Sun, audio(4)).
-std::vector<std::byte> auFile(const std::vector<double>& samples, std::uint32_t sampleRate,
+std::vector<std::byte> auFile(std::span<const std::int16_t> samples, std::uint32_t sampleRate,
                               std::uint16_t channels) {
     std::vector<std::byte> file;
     append(file, ".snd");
     appendBigEndian(file, 24, 4);
-    appendBigEndian(file, samples.size() * 2, 4);
+    appendBigEndian(file, samples.size_bytes(), 4);
     appendBigEndian(file, 3, 4);
     appendBigEndian(file, sampleRate, 4);
     appendBigEndian(file, channels, 4);
@@ -163,7 +140,7 @@ void saveInSomeFormat(const fs::path& folder, const std::string& name, const Voi
         return wav({.sampleRate = 48000, .channels = 2, .bits = 24});
     case 2:
         return saveFile(folder / (name + ".aif"),
-                        aiffFile(rendered(voice, seconds, 44100, 1), 44100, 1));
+                        aiffFile(44100, sixteenBits(rendered(voice, seconds, 44100, 1))));
     case 3:
         return wav({.sampleRate = 44100, .channels = 2, .bits = 24});
     case 4:
@@ -172,7 +149,7 @@ void saveInSomeFormat(const fs::path& folder, const std::string& name, const Voi
         return wav({.sampleRate = 22050, .bits = 8});
     case 6:
         return saveFile(folder / (name + ".au"),
-                        auFile(rendered(voice, seconds, 32000, 2), 32000, 2));
+                        auFile(sixteenBits(rendered(voice, seconds, 32000, 2)), 32000, 2));
     default:
         return wav({});
     }

@@ -8,53 +8,47 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class FaultyFile final : public File {
+class FaultyFile final : public ForwardingFile {
 public:
     FaultyFile(std::unique_ptr<File> behind, fs::path path, std::shared_ptr<FaultPlan> plan)
-        : behind_(std::move(behind)), path_(std::move(path)), plan_(std::move(plan)) {}
+        : ForwardingFile(std::move(behind)), path_(std::move(path)), plan_(std::move(plan)) {}
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
-        check(FileOperation::read);
-        return behind_->read(offset, bytes);
+        plan_->check(FileOperation::read, path_);
+        return behind().read(offset, bytes);
     }
 
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         if (plan_->countsAndFails(FileOperation::write, path_)) {
-            behind_->write(offset, bytes.first(bytes.size() / 2));
+            behind().write(offset, bytes.first(bytes.size() / 2));
             throw FileError(FileOperation::write, path_, plan_->errorNumber());
         }
-        behind_->write(offset, bytes);
+        behind().write(offset, bytes);
     }
 
     std::uint64_t size() const override {
-        check(FileOperation::inspect);
-        return behind_->size();
+        plan_->check(FileOperation::inspect, path_);
+        return behind().size();
     }
 
     void resize(std::uint64_t size) override {
-        check(FileOperation::write);
-        behind_->resize(size);
+        plan_->check(FileOperation::write, path_);
+        behind().resize(size);
     }
 
     void setPermissions(fs::perms permissions) override {
-        check(FileOperation::write);
-        behind_->setPermissions(permissions);
+        plan_->check(FileOperation::write, path_);
+        behind().setPermissions(permissions);
     }
 
-    void flush() override { check(FileOperation::flush); }
+    void flush() override { plan_->check(FileOperation::flush, path_); }
 
     void close() override {
-        behind_->close();
-        check(FileOperation::flush);
+        behind().close();
+        plan_->check(FileOperation::flush, path_);
     }
 
 private:
-    void check(FileOperation operation) const {
-        if (plan_->countsAndFails(operation, path_))
-            throw FileError(operation, path_, plan_->errorNumber());
-    }
-
-    std::unique_ptr<File> behind_;
     fs::path path_;
     std::shared_ptr<FaultPlan> plan_;
 };
@@ -80,6 +74,11 @@ bool FaultPlan::countsAndFails(FileOperation operation, const fs::path& path) {
     return fails;
 }
 
+void FaultPlan::check(FileOperation operation, const fs::path& path) {
+    if (countsAndFails(operation, path))
+        throw FileError(operation, path, errorNumber_);
+}
+
 std::vector<FileError> FaultPlan::faults() const {
     const std::scoped_lock lock(mutex_);
     return faults_;
@@ -87,64 +86,59 @@ std::vector<FileError> FaultPlan::faults() const {
 
 FaultyFileManager::FaultyFileManager(std::shared_ptr<const FileManager> behind,
                                      std::shared_ptr<FaultPlan> plan)
-    : behind_(std::move(behind)), plan_(std::move(plan)) {}
-
-void FaultyFileManager::check(FileOperation operation, const fs::path& path) const {
-    if (plan_->countsAndFails(operation, path))
-        throw FileError(operation, path, plan_->errorNumber());
-}
+    : ForwardingFileManager(std::move(behind)), plan_(std::move(plan)) {}
 
 std::optional<FileStatus> FaultyFileManager::linkStatus(const fs::path& path) const {
-    check(FileOperation::inspect, path);
-    return behind_->linkStatus(path);
+    plan_->check(FileOperation::inspect, path);
+    return behind().linkStatus(path);
 }
 
 std::optional<FileStatus> FaultyFileManager::status(const fs::path& path) const {
-    check(FileOperation::inspect, path);
-    return behind_->status(path);
+    plan_->check(FileOperation::inspect, path);
+    return behind().status(path);
 }
 
 fs::path FaultyFileManager::resolve(const fs::path& path) const {
-    check(FileOperation::read, path);
-    return behind_->resolve(path);
+    plan_->check(FileOperation::read, path);
+    return behind().resolve(path);
 }
 
 std::vector<DirectoryEntry> FaultyFileManager::contentsOfDirectory(const fs::path& path) const {
-    check(FileOperation::list, path);
-    return behind_->contentsOfDirectory(path);
+    plan_->check(FileOperation::list, path);
+    return behind().contentsOfDirectory(path);
 }
 
 void FaultyFileManager::createDirectory(const fs::path& path) const {
-    check(FileOperation::createFolder, path);
-    behind_->createDirectory(path);
+    plan_->check(FileOperation::createFolder, path);
+    behind().createDirectory(path);
 }
 
 void FaultyFileManager::removeItem(const fs::path& path) const {
-    check(FileOperation::remove, path);
-    behind_->removeItem(path);
+    plan_->check(FileOperation::remove, path);
+    behind().removeItem(path);
 }
 
 void FaultyFileManager::copyItem(const fs::path& source, const fs::path& destination) const {
     if (plan_->countsAndFails(FileOperation::copy, destination)) {
-        copyFirstHalf(*behind_, source, destination);
+        copyFirstHalf(behind(), source, destination);
         throw FileError(FileOperation::copy, destination, plan_->errorNumber());
     }
-    behind_->copyItem(source, destination);
+    behind().copyItem(source, destination);
 }
 
 void FaultyFileManager::replaceItem(const fs::path& destination, const fs::path& source) const {
-    check(FileOperation::replace, destination);
-    behind_->replaceItem(destination, source);
+    plan_->check(FileOperation::replace, destination);
+    behind().replaceItem(destination, source);
 }
 
 std::unique_ptr<File> FaultyFileManager::open(const fs::path& path, OpenMode mode) const {
     const bool forReading = mode == OpenMode::read || mode == OpenMode::update;
-    check(forReading ? FileOperation::read : FileOperation::write, path);
-    return std::make_unique<FaultyFile>(behind_->open(path, mode), path, plan_);
+    plan_->check(forReading ? FileOperation::read : FileOperation::write, path);
+    return std::make_unique<FaultyFile>(behind().open(path, mode), path, plan_);
 }
 
 void FaultyFileManager::flushVolume(const fs::path& path) const {
-    check(FileOperation::flush, path);
+    plan_->check(FileOperation::flush, path);
 }
 
 } // namespace torvo::test

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/FileManager.h"
+#include "ForwardingFileManager.h"
 
 #include <atomic>
 #include <cstdint>
@@ -28,6 +28,8 @@ public:
 
     /// Counts one operation. True when it is one that fails.
     bool countsAndFails(FileOperation operation, const std::filesystem::path& path);
+    /// Counts one operation. Throws its `FileError` when it is one that fails.
+    void check(FileOperation operation, const std::filesystem::path& path);
 
     std::uint64_t operationCount() const { return count_; }
     /// What has failed, in order.
@@ -46,7 +48,7 @@ private:
 /// Puts faults between the program and the disk. A write that fails has written its first half, and
 /// a file whose closing fails is closed. Flushing is counted and may fail, but the medium is not
 /// waited for: no test here survives a power cut, and a sweep flushes thousands of times.
-class FaultyFileManager final : public FileManager {
+class FaultyFileManager final : public ForwardingFileManager {
 public:
     FaultyFileManager(std::shared_ptr<const FileManager> behind, std::shared_ptr<FaultPlan> plan);
 
@@ -65,9 +67,6 @@ public:
     void flushVolume(const std::filesystem::path& path) const override;
 
 private:
-    void check(FileOperation operation, const std::filesystem::path& path) const;
-
-    std::shared_ptr<const FileManager> behind_;
     std::shared_ptr<FaultPlan> plan_;
 };
 

@@ -15,55 +15,39 @@ void LockedFolderFileManager::requireUnlockedParent(FileOperation operation,
         throw FileError(operation, path, EACCES);
 }
 
-std::optional<FileStatus> LockedFolderFileManager::linkStatus(const fs::path& path) const {
-    return real_->linkStatus(path);
-}
-
-std::optional<FileStatus> LockedFolderFileManager::status(const fs::path& path) const {
-    return real_->status(path);
-}
-
-fs::path LockedFolderFileManager::resolve(const fs::path& path) const {
-    return real_->resolve(path);
-}
-
 std::vector<DirectoryEntry>
 LockedFolderFileManager::contentsOfDirectory(const fs::path& path) const {
     if (path == locked_)
         throw FileError(FileOperation::list, path, EACCES);
-    return real_->contentsOfDirectory(path);
+    return behind().contentsOfDirectory(path);
 }
 
 void LockedFolderFileManager::createDirectory(const fs::path& path) const {
     requireUnlockedParent(FileOperation::createFolder, path);
-    real_->createDirectory(path);
+    behind().createDirectory(path);
 }
 
 void LockedFolderFileManager::removeItem(const fs::path& path) const {
     requireUnlockedParent(FileOperation::remove, path);
-    real_->removeItem(path);
+    behind().removeItem(path);
 }
 
 void LockedFolderFileManager::copyItem(const fs::path& source, const fs::path& destination) const {
     requireUnlockedParent(FileOperation::read, source);
     requireUnlockedParent(FileOperation::copy, destination);
-    real_->copyItem(source, destination);
+    behind().copyItem(source, destination);
 }
 
 void LockedFolderFileManager::replaceItem(const fs::path& destination,
                                           const fs::path& source) const {
     requireUnlockedParent(FileOperation::replace, destination);
-    real_->replaceItem(destination, source);
+    behind().replaceItem(destination, source);
 }
 
 std::unique_ptr<File> LockedFolderFileManager::open(const fs::path& path, OpenMode mode) const {
     requireUnlockedParent(mode == OpenMode::read ? FileOperation::read : FileOperation::write,
                           path);
-    return real_->open(path, mode);
-}
-
-void LockedFolderFileManager::flushVolume(const fs::path& path) const {
-    real_->flushVolume(path);
+    return behind().open(path, mode);
 }
 
 } // namespace torvo::test

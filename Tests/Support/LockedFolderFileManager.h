@@ -1,20 +1,15 @@
 #pragma once
 
-#include "Platform/FileManager.h"
-
-#include <memory>
+#include "ForwardingFileManager.h"
 
 namespace torvo::test {
 
 /// A file system in which one folder is locked: it can neither be listed, nor can anything in it be
 /// opened, created or replaced (`EACCES`). Tests may run as root, whom permission bits do not stop.
-class LockedFolderFileManager final : public FileManager {
+class LockedFolderFileManager final : public ForwardingFileManager {
 public:
     explicit LockedFolderFileManager(std::filesystem::path locked);
 
-    std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
-    std::optional<FileStatus> status(const std::filesystem::path& path) const override;
-    std::filesystem::path resolve(const std::filesystem::path& path) const override;
     std::vector<DirectoryEntry>
     contentsOfDirectory(const std::filesystem::path& path) const override;
     void createDirectory(const std::filesystem::path& path) const override;
@@ -24,12 +19,10 @@ public:
     void replaceItem(const std::filesystem::path& destination,
                      const std::filesystem::path& source) const override;
     std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;
-    void flushVolume(const std::filesystem::path& path) const override;
 
 private:
     void requireUnlockedParent(FileOperation operation, const std::filesystem::path& path) const;
 
-    std::shared_ptr<const FileManager> real_ = systemFileManager();
     std::filesystem::path locked_;
 };
 

@@ -70,6 +70,13 @@ MarkdownTable MarkdownPage::tableOf(const std::string& heading) const {
     return found->rows;
 }
 
+std::vector<std::string> MarkdownPage::headingsOfTables() const {
+    std::vector<std::string> headings;
+    for (const auto& table : tables_)
+        headings.push_back(table.heading);
+    return headings;
+}
+
 std::vector<std::string> listed(const std::string& cell) {
     return split(cell, ',');
 }

@@ -19,6 +19,8 @@ public:
     MarkdownTable table(const std::vector<std::string>& head, std::size_t skip = 0) const;
     /// The first table below the heading of that text.
     MarkdownTable tableOf(const std::string& heading) const;
+    /// The heading above each table, in order.
+    std::vector<std::string> headingsOfTables() const;
 
 private:
     struct Table {

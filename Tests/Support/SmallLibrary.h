@@ -18,8 +18,8 @@ namespace torvo::test {
 /// no sample and a folder that is left out. Returns the library's folder.
 std::filesystem::path writeSmallLibrary(const TemporaryFolder& inside);
 
-/// An AIFF file of 16 bits, mono, 44100 Hz.
-std::vector<std::byte> aiffFile(std::uint32_t frameCount);
+/// An AIFF file of 16 bits, mono, 44100 Hz, of rising frames.
+std::vector<std::byte> aiffRamp(std::size_t frameCount);
 
 /// The core put together as the application puts it together, over one file manager.
 class CoreServices {

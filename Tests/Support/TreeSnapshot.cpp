@@ -33,10 +33,21 @@ TreeItem itemAt(const fs::path& path, Times times) {
 TreeSnapshot snapshotOf(const fs::path& folder, Times times) {
     TreeSnapshot snapshot;
     snapshot.emplace(".", itemAt(folder, times));
-    const auto prefixLength = folder.native().size() + 1;
     for (const auto& entry : fs::recursive_directory_iterator(folder))
-        snapshot.emplace(entry.path().native().substr(prefixLength), itemAt(entry.path(), times));
+        snapshot.emplace(entry.path().lexically_relative(folder), itemAt(entry.path(), times));
     return snapshot;
+}
+
+std::map<std::string, std::string> contentsOf(const fs::path& folder) {
+    std::map<std::string, std::string> contents;
+    for (const auto& [path, item] : snapshotOf(folder, Times::doNotCount)) {
+        if (S_ISDIR(item.mode))
+            contents[path] = "/";
+        else
+            contents[path] = (S_ISLNK(item.mode) ? "-> " : "") + item.content;
+    }
+    contents.erase(".");
+    return contents;
 }
 
 std::vector<std::string> differences(const TreeSnapshot& before, const TreeSnapshot& after) {

@@ -26,6 +26,10 @@ enum class Times { count, doNotCount };
 /// Links are not followed. Sockets, pipes and devices are taken without their content.
 TreeSnapshot snapshotOf(const std::filesystem::path& folder, Times times = Times::count);
 
+/// Everything below a folder without its permissions and times: a file's bytes, "/" for a folder,
+/// "-> target" for a link.
+std::map<std::string, std::string> contentsOf(const std::filesystem::path& folder);
+
 /// One line for each item that differs: "+" appeared, "-" is gone, "!" changed.
 std::vector<std::string> differences(const TreeSnapshot& before, const TreeSnapshot& after);
 

@@ -9,11 +9,6 @@ namespace torvo::test {
 
 namespace {
 
-void appendLittleEndian(std::vector<std::byte>& to, std::uint64_t value, unsigned byteCount) {
-    for (unsigned i = 0; i < byteCount; ++i)
-        to.push_back(static_cast<std::byte>(value >> (8 * i)));
-}
-
 void appendSample(std::vector<std::byte>& to, const WavFormat& format, double sample) {
     if (format.encoding == WavEncoding::floatingPoint) {
         if (format.bits == 64)
@@ -30,22 +25,6 @@ void appendSample(std::vector<std::byte>& to, const WavFormat& format, double sa
 }
 
 } // namespace
-
-void append(std::vector<std::byte>& to, std::span<const std::byte> bytes) {
-    to.insert(to.end(), bytes.begin(), bytes.end());
-}
-
-void append(std::vector<std::byte>& to, std::string_view text) {
-    append(to, std::as_bytes(std::span(text)));
-}
-
-void appendUInt16(std::vector<std::byte>& to, std::uint16_t value) {
-    appendLittleEndian(to, value, 2);
-}
-
-void appendUInt32(std::vector<std::byte>& to, std::uint32_t value) {
-    appendLittleEndian(to, value, 4);
-}
 
 std::vector<std::byte> riffChunk(std::string_view id, std::span<const std::byte> payload) {
     std::vector<std::byte> chunk;

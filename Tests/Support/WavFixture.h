@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Bytes.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -30,10 +32,5 @@ std::vector<std::byte> riffFile(const std::vector<std::vector<std::byte>>& chunk
 
 /// Id, size, payload and the pad byte of an odd one.
 std::vector<std::byte> riffChunk(std::string_view id, std::span<const std::byte> payload);
-
-void append(std::vector<std::byte>& to, std::span<const std::byte> bytes);
-void append(std::vector<std::byte>& to, std::string_view text);
-void appendUInt16(std::vector<std::byte>& to, std::uint16_t value);
-void appendUInt32(std::vector<std::byte>& to, std::uint32_t value);
 
 } // namespace torvo::test

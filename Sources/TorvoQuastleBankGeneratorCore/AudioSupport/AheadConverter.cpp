@@ -1,5 +1,8 @@
 #include "AudioSupport/AheadConverter.h"
 
+#include "AudioSupport/ConvertedFileWriter.h"
+#include "Platform/TaskOrder.h"
+
 #include <tbb/global_control.h>
 #include <tbb/task_arena.h>
 
@@ -39,6 +42,7 @@ AheadConverter::AheadConverter(std::shared_ptr<const FileManager> fileManager,
 AheadConverter::~AheadConverter() noexcept {
     isStopping_ = true;
     tasks_.wait();
+    taskOrder::afterWaiting();
 }
 
 std::shared_ptr<const ConvertedBytes> AheadConverter::take(std::size_t index) {
@@ -133,7 +137,11 @@ void AheadConverter::startTasks() {
     while (taskCount_ < taskLimit_ && waiting > 0 && mayConvertAnother()) {
         ++taskCount_;
         --waiting;
-        tasks_.run([this] { work(); });
+        taskOrder::beforeStarting();
+        tasks_.run([this] {
+            [[maybe_unused]] const taskOrder::InTask task;
+            work();
+        });
     }
 }
 

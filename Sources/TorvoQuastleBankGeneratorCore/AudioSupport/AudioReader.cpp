@@ -2,7 +2,7 @@
 
 #include "AudioSupport/AudioError.h"
 #include "AudioSupport/AudioFileType.h"
-#include "AudioSupport/CompressedAudioReader.h"
+#include "AudioSupport/CompressedAudio.h"
 #include "AudioSupport/WavReader.h"
 
 namespace torvo {
@@ -19,10 +19,9 @@ std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes, const AudioFileT
         if (auto reader = WavReader::open(bytes))
             return reader;
         if (const auto offset = oggStreamInWav(bytes))
-            return std::make_unique<CompressedAudioReader>(
-                bytes, AudioFileType{AudioContainer::ogg, *offset});
+            return openCompressedAudio(bytes, {AudioContainer::ogg, *offset});
     }
-    return std::make_unique<CompressedAudioReader>(bytes, type);
+    return openCompressedAudio(bytes, type);
 }
 
 } // namespace torvo

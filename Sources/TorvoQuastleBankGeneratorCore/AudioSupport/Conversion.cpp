@@ -17,46 +17,7 @@ std::int16_t rounded(double sample) {
         std::lrint(std::clamp(sample * fullScale, -fullScale, fullScale - 1)));
 }
 
-class HeaderBytes {
-public:
-    void text(std::string_view value) {
-        for (const char character : value)
-            bytes_[length_++] = static_cast<std::byte>(character);
-    }
-    void integer(std::uint32_t value, unsigned byteCount) {
-        for (unsigned i = 0; i < byteCount; ++i)
-            bytes_[length_++] = static_cast<std::byte>(value >> (8 * i) & 0xFF);
-    }
-    const std::array<std::byte, convertedHeaderSize>& bytes() const { return bytes_; }
-
-private:
-    std::array<std::byte, convertedHeaderSize> bytes_{};
-    std::size_t length_ = 0;
-};
-
 } // namespace
-
-std::array<std::byte, convertedHeaderSize> convertedHeader(std::uint32_t dataSize) {
-    constexpr std::uint32_t integerPCM = 1;
-    constexpr std::uint32_t channels = 1;
-    constexpr std::uint32_t sampleRate = 44100; // Hz
-    constexpr std::uint32_t bytesPerFrame = 2;
-    HeaderBytes header;
-    header.text("RIFF");
-    header.integer(static_cast<std::uint32_t>(convertedHeaderSize - 8) + dataSize, 4);
-    header.text("WAVE");
-    header.text("fmt ");
-    header.integer(16, 4);
-    header.integer(integerPCM, 2);
-    header.integer(channels, 2);
-    header.integer(sampleRate, 4);
-    header.integer(sampleRate * bytesPerFrame, 4);
-    header.integer(bytesPerFrame, 2);
-    header.integer(8 * bytesPerFrame, 2);
-    header.text("data");
-    header.integer(dataSize, 4);
-    return header.bytes();
-}
 
 ConversionSource::ConversionSource(const FileManager& fileManager, const FileURL& url) {
     checkingStatus("Unable to open source audio file " + url.lastPathComponent() + ".", [&] {

@@ -5,7 +5,6 @@
 #include "Platform/FileManager.h"
 #include "Platform/FileURL.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -16,13 +15,6 @@ namespace torvo {
 
 /// What is moved at a time, from reading to writing.
 constexpr std::size_t conversionBlockFrames = 4096;
-/// The header of a converted file: RIFF, one "fmt " chunk, the header of "data".
-constexpr std::size_t convertedHeaderSize = 44; // bytes
-/// The longest recording that the 32-bit sizes of a WAV file can tell, in bytes of audio.
-constexpr std::uint64_t longestConvertedData = 0xFFFFFFFE - (convertedHeaderSize - 8);
-
-/// The header of a WAV file with `dataSize` bytes at 44100 Hz, 16-bit, mono.
-std::array<std::byte, convertedHeaderSize> convertedHeader(std::uint32_t dataSize);
 
 /// A sample file opened for conversion, read as the device's 16-bit frames. Every function throws
 /// `GenerationError::exportFailed` with the text for the user and the library's status.

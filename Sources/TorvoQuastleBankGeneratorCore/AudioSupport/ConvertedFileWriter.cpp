@@ -1,19 +1,60 @@
 #include "AudioSupport/ConvertedFileWriter.h"
 
 #include "AudioSupport/AudioError.h"
-#include "AudioSupport/Conversion.h"
 #include "AudioSupport/StatusCheck.h"
+#include "Models/Device.h"
 
 #include <cerrno>
 #include <string>
+#include <string_view>
 
 namespace torvo {
 
 namespace {
 
 constexpr std::string_view unableToWrite = "Unable to write converted audio data.";
+// The longest recording that the 32-bit sizes of a WAV file can tell, in bytes of audio.
+constexpr std::uint64_t longestConvertedData = 0xFFFFFFFE - (convertedHeaderSize - 8);
+
+class HeaderBytes {
+public:
+    void text(std::string_view value) {
+        for (const char character : value)
+            bytes_[length_++] = static_cast<std::byte>(character);
+    }
+    void integer(std::uint32_t value, unsigned byteCount) {
+        for (unsigned i = 0; i < byteCount; ++i)
+            bytes_[length_++] = static_cast<std::byte>(value >> (8 * i) & 0xFF);
+    }
+    const std::array<std::byte, convertedHeaderSize>& bytes() const { return bytes_; }
+
+private:
+    std::array<std::byte, convertedHeaderSize> bytes_{};
+    std::size_t length_ = 0;
+};
 
 } // namespace
+
+std::array<std::byte, convertedHeaderSize> convertedHeader(std::uint32_t dataSize) {
+    constexpr std::uint32_t integerPCM = 1;
+    constexpr std::uint32_t channels = 1;
+    constexpr std::uint32_t bytesPerFrame = 2;
+    HeaderBytes header;
+    header.text("RIFF");
+    header.integer(static_cast<std::uint32_t>(convertedHeaderSize - 8) + dataSize, 4);
+    header.text("WAVE");
+    header.text("fmt ");
+    header.integer(16, 4);
+    header.integer(integerPCM, 2);
+    header.integer(channels, 2);
+    header.integer(device::sampleRate, 4);
+    header.integer(device::sampleRate * bytesPerFrame, 4);
+    header.integer(bytesPerFrame, 2);
+    header.integer(8 * bytesPerFrame, 2);
+    header.text("data");
+    header.integer(dataSize, 4);
+    return header.bytes();
+}
 
 void removeExisting(const FileManager& fileManager, const FileURL& destination) {
     if (fileManager.linkStatus(destination.path()))

@@ -3,6 +3,7 @@
 #include "Platform/FileManager.h"
 #include "Platform/FileURL.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,6 +11,12 @@
 #include <span>
 
 namespace torvo {
+
+/// The header of a converted file: RIFF, one "fmt " chunk, the header of "data".
+constexpr std::size_t convertedHeaderSize = 44; // bytes
+
+/// The header of a WAV file with `dataSize` bytes at 44100 Hz, 16-bit, mono.
+std::array<std::byte, convertedHeaderSize> convertedHeader(std::uint32_t dataSize);
 
 /// Removes what stands at a destination. Throws the file manager's error unchanged.
 void removeExisting(const FileManager& fileManager, const FileURL& destination);

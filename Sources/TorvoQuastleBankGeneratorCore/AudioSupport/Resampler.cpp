@@ -1,6 +1,7 @@
 #include "AudioSupport/Resampler.h"
 
 #include "AudioSupport/AudioError.h"
+#include "Models/Device.h"
 
 #include <soxr.h>
 
@@ -16,7 +17,7 @@ namespace torvo {
 namespace {
 
 constexpr std::size_t blockFrames = 4096;
-constexpr std::uint64_t outputRate = 44100;   // Hz
+constexpr std::uint64_t outputRate = device::sampleRate;
 constexpr std::uint64_t leadInPerSecond = 50; // at least 1/50 s of silence
 constexpr std::array<double, blockFrames> silence{};
 
@@ -37,7 +38,7 @@ struct Resampler::Filter {
         const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_VHQ, 0);
         const soxr_runtime_spec_t runtime = soxr_runtime_spec(1);
         soxr_error_t error = nullptr;
-        handle = soxr_create(inputRate, deviceSampleRate, 1, &error, &io, &quality, &runtime);
+        handle = soxr_create(inputRate, device::sampleRate, 1, &error, &io, &quality, &runtime);
         if (handle == nullptr || error != nullptr)
             throw AudioError(-ENOMEM);
     }

@@ -10,8 +10,6 @@
 
 namespace torvo {
 
-constexpr double deviceSampleRate = 44100; // Hz
-
 /// A reader's frames at the device's sample rate, without delay: frame 0 stays frame 0, and
 /// frames × 44100 / rate of them come, rounded half up. At the device's rate already they pass
 /// untouched. The result does not depend on how many are asked for at a time.

@@ -2,6 +2,7 @@
 
 #include "AudioSupport/Conversion.h"
 #include "AudioSupport/ConvertedFileWriter.h"
+#include "Models/Device.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,7 +11,6 @@ namespace torvo {
 
 namespace {
 
-constexpr std::int64_t channelCount = 8;
 // A channel's file and its copy in the pool.
 constexpr int preparationsPerChannel = 2;
 // A multiple of eight, as the fingerprint wants its parts.
@@ -20,37 +20,71 @@ bool needsConversion(const SampleCandidate& sample) {
     return std::holds_alternative<RequiresConversion>(sample.compatibility);
 }
 
-/// Copies the audio of a converted file that may have grown since. False when it is not there any
-/// more as it was; the destination is then worth nothing.
-bool copyConverted(const FileManager& fileManager, const FileURL& written,
-                   const ConvertedAudio& audio, const FileURL& destination) {
-    std::unique_ptr<const File> file;
-    ConvertedAudio copied;
-    std::vector<std::byte> block(
-        convertedHeaderSize +
-        static_cast<std::size_t>(std::min<std::uint64_t>(copyBlockSize, audio.dataSize)));
-    const auto header = convertedHeader(static_cast<std::uint32_t>(audio.dataSize));
-    const auto readPart = [&](std::uint64_t offset, std::span<std::byte> bytes) {
+/// A converted file of this run that may have grown since by its stamp, read again from its header
+/// on. What cannot be read, or is not what was written, counts as gone.
+class WrittenAudio {
+public:
+    WrittenAudio(const FileManager& fileManager, const FileURL& written,
+                 const ConvertedAudio& expected)
+        : expected_(expected) {
         try {
-            if (!file)
-                file = fileManager.open(written.path(), OpenMode::read);
-            return file->read(offset, bytes) == bytes.size();
+            file_ = fileManager.open(written.path(), OpenMode::read);
+        } catch (const FileError&) {
+            // Nothing will be read.
+        }
+    }
+
+    /// Fills `bytes` with what comes next. False when it is not there.
+    bool readNext(std::span<std::byte> bytes) {
+        try {
+            if (!file_ || file_->read(position_, bytes) < bytes.size())
+                return false;
         } catch (const FileError&) {
             return false;
         }
-    };
-    const auto addPart = [&copied](std::span<const std::byte> part) {
-        copied.dataSize += part.size();
-        copied.fingerprint.add(part);
-    };
+        position_ += bytes.size();
+        return true;
+    }
 
-    if (!readPart(0, block) ||
-        !std::ranges::equal(std::span(block).first(convertedHeaderSize), header))
-        return false;
+    bool readHeader(std::span<std::byte> header) {
+        return readNext(header) &&
+               std::ranges::equal(header,
+                                  convertedHeader(static_cast<std::uint32_t>(expected_.dataSize)));
+    }
+
+    bool readAudio(std::span<std::byte> part) {
+        if (!readNext(part))
+            return false;
+        found_.dataSize += part.size();
+        found_.fingerprint.add(part);
+        return true;
+    }
+
+    std::uint64_t bytesLeft() const { return expected_.dataSize - found_.dataSize; }
+    /// True when all that was read is what was written.
+    bool isUnchanged() const { return found_ == expected_; }
+
+private:
+    const ConvertedAudio& expected_;
+    std::unique_ptr<const File> file_;
+    std::uint64_t position_ = 0;
+    ConvertedAudio found_;
+};
+
+/// Copies the audio of a converted file. False when it is not there any more as it was; the
+/// destination is then worth nothing.
+bool copyConverted(const FileManager& fileManager, const FileURL& written,
+                   const ConvertedAudio& audio, const FileURL& destination) {
+    WrittenAudio source(fileManager, written, audio);
+    std::vector<std::byte> block(
+        convertedHeaderSize +
+        static_cast<std::size_t>(std::min<std::uint64_t>(copyBlockSize, audio.dataSize)));
+    const auto header = std::span(block).first(convertedHeaderSize);
     const auto data = std::span(block).subspan(convertedHeaderSize);
-    addPart(data);
-    if (data.size() == audio.dataSize) {
-        if (copied != audio)
+    if (!source.readHeader(header) || !source.readAudio(data))
+        return false;
+    if (source.bytesLeft() == 0) {
+        if (!source.isUnchanged())
             return false;
         ConvertedFileWriter(fileManager, destination).writeWhole(block);
         return true;
@@ -58,16 +92,15 @@ bool copyConverted(const FileManager& fileManager, const FileURL& written,
     ConvertedFileWriter output(fileManager, destination);
     output.configure(audio.dataSize);
     output.write(data);
-    while (copied.dataSize < audio.dataSize) {
-        const auto part = data.first(static_cast<std::size_t>(
-            std::min<std::uint64_t>(data.size(), audio.dataSize - copied.dataSize)));
-        if (!readPart(convertedHeaderSize + copied.dataSize, part))
+    while (source.bytesLeft() > 0) {
+        const auto part = data.first(
+            static_cast<std::size_t>(std::min<std::uint64_t>(data.size(), source.bytesLeft())));
+        if (!source.readAudio(part))
             return false;
-        addPart(part);
         output.write(part);
     }
     output.finish();
-    return copied == audio;
+    return source.isUnchanged();
 }
 
 } // namespace
@@ -77,7 +110,7 @@ RunPreparer::RunPreparer(std::shared_ptr<const FileManager> fileManager,
     : fileManager_(fileManager), plain_(fileManager) {
     std::vector<FileURL> sources;
     for (const BankRecipe& recipe : recipes) {
-        for (std::int64_t channel = 1; channel <= channelCount; ++channel) {
+        for (std::int64_t channel = 1; channel <= device::channelCount; ++channel) {
             const auto found = recipe.channels.find(channel);
             if (found == recipe.channels.end() || !needsConversion(found->second))
                 continue;

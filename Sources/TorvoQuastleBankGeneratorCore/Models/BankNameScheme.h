@@ -8,7 +8,9 @@ namespace torvo {
 /// How a run's banks and files are named, made from the name of the source folder.
 struct BankNameScheme {
     std::string sourceFolderName;
-    std::string prefix; ///< at most 6 characters when derived from the name
+    /// Up to 6 characters when derived from the name, 8 where the upper case of the first is
+    /// longer.
+    std::string prefix;
 
     BankNameScheme() = default;
     /// Derives the prefix from the name.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Models/BankMappingDocument.h"
 #include "Models/BankNameScheme.h"
 #include "Models/BankRecipe.h"
 #include "Models/GenerationMode.h"
@@ -23,6 +24,10 @@ struct ExportJob {
     TorvoMetadataOptions metadataOptions;
     std::vector<BankRecipe> recipes; ///< in bank order
 };
+
+/// The export that writes a document's banks.
+ExportJob exportJob(const BankMappingDocument& document, const FileURL& exportFolder,
+                    const TorvoMetadataOptions& metadataOptions);
 
 /// The counts of a finished export.
 struct ExportSummary {

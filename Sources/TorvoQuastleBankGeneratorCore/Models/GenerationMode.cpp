@@ -1,5 +1,7 @@
 #include "Models/GenerationMode.h"
 
+#include "Models/Device.h"
+
 #include <algorithm>
 
 namespace torvo {
@@ -16,7 +18,7 @@ std::optional<Case> withRawValue(const std::array<Case, count>& all, std::string
 /// Eight channels of one role, labelled with its name and the channel number.
 GenerationTemplate uniformTemplate(std::string name, ChannelRole role) {
     GenerationTemplate uniform{std::move(name), {}};
-    for (std::int64_t channel = 1; channel <= 8; ++channel) {
+    for (std::int64_t channel = 1; channel <= device::channelCount; ++channel) {
         uniform.slots.push_back(
             {channel, role, std::string(displayName(role)) + " " + std::to_string(channel)});
     }

@@ -3,6 +3,7 @@
 #include "Models/DecodingError.h"
 #include "Models/GenerationError.h"
 #include "Platform/FileError.h"
+#include "Platform/LoadedLibrary.h"
 
 #include <new>
 
@@ -30,6 +31,8 @@ std::string userFacingDescription(const std::exception& error) {
     if (const auto* decoding = dynamic_cast<const DecodingError*>(&error))
         return asSentence(documentName(*decoding) +
                           " cannot be used: " + decoding->errorDescription());
+    if (const auto* installation = dynamic_cast<const BrokenInstallation*>(&error))
+        return installation->what();
     if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
         return "There is not enough memory.";
     return asSentence(std::string("Something unexpected went wrong: ") + error.what());

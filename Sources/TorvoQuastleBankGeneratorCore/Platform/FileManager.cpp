@@ -1,12 +1,11 @@
 #include "Platform/FileManager.h"
 
+#include "Platform/TemporaryName.h"
 #include "Platform/UnicodeText.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
-#include <random>
 #include <string_view>
 
 namespace torvo {
@@ -28,28 +27,6 @@ std::vector<DirectoryEntry> sortedContents(const FileManager& fileManager, const
     auto entries = fileManager.contentsOfDirectory(folder);
     std::ranges::sort(entries, {}, &DirectoryEntry::name);
     return entries;
-}
-
-constexpr std::string_view temporaryPrefix = ".torvo-";
-constexpr std::string_view temporarySuffix = ".tmp";
-constexpr std::size_t temporaryDigits = 16;
-
-/// Short, so that it fits beside a name of the greatest length; hidden, so that neither the device
-/// nor a scan takes it for a sample.
-std::string temporaryName() {
-    static thread_local std::mt19937_64 random{std::random_device{}()};
-    std::array<char, temporaryDigits + 1> digits{};
-    static_cast<void>(std::snprintf(digits.data(), digits.size(), "%016llx",
-                                    static_cast<unsigned long long>(random())));
-    return std::string(temporaryPrefix) + digits.data() + std::string(temporarySuffix);
-}
-
-bool isTemporaryName(std::string_view name) {
-    if (name.size() != temporaryPrefix.size() + temporaryDigits + temporarySuffix.size() ||
-        !name.starts_with(temporaryPrefix) || !name.ends_with(temporarySuffix))
-        return false;
-    return name.substr(temporaryPrefix.size(), temporaryDigits)
-               .find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
 
 bool saysNothingIsThere(const FileError& error) {
@@ -126,7 +103,8 @@ std::vector<std::byte> readFile(const FileManager& fileManager, const fs::path& 
 
 void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
                          std::span<const std::byte> bytes, std::optional<fs::perms> permissions) {
-    const auto temporary = path.parent_path() / temporaryName();
+    const TemporaryName name;
+    const auto temporary = path.parent_path() / name.text();
     try {
         const auto file = fileManager.open(temporary, OpenMode::createUnique);
         file->write(0, bytes);
@@ -169,7 +147,7 @@ void WrittenFolder::flush() const {
 void removeAbandonedTemporaries(const FileManager& fileManager, const fs::path& folder) {
     try {
         for (const auto& entry : fileManager.contentsOfDirectory(folder)) {
-            if (entry.kind == FileKind::regular && isTemporaryName(entry.name))
+            if (entry.kind == FileKind::regular && isAbandonedTemporary(entry.name))
                 fileManager.removeItem(folder / entry.name);
         }
     } catch (const FileError&) {

@@ -15,6 +15,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+static_assert(sizeof(off_t) == sizeof(std::uint64_t), "files may be larger than 2 GiB");
+
 /// A file descriptor that closes itself.
 class Descriptor {
 public:
@@ -144,14 +146,17 @@ private:
 void copyBytes(const Descriptor& from, const Descriptor& to, const fs::path& source,
                const fs::path& destination) {
     constexpr std::size_t atOnce = std::size_t{1} << 30U;
-    for (;;) {
+    for (bool hasCopied = false;;) {
         const auto count =
             ::copy_file_range(from.number(), nullptr, to.number(), nullptr, atOnce, 0);
-        if (count == 0)
+        if (count == 0 && hasCopied)
             return;
-        if (count > 0 || errno == EINTR)
+        hasCopied = hasCopied || count > 0;
+        if (count > 0 || (count < 0 && errno == EINTR))
             continue;
-        if (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP)
+        // Some file systems say that a file is at its end instead of refusing.
+        if (count == 0 || errno == EXDEV || errno == ENOSYS || errno == EINVAL ||
+            errno == EOPNOTSUPP || errno == EPERM)
             break;
         throw FileError(FileOperation::copy, destination, errno);
     }
@@ -181,7 +186,8 @@ void copyBytes(const Descriptor& from, const Descriptor& to, const fs::path& sou
 Descriptor openRegular(const fs::path& path, int flags) {
     Descriptor descriptor(openDescriptor(path, flags | O_NONBLOCK));
     if (!descriptor.isValid())
-        throw FileError(FileOperation::read, path, errno);
+        throw FileError(flags == O_RDONLY ? FileOperation::read : FileOperation::write, path,
+                        errno);
     struct stat details {};
     if (::fstat(descriptor.number(), &details) != 0)
         throw FileError(FileOperation::inspect, path, errno);

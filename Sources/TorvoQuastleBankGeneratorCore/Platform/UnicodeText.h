@@ -6,7 +6,7 @@
 #include <vector>
 
 /// Unicode operations on UTF-8 text. Every function takes any bytes: what is not UTF-8 counts as
-/// U+FFFD, which is no letter.
+/// U+FFFD, which is no letter. What the Unicode library refuses to do is a `std::runtime_error`.
 namespace torvo::text {
 
 /// The same text, with each ill-formed byte sequence replaced by U+FFFD.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AudioSupport/AudioFileType.h"
-#include "AudioSupport/FFmpegHandles.h"
+#include "FFmpegHandles.h"
 
 #include <exception>
 

@@ -1,8 +1,8 @@
-#include "AudioSupport/FrameMix.h"
+#include "FrameMix.h"
 
 #include "AudioSupport/AudioError.h"
-#include "AudioSupport/FFmpegHandles.h"
 #include "AudioSupport/MonoMix.h"
+#include "FFmpegHandles.h"
 
 #include <cstdint>
 #include <type_traits>

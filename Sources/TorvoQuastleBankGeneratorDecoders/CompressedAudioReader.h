@@ -15,6 +15,7 @@ public:
     ~CompressedAudioReader() override;
 
     const AudioStreamFormat& format() const override;
+    /// As the header tells, if that is credible.
     std::optional<std::uint64_t> expectedFrameCount() const override;
     /// Damaged packets are passed over.
     std::size_t read(std::span<double> frames) override;

@@ -1,4 +1,4 @@
-#include "AudioSupport/MediaInput.h"
+#include "MediaInput.h"
 
 #include "AudioSupport/AudioError.h"
 
@@ -10,6 +10,8 @@
 namespace torvo {
 
 namespace {
+
+static_assert(AudioError::invalidDataStatus == AVERROR_INVALIDDATA);
 
 constexpr std::size_t bufferSize = std::size_t{16} * 1024; // bytes
 // What one allocation may take, whatever a small file claims in its header.
@@ -80,11 +82,13 @@ MediaInput::MediaInput(const ByteSource& bytes, const AudioFileType& type)
         av_free(buffer);
         throw std::bad_alloc();
     }
+    const AVInputFormat* const demuxer = av_find_input_format(demuxerName(type.container));
+    if (demuxer == nullptr) // the library would guess by itself
+        throw AudioError(AVERROR_DEMUXER_NOT_FOUND);
     auto* context = allocated(avformat_alloc_context());
     context->pb = io_.get();
     context->io_open = refuseToOpen;
     context->max_streams = mostStreams;
-    const AVInputFormat* const demuxer = av_find_input_format(demuxerName(type.container));
     // On failure the library frees the context itself.
     const int status = avformat_open_input(&context, "", demuxer, nullptr);
     context_.reset(context);

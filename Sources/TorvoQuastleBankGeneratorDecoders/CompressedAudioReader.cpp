@@ -1,8 +1,8 @@
-#include "AudioSupport/CompressedAudioReader.h"
+#include "CompressedAudioReader.h"
 
 #include "AudioSupport/AudioError.h"
-#include "AudioSupport/FrameMix.h"
-#include "AudioSupport/MediaInput.h"
+#include "FrameMix.h"
+#include "MediaInput.h"
 
 #include <algorithm>
 #include <new>
@@ -127,11 +127,12 @@ public:
         if (format_.channels <= 0 || format_.sampleRate < lowestSampleRate ||
             format_.sampleRate > highestSampleRate)
             throw AudioError::invalidData();
-        framesLeft_ = declaredFrameCount();
+        declaredFrames_ = declaredFrameCount();
+        framesLeft_ = declaredFrames_;
     }
 
     const AudioStreamFormat& format() const { return format_; }
-    std::optional<std::uint64_t> framesLeft() const { return framesLeft_; }
+    std::optional<std::uint64_t> declaredFrames() const { return declaredFrames_; }
 
     std::size_t read(std::span<double> frames) {
         if (framesLeft_ && *framesLeft_ < frames.size())
@@ -204,7 +205,8 @@ private:
         // replication ticks at half the rate.)
         const AVRational frameTime{1, static_cast<int>(format_.sampleRate)};
         const bool isExact = av_cmp_q(stream_.time_base, av_mul_q(frameTime, {2, 1})) <= 0;
-        if (stream_.duration == AV_NOPTS_VALUE || stream_.duration < 0 || !isExact)
+        // No length at all is what a header says that was written before its sound.
+        if (stream_.duration == AV_NOPTS_VALUE || stream_.duration <= 0 || !isExact)
             return std::nullopt;
         return static_cast<std::uint64_t>(
             av_rescale_q(stream_.duration, stream_.time_base, frameTime));
@@ -259,6 +261,7 @@ private:
     ffmpeg::Packet packet_;
     ffmpeg::Frame frame_;
     std::size_t position_ = 0; ///< in `frame_`
+    std::optional<std::uint64_t> declaredFrames_;
     std::optional<std::uint64_t> framesLeft_;
     int codecRate_ = 0; ///< Hz
     bool rateKnown_ = false;
@@ -276,7 +279,13 @@ const AudioStreamFormat& CompressedAudioReader::format() const {
 }
 
 std::optional<std::uint64_t> CompressedAudioReader::expectedFrameCount() const {
-    return decoder_->framesLeft();
+    // Who writes into a pipe cannot know how much will come, and claims the most: a claim that no
+    // device file could hold says nothing.
+    constexpr double longestRecording = 48'000; // seconds
+    const auto declared = decoder_->declaredFrames();
+    const bool isCredible =
+        declared && static_cast<double>(*declared) <= longestRecording * format().sampleRate;
+    return isCredible ? declared : std::nullopt;
 }
 
 std::size_t CompressedAudioReader::read(std::span<double> frames) {

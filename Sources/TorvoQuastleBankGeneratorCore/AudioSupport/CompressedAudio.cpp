@@ -1,0 +1,14 @@
+#include "AudioSupport/CompressedAudio.h"
+
+#include "Platform/LoadedLibrary.h"
+
+namespace torvo {
+
+std::unique_ptr<AudioReader> openCompressedAudio(const ByteSource& bytes,
+                                                 const AudioFileType& type) {
+    static const auto open = reinterpret_cast<decltype(&torvoOpenCompressedAudio)>(
+        symbolOfLibrary(installedLibrary(TORVO_DECODERS), "torvoOpenCompressedAudio"));
+    return std::unique_ptr<AudioReader>(open(bytes, type));
+}
+
+} // namespace torvo

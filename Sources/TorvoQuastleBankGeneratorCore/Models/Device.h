@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+/// What the hardware sampler fixes.
+namespace torvo::device {
+
+/// The folder on the card that it reads.
+inline constexpr std::string_view folderName = "QZT508";
+/// Channels are numbered from 1.
+constexpr std::int64_t channelCount = 8;
+constexpr std::uint32_t sampleRate = 44100; ///< Hz
+
+constexpr bool hasChannel(std::int64_t number) {
+    return number >= 1 && number <= channelCount;
+}
+
+} // namespace torvo::device

@@ -1,0 +1,37 @@
+#include "Platform/LoadedLibrary.h"
+
+#include <dlfcn.h>
+
+namespace torvo {
+
+namespace {
+
+[[noreturn]] void throwLoadError() {
+    const char* const reason = dlerror();
+    throw BrokenInstallation("A part of this program cannot be loaded: " +
+                             std::string(reason != nullptr ? reason : "unknown reason") +
+                             ". Installing it again may help.");
+}
+
+} // namespace
+
+std::filesystem::path installedLibrary(const std::filesystem::path& relative) {
+    std::error_code code;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", code);
+    if (code)
+        throw BrokenInstallation(
+            "The program cannot find itself: /proc/self/exe: " + code.message() + ".");
+    return program.parent_path() / relative;
+}
+
+void* symbolOfLibrary(const std::filesystem::path& library, const char* name) {
+    void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr)
+        throwLoadError();
+    void* const symbol = dlsym(handle, name);
+    if (symbol == nullptr)
+        throwLoadError();
+    return symbol;
+}
+
+} // namespace torvo

@@ -1,0 +1,7 @@
+#include "AudioSupport/CompressedAudio.h"
+#include "CompressedAudioReader.h"
+
+__attribute__((visibility("default"))) torvo::AudioReader*
+torvoOpenCompressedAudio(const torvo::ByteSource& bytes, const torvo::AudioFileType& type) {
+    return std::make_unique<torvo::CompressedAudioReader>(bytes, type).release();
+}
