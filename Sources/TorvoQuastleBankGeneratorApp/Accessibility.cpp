@@ -14,6 +14,7 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QCheckBox>
+#include <QLabel>
 
 namespace torvo::app {
 
@@ -72,7 +73,23 @@ public:
     }
 };
 
+/// Named by its content.
+class AccessibleAnnouncement final : public QAccessibleWidget {
+public:
+    explicit AccessibleAnnouncement(QWidget* widget)
+        : QAccessibleWidget(widget, QAccessible::Notification) {}
+
+    QString text(QAccessible::Text kind) const override {
+        const auto* label = qobject_cast<const QLabel*>(widget());
+        return kind == QAccessible::Name && label ? label->text() : QAccessibleWidget::text(kind);
+    }
+};
+
+constexpr const char* announced = "announced";
+
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+    if (object->property(announced).toBool())
+        return new AccessibleAnnouncement(static_cast<QWidget*>(object));
     if (auto* header = qobject_cast<DisclosureHeader*>(object))
         return new AccessibleDisclosureHeader(header);
     if (qobject_cast<QCheckBox*>(object) || qobject_cast<ChannelToggleButton*>(object))
@@ -98,6 +115,15 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
 
 void installAccessibility() {
     QAccessible::installFactory(makeInterface);
+}
+
+void setAnnounced(QWidget& widget) {
+    widget.setProperty(announced, true);
+}
+
+void announce(QWidget& widget) {
+    QAccessibleEvent appeared(&widget, QAccessible::ObjectShow);
+    QAccessible::updateAccessibility(&appeared);
 }
 
 } // namespace torvo::app

@@ -161,8 +161,12 @@ void AppModel::generateBanks() {
 }
 
 void AppModel::startRun(std::function<Publication()> work) {
+    ++unfinishedRuns_;
     setRunState(Running{});
-    tasks_.startInTurn([this, work = std::move(work)] {
+    tasks_.startInTurn([this, work = std::move(work), hasWaited = unfinishedRuns_ > 1] {
+        // The end of the run before stands in its place.
+        if (hasWaited)
+            tasks_.postToMainThread([this] { setRunState(Running{}); });
         Publication publication;
         try {
             publication = work();
@@ -171,7 +175,10 @@ void AppModel::startRun(std::function<Publication()> work) {
                 setRunState(Failed{failure});
             };
         }
-        tasks_.postToMainThread(std::move(publication));
+        tasks_.postToMainThread([this, publication = std::move(publication)] {
+            --unfinishedRuns_;
+            publication();
+        });
     });
 }
 
@@ -179,14 +186,7 @@ AppModel::CompletedExport AppModel::writeBanks(const BankExporter& exporter,
                                                std::shared_ptr<const BankMappingDocument> document,
                                                const FileURL& exportFolder,
                                                const TorvoMetadataOptions& options) {
-    const ExportJob job{.sourceFolder = document->sourceFolder,
-                        .exportFolder = exportFolder,
-                        .generationTemplate = document->generationTemplate,
-                        .targetBankCount = std::ssize(document->recipes),
-                        .seed = document->recipes.empty() ? 0 : document->recipes.front().seed,
-                        .naming = document->naming,
-                        .metadataOptions = options,
-                        .recipes = document->recipes};
+    const auto job = exportJob(*document, exportFolder, options);
     const ExportSummary summary = exporter.exportBanks(job, [this](const ProgressUpdate& update) {
         tasks_.postToMainThread([this, update] { setRunState(Running{update}); });
     });

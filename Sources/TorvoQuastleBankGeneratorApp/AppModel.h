@@ -88,6 +88,9 @@ public:
     bool canApplyExistingBankMetadata() const;
     bool canClearSource() const;
     bool isRunning() const { return std::holds_alternative<Running>(runState_); }
+    /// A run is being carried out or waits for its turn, whatever `runState` shows meanwhile: a new
+    /// scan or a document that could not be saved takes its place there.
+    bool hasUnfinishedRun() const { return unfinishedRuns_ > 0; }
     /// The folder that a run writes into.
     std::optional<FileURL> expectedExportRoot() const;
     /// Background work is in progress, results on their way to the main thread included.
@@ -153,6 +156,7 @@ private:
     RunState runState_ = Idle{};
     std::shared_ptr<const BankMappingDocument> currentDocument_;
     std::optional<FileURL> lastJSONURL_;
+    int unfinishedRuns_ = 0;
 
     /// Last, so that it waits for its work while everything above still stands.
     BackgroundTasks tasks_;

@@ -35,8 +35,7 @@ void AppModel::importJSON() {
         setRunState(Failed{userFacingDescription(error)});
         return;
     }
-    const auto folder =
-        exportFolder_ ? exportFolder_ : pickFolder("Choose an export destination folder");
+    const auto folder = exportFolder_ ? exportFolder_ : pickFolder(exportFolderTitle);
     if (!folder)
         return;
 

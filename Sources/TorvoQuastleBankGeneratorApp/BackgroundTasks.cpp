@@ -1,8 +1,21 @@
 #include "BackgroundTasks.h"
 
+#include <sys/resource.h>
 #include <utility>
 
 namespace torvo::app {
+
+namespace {
+
+/// The window answers first. On Linux this is a matter of the calling thread alone, and of the
+/// threads that it starts.
+void giveWayToTheWindow() {
+    constexpr int niceness = 10;
+    if (getpriority(PRIO_PROCESS, 0) < niceness)
+        setpriority(PRIO_PROCESS, 0, niceness); // refused, it changes nothing but the comfort
+}
+
+} // namespace
 
 BackgroundTasks::~BackgroundTasks() {
     for (std::thread& thread : threads_)
@@ -30,6 +43,7 @@ void BackgroundTasks::launchNextInTurn() {
 void BackgroundTasks::launch(Work work, std::function<void()> ended) {
     const auto slot = threads_.emplace(threads_.end());
     *slot = std::thread([this, slot, work = std::move(work), ended = std::move(ended)]() mutable {
+        giveWayToTheWindow();
         work();
         // What the work holds (a scan of a large library) is freed here, not on the main thread.
         work = nullptr;

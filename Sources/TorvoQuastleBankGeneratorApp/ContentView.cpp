@@ -2,8 +2,10 @@
 
 #include "AppModel.h"
 #include "Binding.h"
+#include "Controls/Card.h"
 #include "Controls/DropZone.h"
 #include "Controls/FocusRing.h"
+#include "Controls/ScrollFade.h"
 #include "Controls/ThreeWayModeToggle.h"
 #include "MarloTheme.h"
 #include "Views/ChannelsCard.h"
@@ -27,7 +29,7 @@ constexpr int columnWidth = 880;
 constexpr int sideMargin = 4 * MarloTheme::grid;
 constexpr int verticalMargin = 3 * MarloTheme::grid;
 constexpr int cardSpacing = 12;
-constexpr int roomForCounts = 100; ///< what a scan will add
+constexpr int statusMargin = 10; ///< above and below the state of the run
 constexpr double modeHeight = 42;
 
 } // namespace
@@ -36,8 +38,6 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
     : QWidget(parent), scrollArea_(new QScrollArea) {
     setMinimumSize(smallestSize);
     setAcceptDrops(false);
-    // A tooltip on a disabled button needs this where no window manager activates the window.
-    setAttribute(Qt::WA_AlwaysShowToolTips);
 
     scrollArea_->setWidgetResizable(true);
     scrollArea_->setFrameShape(QFrame::NoFrame);
@@ -51,7 +51,10 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
     layout->setSpacing(0);
     layout->addWidget(scrollArea_, 1);
     layout->addWidget(makeFooter(model));
-    new FocusRing(*this);
+    layout->addWidget(makeStatus(model));
+    new ScrollFade(*scrollArea_);
+    setMargins(sideMargin, 0);
+    connect(new FocusRing(*this), &FocusRing::moved, this, &ContentView::bringIntoSight);
     // Enter opens the panel right after the start; no ring before the first key.
     findChild<DropZone*>()->setFocus(Qt::NoFocusReason);
 }
@@ -81,12 +84,24 @@ QWidget* ContentView::makeFooter(AppModel& model) {
     footer_ = new QVBoxLayout(content);
     footer_->setSpacing(cardSpacing);
     footer_->addWidget(new OutputCard(model));
-    footer_->addWidget(new RunMessage(model));
     return content;
 }
 
+QWidget* ContentView::makeStatus(AppModel& model) {
+    auto* content = new QWidget;
+    status_ = new QVBoxLayout(content);
+    status_->addWidget(new RunMessage(model));
+    return content;
+}
+
+void ContentView::bringIntoSight(QWidget* control) {
+    if (scrollArea_->widget()->isAncestorOf(control))
+        scrollArea_->ensureWidgetVisible(control);
+}
+
 QSize ContentView::sizeHint() const {
-    const int height = column_->sizeHint().height() + footer_->sizeHint().height() + roomForCounts;
+    const int height = column_->totalHeightForWidth(columnWidth) + footer_->sizeHint().height() +
+                       status_->sizeHint().height();
     return QSize(columnWidth, height).expandedTo(smallestSize);
 }
 
@@ -102,17 +117,29 @@ bool ContentView::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ContentView::alignColumns() {
-    const int side = sideMargin + std::max(0, (width() - columnWidth) / 2);
     // The scroll bar takes its place from the margin: both columns keep one right edge.
-    const int scrollBar = width() - scrollArea_->viewport()->width();
+    setMargins(sideMargin + std::max(0, (width() - columnWidth) / 2),
+               width() - scrollArea_->viewport()->width());
+}
+
+void ContentView::setMargins(int side, int scrollBar) {
     column_->setContentsMargins(side, verticalMargin, side - scrollBar, cardSpacing);
+    // The scroll bar comes and goes while the column is being laid out, which loses a request to do
+    // so again.
+    column_->activate();
     footer_->setContentsMargins(side, cardSpacing, side, cardSpacing);
+    // In line with what stands in the cards.
+    const int statusSide = side + Card::horizontalPadding;
+    status_->setContentsMargins(statusSide, statusMargin, statusSide, statusMargin);
 }
 
 void ContentView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), MarloTheme::surface);
     painter.fillRect(0, scrollArea_->geometry().bottom() + 1, width(), 1, MarloTheme::line);
+    const QRect status = status_->parentWidget()->geometry();
+    painter.fillRect(status, MarloTheme::panel);
+    painter.fillRect(0, status.top(), width(), 1, MarloTheme::line);
 }
 
 } // namespace torvo::app

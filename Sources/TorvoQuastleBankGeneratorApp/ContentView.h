@@ -28,10 +28,14 @@ protected:
 private:
     QWidget* makeScrolledColumn(AppModel& model);
     QWidget* makeFooter(AppModel& model);
+    QWidget* makeStatus(AppModel& model);
     void alignColumns();
+    void setMargins(int side, int scrollBar);
+    void bringIntoSight(QWidget* control);
 
     QVBoxLayout* column_ = nullptr;
     QVBoxLayout* footer_ = nullptr;
+    QVBoxLayout* status_ = nullptr;
     QScrollArea* scrollArea_;
 };
 

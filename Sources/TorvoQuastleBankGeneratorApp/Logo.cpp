@@ -2,11 +2,6 @@
 
 #include <QDir>
 
-/// Files inside a static library are found only after this; the macro wants the global namespace.
-static void registerResources() {
-    Q_INIT_RESOURCE(resources);
-}
-
 namespace torvo::app {
 
 QStringList halvorineLogoLocations() {
@@ -18,7 +13,6 @@ QStringList halvorineLogoLocations() {
 }
 
 QImage loadHalvorineLogoImage(const QStringList& locations) {
-    registerResources();
     for (const QString& location : locations)
         if (QImage image(location); !image.isNull())
             return image;

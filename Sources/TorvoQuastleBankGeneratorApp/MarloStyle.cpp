@@ -1,13 +1,24 @@
 #include "MarloStyle.h"
 
+#include "Controls/ComboItemDelegate.h"
+#include "Controls/DialogPainting.h"
+#include "Controls/FocusRing.h"
+#include "Controls/MarloButton.h"
+#include "Controls/MenuPainting.h"
 #include "Controls/Painting.h"
+#include "Controls/PopupPainting.h"
 #include "MarloTheme.h"
 
+#include <QComboBox>
+#include <QDialog>
+#include <QEvent>
 #include <QFocusFrame>
+#include <QLineEdit>
 #include <QListView>
+#include <QMenu>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPolygonF>
+#include <QPushButton>
 #include <QStyleOption>
 
 #include <algorithm>
@@ -18,15 +29,13 @@ using MarloTheme::withOpacity;
 
 namespace {
 
-constexpr double comboRadius = 8;
-constexpr int comboHeight = 34;
-constexpr int comboPadding = 12;
 constexpr int comboArrowWidth = 32;
+constexpr int popupGap = 4; ///< between a combo box and its list
 constexpr int indicatorSide = 18;
 constexpr int scrollBarExtent = 12;
 constexpr int scrollHandleLength = 32;
 constexpr int listFrameWidth = 4;
-constexpr double ringWidth = 2;
+constexpr int toolTipPadding = 5;
 constexpr double plainCornerRadius = 4;
 
 bool has(const QStyleOption& option, QStyle::StateFlag flag) {
@@ -41,6 +50,11 @@ double cornerRadius(const QWidget* widget) {
 
 bool isFramedList(const QWidget* widget) {
     return qobject_cast<const QListView*>(widget) && widget->property("cornerRadius").isValid();
+}
+
+/// The window around the list of a combo box; its class is not public.
+bool isComboPopup(const QObject* object) {
+    return object && object->inherits("QComboBoxPrivateContainer");
 }
 
 void paintCheckIndicator(QPainter& painter, const QStyleOption& option) {
@@ -61,7 +75,7 @@ void paintCheckIndicator(QPainter& painter, const QStyleOption& option) {
 }
 
 void paintCombo(QPainter& painter, const QStyleOption& option) {
-    paintRoundedRect(painter, option.rect, comboRadius, MarloTheme::panelRaised,
+    paintRoundedRect(painter, option.rect, fieldRadius, MarloTheme::panelRaised,
                      has(option, QStyle::State_MouseOver) ? withOpacity(MarloTheme::accent, 0.6)
                                                           : MarloTheme::line);
     const QPointF center(option.rect.right() - comboArrowWidth / 2.0 + 1,
@@ -74,16 +88,8 @@ void paintCombo(QPainter& painter, const QStyleOption& option) {
 void paintComboLabel(QPainter& painter, const QStyleOptionComboBox& option) {
     painter.setFont(MarloTheme::font(14, MarloTheme::FontCut::medium));
     painter.setPen(MarloTheme::ink);
-    painter.drawText(option.rect.adjusted(comboPadding, 0, -comboArrowWidth, 0),
+    painter.drawText(option.rect.adjusted(ComboItemDelegate::textMargin, 0, -comboArrowWidth, 0),
                      Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, option.currentText);
-}
-
-void paintFocusRing(QPainter& painter, const QRectF& rect, double radius) {
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(MarloTheme::ink, ringWidth));
-    painter.setBrush(Qt::NoBrush);
-    const double inset = ringWidth / 2;
-    painter.drawRoundedRect(rect.adjusted(inset, inset, -inset, -inset), radius, radius);
 }
 
 QRect scrollHandle(const QStyleOptionSlider& bar) {
@@ -132,6 +138,37 @@ QPalette MarloStyle::standardPalette() const {
     return palette;
 }
 
+void MarloStyle::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    if (auto* dialog = qobject_cast<QDialog*>(widget)) {
+        if (!dialog->findChild<FocusRing*>())
+            new FocusRing(*dialog);
+    } else if (qobject_cast<QPushButton*>(widget)) {
+        widget->setProperty("cornerRadius", MarloButtonStyle::cornerRadius);
+    } else if (qobject_cast<QLineEdit*>(widget)) {
+        widget->setProperty("cornerRadius", fieldRadius);
+    } else if (qobject_cast<QMenu*>(widget)) {
+        widget->setAttribute(Qt::WA_TranslucentBackground);
+    } else if (auto* box = qobject_cast<QComboBox*>(widget)) {
+        box->setProperty("cornerRadius", fieldRadius);
+        box->setItemDelegate(new ComboItemDelegate(box));
+        // Before the window of the list exists: later it could not become translucent.
+        QWidget* popup = box->view()->parentWidget();
+        box->view()->viewport()->setAutoFillBackground(false);
+        popup->setAttribute(Qt::WA_TranslucentBackground);
+        popup->installEventFilter(this);
+    }
+}
+
+bool MarloStyle::eventFilter(QObject* watched, QEvent* event) {
+    // The list's window takes its mask off when it is resized.
+    if (event->type() == QEvent::Show && isComboPopup(watched)) {
+        auto* popup = static_cast<QWidget*>(watched);
+        popup->setMask(popupMask(popup->rect()));
+    }
+    return QProxyStyle::eventFilter(watched, event);
+}
+
 void MarloStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const {
     switch (element) {
@@ -147,12 +184,24 @@ void MarloStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
         painter->drawRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5));
         return;
     case PE_Frame:
-        if (isFramedList(widget)) {
+        if (isComboPopup(widget))
+            paintPopupPanel(*painter, option->rect);
+        else
             paintRoundedRect(*painter, option->rect, cornerRadius(widget), MarloTheme::surface,
                              MarloTheme::line);
+        return;
+    case PE_PanelMenu:
+        paintPopupPanel(*painter, option->rect);
+        return;
+    case PE_PanelLineEdit:
+        if (const auto* field = qstyleoption_cast<const QStyleOptionFrame*>(option)) {
+            paintField(*painter, *field);
             return;
         }
         break;
+    case PE_PanelButtonTool:
+        paintToolButton(*painter, *option);
+        return;
     default:
         break;
     }
@@ -168,10 +217,43 @@ void MarloStyle::drawControl(ControlElement element, const QStyleOption* option,
             return;
         }
         break;
+    case CE_PushButton:
+        if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+            paintPushButton(*painter, *button);
+            return;
+        }
+        break;
+    case CE_MenuItem:
+        if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
+            paintMenuItem(*painter, *item);
+            return;
+        }
+        break;
+    case CE_MenuBarItem:
+        if (const auto* title = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
+            paintMenuTitle(*painter, *title);
+            // The chosen title, until its menu opens.
+            if (widget && widget->hasFocus() && has(*option, State_Selected) &&
+                !has(*option, State_Sunken))
+                paintFocusRing(*painter, option->rect, plainCornerRadius);
+            return;
+        }
+        break;
+    case CE_MenuBarEmptyArea:
+        painter->fillRect(option->rect, MarloTheme::surface);
+        return;
+    case CE_MenuEmptyArea:
+        return; // the panel is painted already
+    case CE_HeaderSection:
+    case CE_HeaderEmptyArea:
+        paintColumnHead(*painter, *option);
+        return;
+    case CE_Splitter:
+        return; // the frames at its sides show where it is
     case CE_FocusFrame:
         if (const auto* frame = qobject_cast<const QFocusFrame*>(widget)) {
             paintFocusRing(*painter, option->rect,
-                           cornerRadius(frame->widget()) + focusRingMargin - ringWidth / 2);
+                           cornerRadius(frame->widget()) + focusRingMargin - focusRingWidth / 2);
             return;
         }
         break;
@@ -197,6 +279,8 @@ void MarloStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
 
 QRect MarloStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
                                  SubControl subControl, const QWidget* widget) const {
+    if (control == CC_ComboBox && subControl == SC_ComboBoxListBoxPopup)
+        return option->rect.adjusted(0, -popupGap, 0, popupGap);
     if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
         bar && control == CC_ScrollBar) {
         const QRect handle = scrollHandle(*bar);
@@ -222,7 +306,16 @@ QRect MarloStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
 QSize MarloStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                                    const QWidget* widget) const {
     if (type == CT_ComboBox)
-        return {size.width() + comboPadding + comboArrowWidth, comboHeight};
+        return {size.width() + ComboItemDelegate::textMargin + comboArrowWidth, fieldHeight};
+    if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        item && type == CT_MenuItem)
+        return menuItemSize(*item);
+    if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        button && type == CT_PushButton)
+        return pushButtonSize(*button);
+    if (const auto* field = qstyleoption_cast<const QStyleOptionFrame*>(option);
+        field && type == CT_LineEdit && field->lineWidth > 0)
+        return {size.width(), fieldHeight};
     return QProxyStyle::sizeFromContents(type, option, size, widget);
 }
 
@@ -241,7 +334,16 @@ int MarloStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_FocusFrameHMargin:
     case PM_FocusFrameVMargin:
         return focusRingMargin;
+    case PM_MenuPanelWidth:
+        return 0;
+    case PM_MenuHMargin:
+    case PM_MenuVMargin:
+        return Popup::padding;
+    case PM_ToolTipLabelFrameWidth:
+        return toolTipPadding;
     case PM_DefaultFrameWidth:
+        if (isComboPopup(widget))
+            return Popup::padding;
         return isFramedList(widget) ? listFrameWidth
                                     : QProxyStyle::pixelMetric(metric, option, widget);
     default:
@@ -252,8 +354,14 @@ int MarloStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
 int MarloStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                           QStyleHintReturn* returnData) const {
     switch (hint) {
+    case SH_Menu_Mask:
+        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returnData); mask && option)
+            mask->region = popupMask(option->rect);
+        return 1;
     case SH_FocusFrame_AboveWidget:
         return 1;
+    case SH_EtchDisabledText: // a second, shifted text looks bold
+    case SH_DialogButtonBox_ButtonsHaveIcons:
     case SH_FocusFrame_Mask:
     case SH_ComboBox_Popup: // a list below the control, not a menu over it
     case SH_ScrollBar_Transient:

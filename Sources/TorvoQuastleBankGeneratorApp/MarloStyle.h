@@ -5,7 +5,7 @@
 
 namespace torvo::app {
 
-/// The theme for the toolkit's own controls: combo boxes, check boxes, scroll bars, menus,
+/// The theme for the toolkit's own controls: combo boxes, check boxes, scroll bars, menus, dialogs,
 /// tooltips, list frames and the ring around what has the keyboard focus.
 class MarloStyle final : public QProxyStyle {
     Q_OBJECT
@@ -16,6 +16,9 @@ public:
     /// How far the focus ring stands off its control.
     static constexpr int focusRingMargin = 3;
 
+    using QProxyStyle::polish;
+    /// Panels and boxes get a focus ring like the window's.
+    void polish(QWidget* widget) override;
     QPalette standardPalette() const override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
@@ -31,6 +34,9 @@ public:
                     const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* returnData) const override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
 } // namespace torvo::app

@@ -7,6 +7,9 @@
 
 namespace torvo::app {
 
+inline constexpr const char* sourceFolderTitle = "Choose a source sample folder";
+inline constexpr const char* exportFolderTitle = "Choose an export destination folder";
+
 /// The modal panels in which the user names a file or a folder. None means cancelled.
 class Panels {
 public:

@@ -23,8 +23,12 @@ void allowJSONOnly(QFileDialog& panel) {
 
 } // namespace
 
+void QtPanels::startAt(const std::string& title, const std::optional<FileURL>& folder) {
+    starts_[title] = folder ? QFile::decodeName(folder->path().c_str()) : QString();
+}
+
 std::optional<FileURL> QtPanels::pickFolder(const std::string& title) {
-    QFileDialog panel(window_, toQString(title));
+    QFileDialog panel(window_, toQString(title), starts_[title]);
     panel.setFileMode(QFileDialog::Directory);
     panel.setOption(QFileDialog::ShowDirsOnly);
     return run(panel, FileURL::Kind::directory);

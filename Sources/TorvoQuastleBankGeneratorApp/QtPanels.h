@@ -2,6 +2,10 @@
 
 #include "Panels.h"
 
+#include <QString>
+
+#include <map>
+
 class QWidget;
 
 namespace torvo::app {
@@ -11,6 +15,8 @@ class QtPanels final : public Panels {
 public:
     /// Until a window is named, panels stand alone.
     void setWindow(QWidget* window) { window_ = window; }
+    /// Where the folder panel of this title opens; none: where the program was started.
+    void startAt(const std::string& title, const std::optional<FileURL>& folder);
 
     std::optional<FileURL> pickFolder(const std::string& title) override;
     std::optional<FileURL> saveJSONPanel(const std::string& defaultFileName) override;
@@ -18,6 +24,7 @@ public:
 
 private:
     QWidget* window_ = nullptr;
+    std::map<std::string, QString> starts_; ///< by title
 };
 
 } // namespace torvo::app

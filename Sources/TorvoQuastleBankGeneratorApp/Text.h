@@ -17,4 +17,7 @@ inline QString shownPath(const FileURL& url) {
     return toQString(url.shownPath());
 }
 
+/// A tooltip that shows the text as it is: Qt takes "<b>kick.txt" for markup.
+QString plainToolTip(const QString& text);
+
 } // namespace torvo::app

@@ -1,5 +1,6 @@
 #include "TorvoQuastleBankGeneratorApp.h"
 
+#include "About.h"
 #include "Accessibility.h"
 #include "AudioSupport.h"
 #include "Binding.h"
@@ -10,9 +11,13 @@
 
 #include <QApplication>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QScreen>
 #include <QToolTip>
+
+/// Files inside a static library are found only after this; the macro wants the global namespace.
+static void registerResources() {
+    Q_INIT_RESOURCE(resources);
+}
 
 namespace torvo::app {
 
@@ -31,6 +36,7 @@ BankExporter makeExporter() {
 } // namespace
 
 void installTheme() {
+    registerResources();
     auto* style = new MarloStyle;
     QApplication::setStyle(style);
     QApplication::setPalette(style->standardPalette());
@@ -47,6 +53,12 @@ TorvoQuastleBankGeneratorApp::TorvoQuastleBankGeneratorApp()
     window_.setWindowTitle(QString::fromLatin1(applicationName));
     // In the window from the start: moving there later would cost the view its focus.
     window_.setCentralWidget(new ContentView(model_, &window_));
+    bind(
+        model_, &window_, [this] { panels_->startAt(sourceFolderTitle, model_.sourceFolder()); },
+        &AppModel::sourceFolderChanged);
+    bind(
+        model_, &window_, [this] { panels_->startAt(exportFolderTitle, model_.exportFolder()); },
+        &AppModel::exportFolderChanged);
     addFileMenu();
     addHelpMenu();
 }
@@ -76,7 +88,7 @@ void TorvoQuastleBankGeneratorApp::addHelpMenu() {
     QObject::connect(
         about, &QAction::triggered, &window_,
         [this, title = about->text()] {
-            QMessageBox::about(&window_, title, QString::fromLatin1(applicationName));
+            showAbout(&window_, title, QString::fromLatin1(applicationName));
         },
         Qt::QueuedConnection);
 }

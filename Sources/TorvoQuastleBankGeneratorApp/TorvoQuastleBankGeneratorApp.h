@@ -1,9 +1,8 @@
 #pragma once
 
 #include "AppModel.h"
+#include "MainWindow.h"
 #include "QtPanels.h"
-
-#include <QMainWindow>
 
 #include <memory>
 
@@ -28,10 +27,10 @@ private:
 
     std::shared_ptr<QtPanels> panels_;
     AppModel model_;
-    QMainWindow window_;
+    MainWindow window_;
 };
 
-/// The theme for the whole process. Called once, before the first window.
+/// The theme for the whole process, its pictures included. Called once, before the first window.
 void installTheme();
 
 } // namespace torvo::app

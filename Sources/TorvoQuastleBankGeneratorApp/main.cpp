@@ -15,17 +15,21 @@ bool hasDisplay() {
 }
 
 void tellMissingDisplay() {
-    std::cerr << "Torvo Quastle Bank Generator needs a graphical display, and there is none."
+    std::cerr << "Torvo Quastle Bank Generator needs a graphical display, and none could be opened."
               << std::endl;
 }
 
-/// Qt ends the process with a core dump when the display that is named does not answer.
+/// Qt ends the process with a core dump when the display that is named does not answer, or when the
+/// plugin for its kind is not installed. Both it calls by this one name.
 void tellMissingDisplayInsteadOfAborting(QtMsgType type, const QMessageLogContext&,
-                                         const QString&) {
+                                         const QString& message) {
     if (type != QtFatalMsg)
         return;
-    tellMissingDisplay();
-    std::_Exit(EXIT_FAILURE);
+    if (message.contains(QStringLiteral("no Qt platform plugin could be initialized"))) {
+        tellMissingDisplay();
+        std::_Exit(EXIT_FAILURE);
+    }
+    std::cerr << message.toStdString() << std::endl;
 }
 
 } // namespace
@@ -41,9 +45,8 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(standardHandler);
     QApplication::setApplicationName(QString::fromLatin1(torvo::app::applicationName));
     QApplication::setDesktopFileName(QStringLiteral("io.github.torvo_quastle.bank_generator"));
-    Q_INIT_RESOURCE(resources);
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon.png")));
     torvo::app::installTheme();
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon.png")));
     torvo::app::TorvoQuastleBankGeneratorApp app;
     app.showWindow();
     const int status = QApplication::exec();

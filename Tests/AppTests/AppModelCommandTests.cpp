@@ -136,6 +136,24 @@ TEST_F(AppModelCommandTest, asksForTheOutputFolderWhenThereIsNone) {
     waitForWork();
 }
 
+TEST_F(AppModelCommandTest, aCancelledFolderPanelLeavesEverything) {
+    savedDocument(documentURL());
+    scan(drumKit());
+    const auto source = model.sourceFolder();
+    const auto scanned = model.scanState();
+    panels->document = documentURL();
+    model.importJSON();
+    EXPECT_EQ(panels->asked, (Asked{"open", folderPanel}));
+    EXPECT_EQ(model.sourceFolder(), source);
+    EXPECT_FALSE(model.exportFolder());
+    EXPECT_EQ(model.generationMode(), GenerationMode::drums);
+    EXPECT_TRUE(model.scanState() == scanned);
+    EXPECT_TRUE(runIs(AppModel::Idle{}));
+    EXPECT_FALSE(model.currentDocument());
+    EXPECT_FALSE(model.lastJSONURL());
+    EXPECT_FALSE(model.isBusy());
+}
+
 TEST_F(AppModelCommandTest, writesTheBanksOfADocument) {
     loops();
     const auto document = savedDocument(documentURL());
@@ -195,7 +213,18 @@ TEST_F(AppModelCommandTest, importOfAGoneFolderFailsWhileWriting) {
 }
 
 TEST_F(AppModelCommandTest, theDocumentNamesTheTargetOnceTheSourceIsGone) {
-    import();
+    loops();
+    savedDocument(documentURL());
+    panels->document = documentURL();
+    model.setExportFolder(outputFolder());
+    const auto gate = preparer->holdBank(1);
+    model.importJSON();
+    model.clearSource();
+    EXPECT_FALSE(model.canClearSource());
+    gate->open();
+    waitForWork();
+    EXPECT_FALSE(model.sourceFolder());
+    ASSERT_TRUE(model.currentDocument());
     EXPECT_EQ(model.expectedExportRoot(), FileURL::directory(folder / "out/Loops/QZT508"));
     EXPECT_TRUE(model.canClearSource());
 }

@@ -1,7 +1,6 @@
 #include "AppModel.h"
 #include "Support/AppFixture.h"
 
-#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 using namespace torvo;
@@ -142,13 +141,10 @@ TEST_F(AppModelTest, aNewModeScansAgain) {
 }
 
 TEST_F(AppModelTest, aNewModeWithoutASourceResets) {
-    generateAndSave();
-    const auto saved = model.lastJSONURL();
-    model.clearSource();
-    panels->document = saved;
-    model.setSourceFolder(FileURL::directory(folder / "absent"));
-    waitForWork();
-    model.clearSource();
+    panels->document = FileURL(folder.write("broken.json", "no document"));
+    model.importJSON();
+    ASSERT_FALSE(runFailure().empty());
+    ASSERT_FALSE(model.sourceFolder());
     model.setGenerationMode(GenerationMode::stabs);
     EXPECT_EQ(model.generationMode(), GenerationMode::stabs);
     EXPECT_TRUE(scanIs(Idle{}));

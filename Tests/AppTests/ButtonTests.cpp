@@ -3,7 +3,9 @@
 #include "MarloTheme.h"
 #include "Support/Pixels.h"
 
+#include <QApplication>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -124,6 +126,16 @@ TEST(MarloButton, paintsEachStateInItsColours) {
     }
 }
 
+TEST(MarloButton, hasRoundCornersAndAThinBorder) {
+    const QImage image = painted(canvas, Qt::black, [](QPainter& painter) {
+        MarloButtonStyle{.prominent = true}.paint(painter, QRectF({0, 0}, canvas), QString());
+    });
+    EXPECT_NEAR(cornerRadius(image, Qt::black, MarloTheme::accent), 10, 0.6);
+    const QImage ordinary = drawn(MarloButtonStyle{});
+    EXPECT_PIXEL(ordinary, 30, 0, blended(MarloTheme::line, MarloTheme::panelRaised));
+    EXPECT_PIXEL(ordinary, 30, 1, MarloTheme::panelRaised);
+}
+
 TEST(MarloButton, isPressedByMouseSpaceAndEnter) {
     MarloButton button(QStringLiteral("GO"), MarloButton::Kind::ordinary);
     button.show();
@@ -137,6 +149,17 @@ TEST(MarloButton, isPressedByMouseSpaceAndEnter) {
     QTest::mouseClick(&button, Qt::LeftButton);
     QTest::keyClick(&button, Qt::Key_Return);
     EXPECT_EQ(clicks.size(), 4);
+}
+
+TEST(MarloButton, isPressedOnceHoweverLongEnterIsHeld) {
+    MarloButton button(QStringLiteral("GO"), MarloButton::Kind::ordinary);
+    button.show();
+    QSignalSpy clicks(&button, &QAbstractButton::clicked);
+    for (const bool repeated : {false, true, true}) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, repeated);
+        QApplication::sendEvent(&button, &press);
+    }
+    EXPECT_EQ(clicks.size(), 1);
 }
 
 TEST(MarloButton, answersThePointer) {
@@ -218,6 +241,17 @@ TEST(ChannelToggleButton, paintsEachStateInItsColours) {
         EXPECT_PIXEL(image, 0, 0, MarloTheme::panel);
         EXPECT_LE(distanceOfLabel(image, QRect(28, 4, 16, 20), blended(row.label, fill)), 40);
     }
+}
+
+TEST(ChannelToggleButton, hasRoundCornersAndAThinBorder) {
+    const QSize size = ChannelToggleButtonStyle::size;
+    const QImage image = painted(size, Qt::black, [size](QPainter& painter) {
+        ChannelToggleButtonStyle{.selected = true}.paint(painter, QRectF({0, 0}, size), QString());
+    });
+    EXPECT_NEAR(cornerRadius(image, Qt::black, MarloTheme::accent), 8, 0.6);
+    const QImage off = drawn(ChannelToggleButtonStyle{});
+    EXPECT_PIXEL(off, 15, 0, blended(MarloTheme::line, MarloTheme::panelRaised));
+    EXPECT_PIXEL(off, 15, 1, MarloTheme::panelRaised);
 }
 
 TEST(ChannelToggleButton, leavesTheChangeToItsOwner) {

@@ -1,4 +1,5 @@
 #include "ContentView.h"
+#include "Controls/Card.h"
 #include "Controls/ChannelToggleButton.h"
 #include "Controls/CountRow.h"
 #include "Controls/DisclosureHeader.h"
@@ -11,7 +12,9 @@
 #include "Controls/StatusIcon.h"
 #include "Controls/ThreeWayModeToggle.h"
 #include "MarloTheme.h"
-#include "Support/AppFixture.h"
+#include "Support/ContentViewFixture.h"
+#include "Support/Pixels.h"
+#include "Support/UrlReceiver.h"
 #include "Text.h"
 #include "WavFixture.h"
 
@@ -26,9 +29,14 @@
 #include <QListView>
 #include <QMimeData>
 #include <QScrollArea>
+#include <QStyleOptionViewItem>
 #include <QTest>
+#include <QTextDocument>
 #include <QUrl>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
 
 using namespace torvo;
 using namespace torvo::app;
@@ -38,78 +46,7 @@ namespace {
 
 const QString hint = QStringLiteral("Choose an output folder above!");
 
-class ContentViewTest : public testing::Test, protected AppFixture {
-protected:
-    ContentView view{model};
-
-    ContentViewTest() {
-        view.resize(880, 1200);
-        view.show();
-    }
-
-    template <typename Widget>
-    std::vector<Widget*> showing() const {
-        std::vector<Widget*> found;
-        for (auto* widget : view.findChildren<Widget*>())
-            if (widget->isVisible())
-                found.push_back(widget);
-        return found;
-    }
-    /// The label that shows exactly this text, or none.
-    QLabel* label(const QString& text) const {
-        for (auto* label : showing<QLabel>())
-            if (label->text() == text)
-                return label;
-        return nullptr;
-    }
-    bool shows(const char* text) const { return label(QString::fromUtf8(text)) != nullptr; }
-    QAbstractButton* button(const char* text) const {
-        for (auto* button : showing<QAbstractButton>())
-            if (button->text() == QString::fromUtf8(text))
-                return button;
-        return nullptr;
-    }
-    QAbstractButton* sourceButton() const {
-        return view.findChild<QAbstractButton*>(QStringLiteral("chooseSourceFolder"));
-    }
-    QAbstractButton* outputButton() const {
-        return view.findChild<QAbstractButton*>(QStringLiteral("chooseExportFolder"));
-    }
-    QAbstractButton* mainButton() const {
-        return view.findChild<QAbstractButton*>(QStringLiteral("mainButton"));
-    }
-    /// Presses and lets what was queued happen.
-    void press(QAbstractButton* button) {
-        ASSERT_TRUE(button);
-        QTest::mouseClick(button, Qt::LeftButton);
-        QApplication::processEvents();
-    }
-    DisclosureSection* section(const char* name) const {
-        return view.findChild<DisclosureSection*>(QString::fromLatin1(name));
-    }
-    QColor colorOf(const char* text) const {
-        const QLabel* found = label(QString::fromUtf8(text));
-        return found ? found->palette().color(QPalette::WindowText) : QColor();
-    }
-    /// What the zone answers to a drop of these.
-    bool drop(const QList<QUrl>& urls) {
-        QMimeData data;
-        data.setUrls(urls);
-        auto* zone = view.findChild<DropZone*>();
-        QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(zone, &enter);
-        EXPECT_EQ(zone->isTargeted(), enter.isAccepted());
-        QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        drop.ignore();
-        QApplication::sendEvent(zone, &drop);
-        EXPECT_FALSE(zone->isTargeted());
-        return drop.isAccepted();
-    }
-    static QUrl url(const std::filesystem::path& path) {
-        return QUrl::fromLocalFile(QString::fromStdString(path.string()));
-    }
-    FileURL deviceFolder() const { return FileURL::directory(folder.createFolder("QZT508")); }
-};
+class ContentViewTest : public testing::Test, protected ContentViewFixture {};
 
 } // namespace
 
@@ -119,6 +56,52 @@ TEST_F(ContentViewTest, namesItselfInTheHeader) {
     EXPECT_EQ(title->font().pixelSize(), 30);
     EXPECT_EQ(title->font().weight(), QFont::Bold);
     EXPECT_TRUE(button("Halvorine"));
+}
+
+TEST_F(ContentViewTest, headsItsCards) {
+    for (const char* heading : {"SOURCE", "CHANNELS", "METADATA", "OUTPUT"}) {
+        const QLabel* found = label(QString::fromLatin1(heading));
+        ASSERT_TRUE(found) << heading;
+        EXPECT_TRUE(qobject_cast<Card*>(found->parentWidget())) << heading;
+    }
+    EXPECT_TRUE(shows("TARGET"));
+}
+
+TEST_F(ContentViewTest, keepsItsColumnNarrow) {
+    for (const int width : {880, 1400, 2001}) {
+        view.resize(width, 1200);
+        QApplication::processEvents();
+        for (auto* card : showing<Card>()) {
+            const int left = card->mapTo(&view, QPoint(0, 0)).x();
+            EXPECT_LE(card->width(), 880) << width;
+            EXPECT_LE(std::abs(left - (width - left - card->width())), 1) << width;
+        }
+    }
+}
+
+TEST_F(ContentViewTest, hasOneProminentButton) {
+    model.setExportFolder(outputFolder());
+    scan(drumKit());
+    int prominent = 0;
+    for (auto* button : showing<MarloButton>()) {
+        const QColor fill = button == mainButton() ? MarloTheme::accent : MarloTheme::panelRaised;
+        EXPECT_PIXEL(button->grab().toImage(), 4, button->height() / 2, fill);
+        prominent += fill == MarloTheme::accent ? 1 : 0;
+    }
+    EXPECT_EQ(showing<MarloButton>().size(), 4U);
+    EXPECT_EQ(prominent, 1);
+}
+
+TEST_F(ContentViewTest, opensTheMakersPage) {
+    UrlReceiver receiver("https");
+    press(button("Halvorine"));
+    EXPECT_EQ(receiver.opened, QList<QUrl>{QUrl(QStringLiteral("https://halvorine.example/"))});
+}
+
+TEST_F(ContentViewTest, tellsTheTwoFolderButtonsApart) {
+    EXPECT_EQ(sourceButton()->text(), outputButton()->text());
+    EXPECT_EQ(sourceButton()->accessibleDescription(), QStringLiteral("Source folder"));
+    EXPECT_EQ(outputButton()->accessibleDescription(), QStringLiteral("Output folder"));
 }
 
 TEST_F(ContentViewTest, speaksOfTheSelectedMode) {
@@ -295,17 +278,121 @@ TEST_F(ContentViewTest, showsWhyAScanFailed) {
     EXPECT_FALSE(section("ignoredFiles")->isVisible());
 }
 
-TEST_F(ContentViewTest, countsDrumsInTheDevicesOrder) {
-    drumKit("Kit A", 3);
-    folder.write("Kit A/Clap/more.wav", wavFile(WavFormat{}, 8));
+TEST_F(ContentViewTest, aFailedScanHasAnIconAndATextToCopy) {
+    scan(FileURL::directory("/nowhere"));
+    EXPECT_EQ(showing<StatusIcon>().size(), 1U);
+    QLabel* message = label(QStringLiteral("Unable to read /nowhere."));
+    ASSERT_TRUE(message);
+    EXPECT_EQ(message->font().pixelSize(), 15);
+    EXPECT_EQ(message->focusPolicy(), Qt::StrongFocus);
+    QTest::keyClick(message, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), message->text());
+    // From the left of the first letter to the third.
+    const int letter = message->fontMetrics().horizontalAdvance(QLatin1Char('U'));
+    const QImage before = message->grab().toImage();
+    QTest::mousePress(message, Qt::LeftButton, {}, {1, 8});
+    QMouseEvent drag(QEvent::MouseMove, QPointF(3 * letter + 1, 8), QPointF(3 * letter + 1, 8),
+                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(message, &drag);
+    QTest::mouseRelease(message, Qt::LeftButton, {}, {3 * letter + 1, 8});
+    EXPECT_NE(message->grab().toImage(), before);
+    QTest::keyClick(message, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("Una"));
+    QTest::keyClick(message, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(message, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), message->text());
+    model.clearSource();
+    EXPECT_EQ(message->focusPolicy(), Qt::NoFocus);
+}
+
+TEST_F(ContentViewTest, nothingMovesWhenAScanEnds) {
+    const auto place = [this] {
+        QApplication::processEvents();
+        return label(QStringLiteral("METADATA"))->mapTo(&view, QPoint()).y();
+    };
+    const auto expectStill = [&](const FileURL& source, const char* held) {
+        const auto gate = inspector->hold(held);
+        model.setSourceFolder(source);
+        EXPECT_TRUE(shows("SCANNING FILES…"));
+        const int during = place();
+        gate->open();
+        waitForWork();
+        EXPECT_FALSE(shows("SCANNING FILES…"));
+        EXPECT_EQ(place(), during) << held;
+    };
+    const int idle = place();
+    expectStill(drumKit(), "Kit A");
+    EXPECT_EQ(place(), idle);
+    folder.write("Kit A/Kick/notes.txt", "notes");
     scan(FileURL::directory(folder / "Kit A"));
+    section("ignoredFiles")->setExpanded(true);
+    EXPECT_GT(place(), idle);
+    expectStill(FileURL::directory(folder / "Kit A"), "Kit A");
+    section("ignoredFiles")->setExpanded(false);
+    model.setGenerationMode(GenerationMode::loops);
+    waitForWork();
+    expectStill(loops("Loops", 3), "Loops");
+}
+
+TEST_F(ContentViewTest, theSourceCardKeepsItsHeight) {
+    const auto* zone = view.findChild<DropZone*>();
+    const int before = zone->height();
+    model.setSourceFolder(deviceFolder());
+    QApplication::processEvents();
+    EXPECT_EQ(zone->height(), before);
+    EXPECT_TRUE(shows("QZT508"));
+}
+
+TEST_F(ContentViewTest, aKindWithoutSamplesStandsOut) {
+    CountRow row(QStringLiteral("CH2 CLAP"));
+    row.resize(300, row.sizeHint().height());
+    row.show();
+    const auto hasBadge = [&row] {
+        QApplication::processEvents();
+        const QImage image = row.grab().toImage();
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixelColor(x, image.height() / 2) == MarloTheme::danger)
+                return true;
+        return false;
+    };
+    row.setCount(0);
+    EXPECT_TRUE(hasBadge());
+    row.setCount(1);
+    EXPECT_FALSE(hasBadge());
+}
+
+TEST_F(ContentViewTest, theMainButtonIsAsWideAsItsLabelAndPadding) {
+    QApplication::processEvents();
+    EXPECT_EQ(mainButton()->size(), MarloButtonStyle::size(QStringLiteral("GENERATE")));
+    model.setSourceFolder(deviceFolder());
+    QApplication::processEvents();
+    EXPECT_EQ(mainButton()->size(), MarloButtonStyle::size(QStringLiteral("APPLY")));
+}
+
+TEST_F(ContentViewTest, countsDrumsInTheDevicesOrder) {
+    int samples = 1;
+    for (const std::string role : {"Percussion", "Snare", "Open Hat", "Closed Hat", "Clap", "Kick"})
+        loops("Kit A/" + role, samples++);
+    scan(FileURL::directory(folder / "Kit A"));
+    QApplication::processEvents();
+    // As they are read: down the first column, then down the next.
+    auto rows = showing<CountRow>();
+    std::ranges::sort(rows, {}, [this](const CountRow* row) {
+        const QPoint place = row->mapTo(&view, QPoint(0, 0));
+        return std::pair(place.x(), place.y());
+    });
     std::vector<std::string> texts;
-    for (const auto* row : showing<CountRow>())
-        for (const auto* label : row->findChildren<QLabel*>())
+    for (const auto* row : rows) {
+        auto labels = row->findChildren<QLabel*>();
+        std::ranges::sort(labels, {}, &QWidget::x);
+        for (const auto* label : labels)
             texts.push_back(label->text().toStdString());
+        EXPECT_EQ(row->accessibleName().toStdString(),
+                  texts[texts.size() - 2] + " " + texts.back());
+    }
     EXPECT_EQ(texts,
-              (std::vector<std::string>{"CH1 KICK", "3", "CH2 CLAP", "4", "CH3 CLOSED HAT", "3",
-                                        "CH4 OPEN HAT", "3", "CH5 SNARE", "3", "CH6-8 PERC", "3"}));
+              (std::vector<std::string>{"CH1 KICK", "6", "CH2 CLAP", "5", "CH3 CLOSED HAT", "4",
+                                        "CH4 OPEN HAT", "3", "CH5 SNARE", "2", "CH6-8 PERC", "1"}));
     EXPECT_TRUE(shows("CHANNELS"));
 }
 
@@ -316,6 +403,12 @@ TEST_F(ContentViewTest, countsLoopsAndStabsAsOne) {
     EXPECT_TRUE(shows("11"));
     EXPECT_FALSE(shows("CH1 KICK"));
     EXPECT_FALSE(shows("LOOPS"));
+    model.setGenerationMode(GenerationMode::loops);
+    waitForWork();
+    scan(loops("Loops", 13));
+    EXPECT_TRUE(shows("LOOPS"));
+    EXPECT_TRUE(shows("13"));
+    EXPECT_FALSE(shows("STABS"));
 }
 
 TEST_F(ContentViewTest, listsWhatWasIgnored) {
@@ -380,6 +473,13 @@ TEST_F(ContentViewTest, offersTheSettingsOfTheDevice) {
     EXPECT_EQ(boxes[0]->accessibleName(), QStringLiteral("Bits"));
     EXPECT_EQ(boxes[1]->accessibleName(), QStringLiteral("Rate"));
     EXPECT_EQ(boxes[2]->accessibleName(), QStringLiteral("Filter"));
+    // A box is named by its choice; what it is about, its label says.
+    for (std::size_t index = 0; const char* caption : {"BITS", "RATE", "FILTER"}) {
+        QAccessibleInterface* box = QAccessible::queryAccessibleInterface(boxes[index++]);
+        const auto labels = box->relations(QAccessible::Label);
+        ASSERT_EQ(labels.size(), 1) << caption;
+        EXPECT_EQ(labels[0].first->text(QAccessible::Name).toStdString(), caption);
+    }
 }
 
 TEST_F(ContentViewTest, writesTheChosenSettings) {
@@ -426,6 +526,13 @@ TEST_F(ContentViewTest, namesTheTarget) {
     model.setSourceFolder(FileURL::directory("/nowhere/Kit A"));
     EXPECT_EQ(text(), "/out put/Kit A/QZT508");
     waitForWork();
+}
+
+TEST_F(ContentViewTest, theDisabledApplyGivesNoHint) {
+    model.setSourceFolder(FileURL::directory("/nowhere/QZT508"));
+    EXPECT_EQ(mainButton()->text(), QStringLiteral("APPLY"));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    EXPECT_TRUE(mainButton()->toolTip().isEmpty());
 }
 
 // One hint for every reason, on purpose.
@@ -480,11 +587,51 @@ TEST_F(ContentViewTest, followsARunFromThePressToTheEnd) {
     EXPECT_TRUE(mainButton()->isEnabled());
 }
 
+TEST_F(ContentViewTest, offersNoRunWhileOneIsCarriedOut) {
+    model.setExportFolder(outputFolder());
+    scan(drumKit());
+    const auto gate = preparer->holdBank(1);
+    press(mainButton());
+    model.setSourceFolder(drumKit("Kit B"));
+    EXPECT_TRUE(waitUntil([this] { return model.canGenerate(); }));
+    EXPECT_FALSE(model.isRunning());
+    EXPECT_FALSE(mainButton()->isEnabled());
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(mainButton()->isEnabled());
+}
+
+TEST_F(ContentViewTest, showsTheRunThatIsWrittenAfterAnother) {
+    loops("card/QZT508/Bank 1/3", 1);
+    model.setExportFolder(outputFolder());
+    scan(drumKit());
+    model.generateBanks();
+    waitForWork();
+    panels->saveTarget = panels->document = FileURL(folder / "saved.json");
+    model.exportJSON();
+    const auto gate = preparer->holdBank(1);
+    model.setSourceFolder(FileURL::directory(folder / "card/QZT508"));
+    model.applyMetadataToExistingBank();
+    model.importJSON();
+    bool stampedFirst = false;
+    QObject::connect(&model, &AppModel::runStateChanged, &model, [&] {
+        if (std::holds_alternative<AppModel::FinishedMessage>(model.runState())) {
+            stampedFirst = true;
+            EXPECT_FALSE(mainButton()->isEnabled());
+        }
+    });
+    EXPECT_TRUE(waitUntil([&] { return stampedFirst && shows("PREPARING EXPORT…"); }));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(shows("Random banks created"));
+}
+
 TEST_F(ContentViewTest, saysSoWhenSelectionsAreApplied) {
     model.setSourceFolder(deviceFolder());
-    press(mainButton());
-    // The folder is empty: the run may be over, but its result has not arrived before this line.
-    EXPECT_TRUE(shows("Applying selections..") || shows("Metadata applied to 0 WAVs"));
+    QTest::mouseClick(mainButton(), Qt::LeftButton);
+    // The folder is empty and the run may be over; its result arrives with the next event.
+    EXPECT_TRUE(shows("Applying selections.."));
     waitForWork();
     EXPECT_EQ(label(QStringLiteral("Metadata applied to 0 WAVs"))->font().pixelSize(), 15);
 }
@@ -525,6 +672,43 @@ TEST_F(ContentViewTest, keepsLongPathsWholeInTooltipAndClipboard) {
     target->setSelection(0, static_cast<int>(target->text().size()));
     QTest::keyClick(target, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), target->path());
+}
+
+TEST_F(ContentViewTest, takesNoNameForMarkup) {
+    const QString name = QStringLiteral("<b>kick.txt");
+    folder.write("Kit A/Kick/<b>kick.txt", "notes");
+    drumKit();
+    scan(FileURL::directory(folder / "Kit A"));
+    const QString row =
+        section("ignoredFiles")->list()->model()->index(0, 0).data(Qt::ToolTipRole).toString();
+    model.setExportFolder(FileURL::directory("/" + name.toStdString() + std::string(300, 'n')));
+    QApplication::processEvents();
+    const QString path = view.findChildren<ElidedPathLabel*>()[1]->toolTip();
+    for (const QString& toolTip : {row, path}) {
+        ASSERT_TRUE(Qt::mightBeRichText(toolTip)) << toolTip.toStdString();
+        QTextDocument shown;
+        shown.setHtml(toolTip);
+        EXPECT_TRUE(shown.toPlainText().contains(name)) << toolTip.toStdString();
+    }
+}
+
+TEST_F(ContentViewTest, marksTheRowWithTheFocus) {
+    folder.write("Kit A/Kick/notes.txt", "notes");
+    drumKit();
+    scan(FileURL::directory(folder / "Kit A"));
+    section("ignoredFiles")->setExpanded(true);
+    auto* list = section("ignoredFiles")->list();
+    QStyleOptionViewItem option;
+    option.rect = QRect(0, 0, 300, 26);
+    const auto drawn = [&] {
+        return painted(option.rect.size(), MarloTheme::surface, [&](QPainter& painter) {
+            list->itemDelegate()->paint(&painter, option, list->model()->index(0, 0));
+        });
+    };
+    EXPECT_PIXEL(drawn(), 150, 0, MarloTheme::surface);
+    option.state |= QStyle::State_HasFocus;
+    EXPECT_PIXEL(drawn(), 150, 0, MarloTheme::ink);
+    EXPECT_PIXEL(drawn(), 0, 13, MarloTheme::ink);
 }
 
 TEST_F(ContentViewTest, clipsNothingAtItsSmallestSize) {
@@ -568,43 +752,4 @@ TEST_F(ContentViewTest, everyShowingControlHasAName) {
             nameless.emplace_back(widget->metaObject()->className());
     }
     EXPECT_EQ(nameless, std::vector<std::string>());
-}
-
-TEST_F(ContentViewTest, everyControlIsReachedByTab) {
-    model.setExportFolder(outputFolder());
-    model.setMetadataOptions({16, TorvoPlaybackRate::rate44, TorvoFilterType::off, true, {}});
-    scan(drumKit());
-    std::set<QWidget*> expected;
-    for (auto* widget : showing<QWidget>())
-        if ((widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isEnabled())
-            expected.insert(widget);
-    EXPECT_GE(expected.size(), 19U);
-    std::set<QWidget*> reached;
-    auto* const ring = view.findChild<FocusRing*>();
-    view.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
-    for (std::size_t step = 0; step < expected.size() + 4; ++step) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        reached.insert(QApplication::focusWidget());
-        EXPECT_EQ(ring->ringed(), QApplication::focusWidget());
-    }
-    const auto names = [](const std::set<QWidget*>& widgets) {
-        std::multiset<std::string> found;
-        for (const auto* widget : widgets)
-            found.insert(widget->metaObject()->className() +
-                         (" " + widget->accessibleName().toStdString()));
-        return found;
-    };
-    EXPECT_EQ(names(reached), names(expected));
-}
-
-TEST_F(ContentViewTest, aClickShowsNoRing) {
-    view.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
-    auto* const ring = view.findChild<FocusRing*>();
-    EXPECT_EQ(ring->ringed(), nullptr);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    EXPECT_NE(ring->ringed(), nullptr);
-    press(button("Stabs"));
-    EXPECT_EQ(ring->ringed(), nullptr);
 }

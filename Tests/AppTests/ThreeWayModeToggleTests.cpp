@@ -66,6 +66,39 @@ TEST(ThreeWayModeToggle, slidesToTheSelection) {
     EXPECT_FALSE(toggle.segments()[0]->isChecked());
 }
 
+TEST(ThreeWayModeToggle, slidesForASixthOfASecondEasingInAndOut) {
+    ThreeWayModeToggle toggle(threeModes, 100, 40);
+    const auto* slide = toggle.findChild<QVariantAnimation*>();
+    ASSERT_TRUE(slide);
+    EXPECT_EQ(slide->duration(), 160);
+    EXPECT_EQ(slide->easingCurve().type(), QEasingCurve::InOutQuad);
+}
+
+TEST(ThreeWayModeToggle, writesItsLabelsInTheColoursOfTheirSegments) {
+    ThreeWayModeToggle toggle(threeModes, 100, 40);
+    const QImage expected = painted({300, 40}, MarloTheme::panel, [](QPainter& painter) {
+        paintModeToggle(painter, geometry, 3, 0);
+        painter.setFont(MarloTheme::font(15, MarloTheme::FontCut::semiBold));
+        for (int index = 0; const char* title : {"Drums", "Loops", "Stabs"}) {
+            painter.setPen(index == 0 ? MarloTheme::surface : MarloTheme::muted);
+            painter.drawText(QRect(100 * index, 0, 100, 40), Qt::AlignCenter,
+                             QString::fromLatin1(title));
+            ++index;
+        }
+    });
+    const QImage seen = painted({300, 40}, MarloTheme::panel, [&toggle](QPainter& painter) {
+        toggle.render(&painter, {}, {}, QWidget::DrawChildren);
+    });
+    EXPECT_EQ(seen, expected);
+}
+
+TEST(ThreeWayModeToggle, hasRoundCorners) {
+    const QImage image = painted(
+        {300, 40}, Qt::black, [](QPainter& painter) { paintModeToggle(painter, geometry, 3, 1); });
+    EXPECT_NEAR(cornerRadius(image, Qt::black, MarloTheme::panelRaised), 10, 0.6);
+    EXPECT_PIXEL(image, 50, 1, MarloTheme::panelRaised);
+}
+
 TEST(ThreeWayModeToggle, isOneTabStopWithArrowKeysInside) {
     ThreeWayModeToggle toggle(threeModes, 100, 40);
     QObject::connect(&toggle, &ThreeWayModeToggle::modeChosen, &toggle,

@@ -17,13 +17,20 @@ constexpr double cornerRadius = 14;
 } // namespace
 
 Card::Card(const QString& heading, QWidget* parent)
-    : QWidget(parent), column_(new QVBoxLayout(this)), headerRow_(new QHBoxLayout) {
+    : QWidget(parent), column_(new QVBoxLayout), headerRow_(new QHBoxLayout) {
     setAccessibleName(heading);
-    column_->setContentsMargins(20, 14, 20, 16);
-    column_->setSpacing(12);
+    column_->setSpacing(spacing);
     headerRow_->setSpacing(MarloTheme::grid);
     headerRow_->addWidget(makeCardHeading(heading));
     column_->addLayout(headerRow_);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(horizontalPadding, 14, horizontalPadding, 16);
+    row->setSpacing(2 * MarloTheme::grid);
+    row->addLayout(column_, 1);
+}
+
+void Card::setAside(QWidget* aside) {
+    layout()->addWidget(aside);
 }
 
 void Card::paintEvent(QPaintEvent*) {

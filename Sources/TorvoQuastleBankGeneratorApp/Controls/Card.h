@@ -14,9 +14,14 @@ class Card final : public QWidget {
 public:
     explicit Card(const QString& heading, QWidget* parent = nullptr);
 
+    static constexpr int horizontalPadding = 20;
+    static constexpr int spacing = 12; ///< between what stands in the column
+
     /// The heading's row, for what stands at its right end.
     QHBoxLayout* headerRow() const { return headerRow_; }
     QVBoxLayout* column() const { return column_; }
+    /// Puts something beside the column, as high as the card.
+    void setAside(QWidget* aside);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -6,7 +6,8 @@ class QLabel;
 
 namespace torvo::app {
 
-/// One counted kind of sample: its label at the left, the number at the right.
+/// One counted kind of sample: its label at the left, the number at the right, as a badge when it
+/// is zero.
 class CountRow final : public QWidget {
     Q_OBJECT
 
@@ -19,7 +20,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    const QString label_;
     QLabel* count_;
+    bool isMissing_ = false;
 };
 
 } // namespace torvo::app

@@ -29,6 +29,14 @@ bool denotesFolder(const FileURL& url) {
     }
 }
 
+/// Files are read where they lie. Whoever offers them to be moved hears that they were copied, or
+/// that nothing was done to them: a source that hears of a move deletes them.
+void acceptWithoutMoving(QDropEvent& event) {
+    event.setDropAction(event.possibleActions().testFlag(Qt::CopyAction) ? Qt::CopyAction
+                                                                         : Qt::IgnoreAction);
+    event.accept();
+}
+
 } // namespace
 
 QColor DropZoneStyle::backgroundColor() const {
@@ -82,6 +90,9 @@ DropZone::DropZone(QWidget* parent) : PaintedButton(tr("DROP SOURCE FOLDER"), pa
 
     auto* caption = makeLabel(text(), 14, MarloTheme::FontCut::semiBold, MarloTheme::ink);
     hint_ = makeLabel({}, 13, MarloTheme::FontCut::regular, MarloTheme::muted);
+    // A hint of one line takes the room of two: nothing below moves.
+    hint_->setText(QStringLiteral("\n"));
+    hint_->setMinimumHeight(hint_->sizeHint().height());
     auto* choose = makeLabel(tr("Drop a folder here or choose one from Finder."), 13,
                              MarloTheme::FontCut::medium, MarloTheme::accent);
     auto* column = new QVBoxLayout(this);
@@ -112,12 +123,12 @@ void DropZone::paintEvent(QPaintEvent*) {
 void DropZone::dragEnterEvent(QDragEnterEvent* event) {
     if (fileURLs(*event->mimeData()).empty())
         return;
-    event->acceptProposedAction();
+    acceptWithoutMoving(*event);
     setTargeted(true);
 }
 
 void DropZone::dragMoveEvent(QDragMoveEvent* event) {
-    event->acceptProposedAction();
+    acceptWithoutMoving(*event);
 }
 
 void DropZone::dragLeaveEvent(QDragLeaveEvent*) {
@@ -131,7 +142,7 @@ void DropZone::dropEvent(QDropEvent* event) {
         event->ignore();
         return;
     }
-    event->acceptProposedAction();
+    acceptWithoutMoving(*event);
     Q_EMIT folderDropped(*folder);
 }
 

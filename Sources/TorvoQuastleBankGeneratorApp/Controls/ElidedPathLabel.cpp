@@ -1,5 +1,7 @@
 #include "ElidedPathLabel.h"
 
+#include "Text.h"
+
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
@@ -37,7 +39,7 @@ void ElidedPathLabel::resizeEvent(QResizeEvent* event) {
 
 void ElidedPathLabel::elide() {
     const QString shown = fontMetrics().elidedText(path_, Qt::ElideMiddle, width());
-    setToolTip(shown == path_ ? QString() : path_);
+    setToolTip(shown == path_ ? QString() : plainToolTip(path_));
     if (shown != text())
         setText(shown);
 }

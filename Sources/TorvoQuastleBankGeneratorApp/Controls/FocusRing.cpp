@@ -2,18 +2,11 @@
 
 #include <QApplication>
 #include <QFocusEvent>
-#include <QFocusFrame>
 #include <QWidget>
 
 namespace torvo::app {
 
 namespace {
-
-/// The focus goes or comes back without the user having moved it.
-bool isInterruption(Qt::FocusReason reason) {
-    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
-           reason == Qt::MenuBarFocusReason;
-}
 
 bool isKeyboard(Qt::FocusReason reason) {
     return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
@@ -22,13 +15,24 @@ bool isKeyboard(Qt::FocusReason reason) {
 
 } // namespace
 
-FocusRing::FocusRing(QWidget& window)
-    : QObject(&window), window_(window), frame_(new QFocusFrame(&window)) {
+bool isInterruption(Qt::FocusReason reason) {
+    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
+           reason == Qt::MenuBarFocusReason;
+}
+
+FocusRing::FocusRing(QWidget& window) : QObject(&window), window_(window) {
     qApp->installEventFilter(this);
 }
 
 QWidget* FocusRing::ringed() const {
-    return frame_->widget();
+    return frame_ ? frame_->widget() : nullptr;
+}
+
+void FocusRing::ring(QWidget& widget) {
+    if (!frame_)
+        frame_ = new QFocusFrame(&window_);
+    frame_->setWidget(&widget);
+    Q_EMIT moved(&widget);
 }
 
 bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
@@ -37,12 +41,17 @@ bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
         return false;
     if (event->type() == QEvent::FocusOut) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        interrupted_ = isInterruption(reason) ? ringed() : nullptr;
-        frame_->setWidget(nullptr);
+        // One interruption may follow another: the menu bar loses the focus to what was ringed.
+        if (!isInterruption(reason))
+            interrupted_ = nullptr;
+        else if (ringed())
+            interrupted_ = ringed();
+        if (frame_)
+            frame_->setWidget(nullptr);
     } else if (event->type() == QEvent::FocusIn) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         if (isInterruption(reason) ? widget == interrupted_ : isKeyboard(reason))
-            frame_->setWidget(widget);
+            ring(*widget);
     }
     return false;
 }

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QFocusFrame>
 #include <QObject>
 #include <QPointer>
 
-class QFocusFrame;
 class QWidget;
 
 namespace torvo::app {
+
+/// The focus goes or comes back without the user having moved it.
+bool isInterruption(Qt::FocusReason reason);
 
 /// Draws one ring around whatever control of a window has the focus, as long as it came there by
 /// the keyboard; a click does not call for it.
@@ -19,12 +22,19 @@ public:
     /// None while nothing is ringed.
     QWidget* ringed() const;
 
+Q_SIGNALS:
+    /// The keyboard has moved the focus to this control.
+    void moved(QWidget* to);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void ring(QWidget& widget);
+
     QWidget& window_;
-    QFocusFrame* frame_;
+    /// Lives beside the control that it rings, and dies with the parent of both.
+    QPointer<QFocusFrame> frame_;
     /// What was ringed when the window or a popup took the focus away for a while.
     QPointer<QWidget> interrupted_;
 };

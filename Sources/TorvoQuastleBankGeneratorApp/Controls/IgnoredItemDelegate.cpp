@@ -2,6 +2,7 @@
 
 #include "IgnoredItemsModel.h"
 #include "MarloTheme.h"
+#include "Painting.h"
 
 #include <QFontMetrics>
 #include <QPainter>
@@ -11,7 +12,8 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int padding = 10;
+constexpr double cornerRadius = 5;
+constexpr int padding = 8;
 constexpr int gap = 16;
 constexpr int flags = Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine;
 
@@ -19,10 +21,14 @@ constexpr int flags = Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine;
 
 void IgnoredItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                 const QModelIndex& index) const {
-    if ((option.state & QStyle::State_Selected) != 0)
-        painter->fillRect(option.rect, MarloTheme::panelRaised);
+    const bool isSelected = (option.state & QStyle::State_Selected) != 0;
+    if (isSelected)
+        paintRoundedRect(*painter, option.rect, cornerRadius,
+                         MarloTheme::withOpacity(MarloTheme::accent, 0.4), Qt::transparent);
     else if ((option.state & QStyle::State_MouseOver) != 0)
-        painter->fillRect(option.rect, MarloTheme::line);
+        paintRoundedRect(*painter, option.rect, cornerRadius, MarloTheme::line, Qt::transparent);
+    if ((option.state & QStyle::State_HasFocus) != 0)
+        paintFocusRing(*painter, option.rect, cornerRadius);
 
     const QRect row = option.rect.adjusted(padding, 0, -padding, 0);
     const QFont font = MarloTheme::font(12, MarloTheme::FontCut::regular);
@@ -35,7 +41,7 @@ void IgnoredItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
     painter->drawText(
         QRect(row.left(), row.top(), pathWidth, row.height()), flags,
         metrics.elidedText(index.data(Qt::DisplayRole).toString(), Qt::ElideMiddle, pathWidth));
-    painter->setPen(MarloTheme::muted);
+    painter->setPen(isSelected ? MarloTheme::ink : MarloTheme::muted);
     painter->drawText(QRect(row.right() + 1 - reasonWidth, row.top(), reasonWidth, row.height()),
                       flags, metrics.elidedText(reason, Qt::ElideRight, reasonWidth));
 }

@@ -27,7 +27,7 @@ QVariant IgnoredItemsModel::data(const QModelIndex& index, int role) const {
     case reasonRole:
         return toQString(item.reason);
     case Qt::ToolTipRole:
-        return toQString(item.path + "\n" + item.reason);
+        return plainToolTip(toQString(item.path + "\n" + item.reason));
     case Qt::AccessibleTextRole:
         return toQString(item.path + ": " + item.reason);
     default:

@@ -16,6 +16,7 @@ ModeSegment::ModeSegment(const QString& title, QSize size, QWidget* parent)
 void ModeSegment::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setFont(MarloTheme::font(15, MarloTheme::FontCut::semiBold));
+    // A label at rest is muted; it brightens to say that it can be pressed.
     painter.setPen(isChecked()   ? MarloTheme::surface
                    : isHovered() ? MarloTheme::ink
                                  : MarloTheme::muted);

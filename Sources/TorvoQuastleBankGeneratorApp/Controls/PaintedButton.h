@@ -14,9 +14,20 @@ public:
 
     QSize minimumSizeHint() const override { return sizeHint(); }
 
+    /// Like `setEnabled`, but the focus waits: Qt would hand that of a disabled button to the next
+    /// control, where the next key presses something else. The button takes it back when it is
+    /// enabled again and no other control has it by then.
+    void setAvailable(bool available);
+
 protected:
+    void focusInEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool isHovered() const { return isEnabled() && underMouse(); }
+
+private:
+    /// How the focus came here, so that it comes back in the same way.
+    Qt::FocusReason focusReason_ = Qt::OtherFocusReason;
+    bool awaitsFocus_ = false;
 };
 
 } // namespace torvo::app

@@ -1,5 +1,7 @@
 #include "Painting.h"
 
+#include "MarloTheme.h"
+
 #include <QPaintDevice>
 #include <QPixmap>
 
@@ -17,6 +19,16 @@ void paintRoundedRect(QPainter& painter, const QRectF& rect, double radius, cons
     painter.setBrush(Qt::NoBrush);
     // Only the stroke is inset: a fill that ends between two pixels would blur at 1x.
     painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
+}
+
+void paintFocusRing(QPainter& painter, const QRectF& rect, double radius) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(MarloTheme::ink, focusRingWidth));
+    painter.setBrush(Qt::NoBrush);
+    const double inset = focusRingWidth / 2;
+    painter.drawRoundedRect(rect.adjusted(inset, inset, -inset, -inset), radius, radius);
+    painter.restore();
 }
 
 void paintGroup(QPainter& painter, const QRectF& bounds, double opacity,

@@ -8,6 +8,11 @@
 
 namespace torvo::app {
 
+inline constexpr double focusRingWidth = 2;
+
+/// The mark of what has the keyboard focus, inside `rect`.
+void paintFocusRing(QPainter& painter, const QRectF& rect, double radius);
+
 /// A rounded rectangle: filled over the whole of `rect`, its border 1 wide just inside the edge.
 void paintRoundedRect(QPainter& painter, const QRectF& rect, double radius, const QColor& fill,
                       const QColor& border);

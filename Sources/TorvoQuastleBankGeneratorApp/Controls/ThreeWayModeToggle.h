@@ -69,7 +69,7 @@ private:
     std::vector<QAbstractButton*> segments_;
     std::size_t selectedIndex_ = 0;
     double highlightPosition_ = 0;
-    QVariantAnimation slide_;
+    QVariantAnimation slide_{this};
 };
 
 } // namespace torvo::app

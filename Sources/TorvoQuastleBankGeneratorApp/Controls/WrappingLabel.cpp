@@ -1,8 +1,18 @@
 #include "WrappingLabel.h"
 
+#include "MarloTheme.h"
+#include "Text.h"
+
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QTextLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace torvo::app {
@@ -20,8 +30,8 @@ struct Lines {
 };
 
 /// Breaks the text into lines.
-Lines layOut(QTextLayout& text, double width) {
-    QTextOption option;
+Lines layOut(QTextLayout& text, double width, Qt::Alignment alignment) {
+    QTextOption option(alignment);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     text.setTextOption(option);
     Lines lines;
@@ -52,7 +62,7 @@ WrappingLabel::WrappingLabel(QWidget* parent) : QLabel(parent) {
 
 int WrappingLabel::heightForWidth(int width) const {
     QTextLayout layout(text(), font());
-    return static_cast<int>(std::ceil(layOut(layout, width).height));
+    return static_cast<int>(std::ceil(layOut(layout, width, alignment()).height));
 }
 
 QSize WrappingLabel::sizeHint() const {
@@ -63,11 +73,91 @@ QSize WrappingLabel::minimumSizeHint() const {
     return {0, fontMetrics().height()};
 }
 
+void WrappingLabel::setCopyable(bool copyable) {
+    isCopyable_ = copyable;
+    select(0, 0);
+    setFocusPolicy(copyable ? Qt::StrongFocus : Qt::NoFocus);
+    if (copyable)
+        setCursor(Qt::IBeamCursor);
+    else
+        unsetCursor();
+}
+
+int WrappingLabel::positionAt(QPointF point) const {
+    QTextLayout layout(text(), font());
+    layOut(layout, width(), alignment());
+    for (int index = 0; index < layout.lineCount(); ++index)
+        if (const QTextLine line = layout.lineAt(index);
+            point.y() < line.y() + line.height() || index + 1 == layout.lineCount())
+            return line.xToCursor(point.x());
+    return 0;
+}
+
+void WrappingLabel::select(int anchor, int position) {
+    anchor_ = anchor;
+    position_ = position;
+    update();
+}
+
+void WrappingLabel::selectAll() {
+    select(0, static_cast<int>(text().size()));
+}
+
+void WrappingLabel::copy() const {
+    const QString selected =
+        text().mid(std::min(anchor_, position_), std::abs(position_ - anchor_));
+    QGuiApplication::clipboard()->setText(selected.isEmpty() ? text() : selected);
+}
+
+void WrappingLabel::mousePressEvent(QMouseEvent* event) {
+    if (!isCopyable_ || event->button() != Qt::LeftButton) {
+        QLabel::mousePressEvent(event);
+        return;
+    }
+    const int position = positionAt(event->position());
+    select(position, position);
+}
+
+void WrappingLabel::mouseMoveEvent(QMouseEvent* event) {
+    if (isCopyable_ && event->buttons() == Qt::LeftButton)
+        select(anchor_, positionAt(event->position()));
+    else
+        QLabel::mouseMoveEvent(event);
+}
+
+void WrappingLabel::keyPressEvent(QKeyEvent* event) {
+    if (isCopyable_ && event->matches(QKeySequence::Copy))
+        copy();
+    else if (isCopyable_ && event->matches(QKeySequence::SelectAll))
+        selectAll();
+    else
+        QLabel::keyPressEvent(event);
+}
+
+void WrappingLabel::contextMenuEvent(QContextMenuEvent* event) {
+    if (!isCopyable_) {
+        QLabel::contextMenuEvent(event);
+        return;
+    }
+    QMenu menu(this);
+    connect(menu.addAction(tr("Copy")), &QAction::triggered, this, &WrappingLabel::copy);
+    connect(menu.addAction(tr("Select All")), &QAction::triggered, this, &WrappingLabel::selectAll);
+    menu.exec(event->globalPos());
+}
+
 void WrappingLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::WindowText));
     QTextLayout layout(text(), font());
-    const Lines lines = layOut(layout, width());
+    if (position_ != anchor_) {
+        QTextLayout::FormatRange selection;
+        selection.start = std::min(anchor_, position_);
+        selection.length = std::abs(position_ - anchor_);
+        selection.format.setBackground(MarloTheme::accent);
+        selection.format.setForeground(MarloTheme::surface);
+        layout.setFormats({selection});
+    }
+    const Lines lines = layOut(layout, width(), alignment());
     for (int index = 0; index < layout.lineCount(); ++index)
         if (const QTextLine line = layout.lineAt(index);
             !lines.isCut || line.textStart() < lines.lastStart)
@@ -78,7 +168,7 @@ void WrappingLabel::paintEvent(QPaintEvent*) {
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                          fontMetrics().elidedText(rest, Qt::ElideMiddle, width()));
     }
-    setToolTip(lines.isCut ? text() : QString());
+    setToolTip(lines.isCut ? plainToolTip(text()) : QString());
 }
 
 } // namespace torvo::app

@@ -11,6 +11,10 @@ class WrappingLabel final : public QLabel {
 public:
     explicit WrappingLabel(QWidget* parent = nullptr);
 
+    /// Lets the user select the text and copy it: with the pointer, with the keys for "select all"
+    /// and "copy", or from a menu. Without a selection the whole text is copied.
+    void setCopyable(bool copyable);
+
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
     QSize sizeHint() const override;
@@ -18,6 +22,20 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    int positionAt(QPointF point) const;
+    void select(int anchor, int position);
+    void selectAll();
+    void copy() const;
+
+    bool isCopyable_ = false;
+    int anchor_ = 0; ///< where the selection began, in characters
+    int position_ = 0;
 };
 
 } // namespace torvo::app

@@ -1,10 +1,13 @@
 #include "ChannelsCard.h"
 
+#include "Accessibility.h"
 #include "Binding.h"
 #include "Controls/Card.h"
+#include "Controls/DisclosureHeader.h"
 #include "Controls/DisclosureSection.h"
 #include "Controls/Labels.h"
 #include "Controls/ProgressBar.h"
+#include "Controls/StatusIcon.h"
 #include "Controls/WrappingLabel.h"
 #include "Text.h"
 
@@ -34,6 +37,7 @@ constexpr std::array<std::pair<ChannelRole, const char*>, 6> orderedRoles{{
 ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     : QWidget(parent),
       model_(model),
+      icon_(new StatusIcon),
       message_(new WrappingLabel),
       scanning_(makeScanning()),
       roleCounts_(makeRoleCounts()),
@@ -41,26 +45,43 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
       stabCount_(new CountRow(tr("STABS"))),
       ignoredFolders_(new DisclosureSection(tr("IGNORED FOLDERS"))),
       ignoredFiles_(new DisclosureSection(tr("IGNORED FILES"))) {
-    message_->setFont(MarloTheme::font(13, MarloTheme::FontCut::medium));
+    for (QWidget* result :
+         std::initializer_list<QWidget*>{message_, roleCounts_, loopCount_, stabCount_})
+        setAnnounced(*result);
+    icon_->setKind(StatusKind::failure);
     ignoredFolders_->setObjectName(QStringLiteral("ignoredFolders"));
     ignoredFiles_->setObjectName(QStringLiteral("ignoredFiles"));
 
-    auto* card = new Card(tr("CHANNELS"));
-    for (QWidget* part :
-         std::initializer_list<QWidget*>{message_, scanning_, roleCounts_, loopCount_, stabCount_})
-        card->column()->addWidget(part);
-    auto* sections = new QVBoxLayout;
+    auto* words = new QHBoxLayout;
+    words->setSpacing(12);
+    words->addWidget(icon_, 0, Qt::AlignTop);
+    words->addWidget(message_, 1);
+    sections_ = new QWidget;
+    auto* sections = new QVBoxLayout(sections_);
+    sections->setContentsMargins(0, 0, 0, 0);
     sections->setSpacing(0);
     sections->addWidget(ignoredFolders_);
     sections->addWidget(ignoredFiles_);
-    card->column()->addLayout(sections);
+    body_ = new QWidget;
+    auto* findings = new QVBoxLayout(body_);
+    findings->setContentsMargins(0, 0, 0, 0);
+    findings->setSpacing(Card::spacing);
+    findings->addStretch();
+    findings->addLayout(words);
+    for (QWidget* part :
+         std::initializer_list<QWidget*>{scanning_, roleCounts_, loopCount_, stabCount_, sections_})
+        findings->addWidget(part);
+    findings->addStretch();
+
+    auto* card = new Card(tr("CHANNELS"));
+    card->column()->addWidget(body_);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(card);
 
     bind(
         model, this, [this] { render(); }, &AppModel::scanStateChanged,
-        &AppModel::sourceFolderChanged);
+        &AppModel::sourceFolderChanged, &AppModel::generationModeChanged);
 }
 
 QWidget* ChannelsCard::makeScanning() {
@@ -98,42 +119,77 @@ void ChannelsCard::render() {
     const auto* ready = std::get_if<AppModel::Ready>(&state);
     const auto* failed = std::get_if<AppModel::Failed>(&state);
     const bool isIdle = std::holds_alternative<AppModel::Idle>(state);
+    const bool isScanning = std::holds_alternative<AppModel::Scanning>(state);
 
-    if (failed) {
-        message_->setText(toQString(failed->description));
-        setTextColor(*message_, MarloTheme::danger);
-    } else if (model_.isUpdatingExistingBank()) {
-        message_->setText(tr("Existing QZT508 folder selected."));
-        setTextColor(*message_, MarloTheme::ink);
-    } else {
-        message_->setText(tr("Choose or drop a source folder to scan."));
-        setTextColor(*message_, MarloTheme::muted);
-    }
-    message_->setVisible(isIdle || failed);
-    scanning_->setVisible(std::holds_alternative<AppModel::Scanning>(state));
-
+    if (failed)
+        showMessage(toQString(failed->description), MarloTheme::danger);
+    else if (model_.isUpdatingExistingBank())
+        showMessage(tr("Existing QZT508 folder selected."), MarloTheme::ink);
+    else
+        showMessage(tr("Choose or drop a source folder to scan."), MarloTheme::muted);
+    message_->setCopyable(failed);
+    message_->setFont(failed ? MarloTheme::font(15, MarloTheme::FontCut::semiBold)
+                             : MarloTheme::font(13, MarloTheme::FontCut::medium));
+    message_->setAlignment(failed ? Qt::AlignLeft : Qt::AlignHCenter);
+    reserveRoom(isScanning);
+    // Before the counts appear, which is when they are read out.
+    if (ready)
+        showCounts(ready->report->buckets);
     const auto showsCountsOf = [&](GenerationMode mode) {
         return ready && ready->report->mode == mode;
     };
-    roleCounts_->setVisible(showsCountsOf(GenerationMode::drums));
-    loopCount_->setVisible(showsCountsOf(GenerationMode::loops));
-    stabCount_->setVisible(showsCountsOf(GenerationMode::stabs));
-    ignoredFolders_->setVisible(ready);
-    ignoredFiles_->setVisible(ready);
-    showReport(ready ? ready->report : nullptr);
+    const std::array<std::pair<QWidget*, bool>, 7> parts{
+        {{icon_, failed},
+         {message_, isIdle || failed},
+         {scanning_, isScanning},
+         {roleCounts_, showsCountsOf(GenerationMode::drums)},
+         {loopCount_, showsCountsOf(GenerationMode::loops)},
+         {stabCount_, showsCountsOf(GenerationMode::stabs)},
+         {sections_, ready}}};
+    // What goes makes room before what comes takes it: the card would stay as high as both.
+    for (const bool visible : {false, true})
+        for (const auto& [part, isShown] : parts)
+            if (isShown == visible)
+                part->setVisible(visible);
+    showIgnored(ready ? ready->report : nullptr);
 }
 
-void ChannelsCard::showReport(const std::shared_ptr<const ScanReport>& report) {
+void ChannelsCard::showMessage(const QString& text, QColor color) {
+    message_->setText(text);
+    setTextColor(*message_, color);
+}
+
+void ChannelsCard::reserveRoom(bool isScanning) {
+    // Lists that are open stay open across scans, and so does their room.
+    if (!isScanning)
+        roomForSections_ = 2 * DisclosureHeaderStyle::height;
+    else if (sections_->isVisible())
+        roomForSections_ = sections_->sizeHint().height();
+    const QWidget* counts =
+        model_.generationMode() == GenerationMode::drums ? roleCounts_ : loopCount_;
+    const int roomForCounts = counts->sizeHint().expandedTo(counts->minimumSize()).height();
+    const int room = roomForCounts + Card::spacing + roomForSections_;
+    // A device folder is never scanned: its settings move up.
+    body_->setMinimumHeight(model_.isUpdatingExistingBank() ? 0 : room);
+}
+
+void ChannelsCard::showCounts(const RoleBuckets& buckets) {
+    QStringList names;
+    for (std::size_t index = 0; index < roleRows_.size(); ++index) {
+        roleRows_[index]->setCount(std::ssize(buckets.samples(orderedRoles[index].first)));
+        names.append(roleRows_[index]->accessibleName());
+    }
+    roleCounts_->setAccessibleName(names.join(QStringLiteral(", ")));
+    loopCount_->setCount(std::ssize(buckets.loop));
+    stabCount_->setCount(std::ssize(buckets.stab));
+}
+
+void ChannelsCard::showIgnored(const std::shared_ptr<const ScanReport>& report) {
     if (!report) {
         ignoredFolders_->setItems(nullptr);
         ignoredFiles_->setItems(nullptr);
         return;
     }
-    const RoleBuckets& buckets = report->buckets;
-    for (std::size_t index = 0; index < roleRows_.size(); ++index)
-        roleRows_[index]->setCount(std::ssize(buckets.samples(orderedRoles[index].first)));
-    loopCount_->setCount(std::ssize(buckets.loop));
-    stabCount_->setCount(std::ssize(buckets.stab));
     // Shared with the report, whose life they prolong.
     ignoredFolders_->setItems({report, &report->ignoredFolders});
     ignoredFiles_->setItems({report, &report->ignoredFiles});

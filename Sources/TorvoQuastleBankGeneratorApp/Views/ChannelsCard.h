@@ -11,13 +11,15 @@
 class QLabel;
 
 namespace torvo {
+struct RoleBuckets;
 struct ScanReport;
-}
+} // namespace torvo
 
 namespace torvo::app {
 
 class AppModel;
 class DisclosureSection;
+class StatusIcon;
 class WrappingLabel;
 
 /// What the scan found.
@@ -31,9 +33,15 @@ private:
     QWidget* makeRoleCounts();
     QWidget* makeScanning();
     void render();
-    void showReport(const std::shared_ptr<const ScanReport>& report);
+    void showMessage(const QString& text, QColor color);
+    /// As much as the counts of the mode will take: nothing below moves when a scan ends.
+    void reserveRoom(bool isScanning);
+    void showCounts(const RoleBuckets& buckets);
+    /// None empties the lists.
+    void showIgnored(const std::shared_ptr<const ScanReport>& report);
 
     AppModel& model_;
+    StatusIcon* icon_;
     WrappingLabel* message_;
     QWidget* scanning_;
     std::vector<CountRow*> roleRows_; ///< in the order of the window
@@ -42,6 +50,9 @@ private:
     CountRow* stabCount_;
     DisclosureSection* ignoredFolders_;
     DisclosureSection* ignoredFiles_;
+    QWidget* sections_ = nullptr; ///< both
+    QWidget* body_ = nullptr;     ///< everything below the heading
+    int roomForSections_ = 0;
 };
 
 } // namespace torvo::app

@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListView>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -22,6 +23,15 @@ constexpr int lowestBits = 1;
 constexpr int highestBits = 16;
 constexpr int channelCount = 8;
 
+/// The wheel scrolls the page, whatever it passes over.
+class PickerBox final : public QComboBox {
+public:
+    PickerBox() { setFocusPolicy(Qt::StrongFocus); }
+
+protected:
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+};
+
 struct Picker {
     QComboBox* box;
     QVBoxLayout* column;
@@ -29,10 +39,9 @@ struct Picker {
 
 /// `caption` stands above the box, `label` is its name.
 Picker makePicker(const QString& caption, const QString& label, const QStringList& options) {
-    auto* box = new QComboBox;
+    auto* box = new PickerBox;
     box->setAccessibleName(label);
     box->setFont(MarloTheme::font(14, MarloTheme::FontCut::medium));
-    box->setProperty("cornerRadius", 8.0);
     box->setMaxVisibleItems(static_cast<int>(options.size()));
     box->addItems(options);
     auto* title = makeCaption(caption);

@@ -5,6 +5,7 @@
 #include "Controls/ElidedPathLabel.h"
 #include "Controls/Labels.h"
 #include "Controls/MarloButton.h"
+#include "Panels.h"
 #include "Text.h"
 
 #include <QHBoxLayout>
@@ -15,6 +16,7 @@ namespace torvo::app {
 namespace {
 
 constexpr int captionWidth = 64;
+constexpr int pathSpacing = 4;
 
 QString exportText(const AppModel& model) {
     if (model.isUpdatingExistingBank())
@@ -56,27 +58,35 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
       mappingFile_(makePath()),
       mappingRow_(makePathRow(tr("JSON"), mappingFile_)) {
     choose_->setObjectName(QStringLiteral("chooseExportFolder"));
+    choose_->setAccessibleDescription(tr("Output folder"));
     main_->setObjectName(QStringLiteral("mainButton"));
-    main_->setMinimumWidth(choose_->sizeHint().width());
-    QSizePolicy keepsItsPlace = choose_->sizePolicy();
-    keepsItsPlace.setRetainSizeWhenHidden(true);
-    choose_->setSizePolicy(keepsItsPlace);
 
     auto* paths = new QVBoxLayout;
-    paths->setSpacing(MarloTheme::grid);
+    paths->setSpacing(pathSpacing);
     paths->addStretch();
     paths->addWidget(makePathRow(tr("TARGET"), target_));
     paths->addWidget(mappingRow_);
     paths->addStretch();
-    auto* action = new QHBoxLayout;
-    action->setSpacing(2 * MarloTheme::grid);
-    action->addLayout(paths, 1);
-    action->addWidget(main_, 0, Qt::AlignVCenter);
+
+    // Each row of the card is as high as the button at its end. Where only one button stands, it
+    // has the whole height to itself and leaves no hole.
+    const QSize button = choose_->sizeHint();
+    auto* buttons = new QWidget;
+    buttons->setFixedHeight(2 * button.height() + Card::spacing);
+    buttons->setMinimumWidth(button.width());
+    auto* stack = new QVBoxLayout(buttons);
+    stack->setContentsMargins(0, 0, 0, 0);
+    stack->setSpacing(Card::spacing);
+    stack->addStretch();
+    stack->addWidget(choose_, 0, Qt::AlignRight);
+    stack->addWidget(main_, 0, Qt::AlignRight);
+    stack->addStretch();
 
     auto* card = new Card(tr("OUTPUT"));
+    card->headerRow()->addStrut(button.height());
     card->headerRow()->addStretch();
-    card->headerRow()->addWidget(choose_);
-    card->column()->addLayout(action);
+    card->column()->addLayout(paths, 1);
+    card->setAside(buttons);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(card);
@@ -95,10 +105,10 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
 void OutputCard::render() {
     const bool updating = model_.isUpdatingExistingBank();
     const bool allowed = updating ? model_.canApplyExistingBankMetadata() : model_.canGenerate();
-    const bool enabled = allowed && !model_.isRunning();
+    const bool enabled = allowed && !model_.hasUnfinishedRun();
     choose_->setVisible(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
-    main_->setEnabled(enabled);
+    main_->setAvailable(enabled);
     // Intended: one hint, whatever the reason.
     main_->setToolTip(updating || enabled ? QString() : tr("Choose an output folder above!"));
 
@@ -111,7 +121,7 @@ void OutputCard::render() {
 
 void OutputCard::chooseFolder() {
     // Intended: a cancelled panel clears the folder chosen before. The source's panel does not.
-    model_.setExportFolder(model_.pickFolder("Choose an export destination folder"));
+    model_.setExportFolder(model_.pickFolder(exportFolderTitle));
 }
 
 void OutputCard::startMainAction() {

@@ -1,5 +1,6 @@
 #include "RunMessage.h"
 
+#include "Accessibility.h"
 #include "Binding.h"
 #include "Controls/Labels.h"
 #include "Controls/ProgressBar.h"
@@ -15,7 +16,7 @@ namespace torvo::app {
 namespace {
 
 /// Two lines: the window does not move when a run begins or ends.
-constexpr int smallestHeight = 44;
+constexpr int smallestHeight = 38;
 
 QString progressLine(const ProgressUpdate& update) {
     return RunMessage::tr("WRITING %1  %2/%3")
@@ -38,6 +39,7 @@ struct Content {
     QString message = {};
     QString counts = {};
     int messagePixelSize = 15;
+    MarloTheme::FontCut cut = MarloTheme::FontCut::medium;
     QColor color = MarloTheme::ink;
     bool showsProgress = false;
     std::optional<ProgressUpdate> progress = std::nullopt; ///< absent: indeterminate
@@ -69,6 +71,7 @@ Content contentOf(const AppModel& model) {
         Content operator()(const AppModel::Failed& run) const {
             return {.icon = StatusKind::failure,
                     .message = toQString(run.description),
+                    .cut = MarloTheme::FontCut::semiBold,
                     .color = MarloTheme::danger};
         }
     };
@@ -85,10 +88,11 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
       counts_(makeLabel({}, 12, MarloTheme::FontCut::regular, MarloTheme::muted)),
       progress_(new ProgressBar) {
     setMinimumHeight(smallestHeight);
+    setAnnounced(*message_);
     message_->setObjectName(QStringLiteral("runMessage"));
     counts_->setObjectName(QStringLiteral("runCounts"));
     auto* words = new QVBoxLayout;
-    words->setSpacing(4);
+    words->setSpacing(2);
     words->addWidget(message_);
     words->addWidget(counts_);
     auto* row = new QHBoxLayout;
@@ -98,12 +102,17 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(MarloTheme::grid);
+    column->addStretch();
     column->addLayout(row);
     column->addWidget(progress_);
     column->addStretch();
     bind(
         model, this, [this] { render(); }, &AppModel::runStateChanged,
         &AppModel::sourceFolderChanged);
+    connect(&model, &AppModel::runStateChanged, this, [this] {
+        if (contentOf(model_).icon)
+            announce(*message_);
+    });
 }
 
 void RunMessage::render() {
@@ -111,9 +120,10 @@ void RunMessage::render() {
     icon_->setVisible(content.icon.has_value());
     if (content.icon)
         icon_->setKind(*content.icon);
-    message_->setFont(MarloTheme::font(content.messagePixelSize, MarloTheme::FontCut::medium));
+    message_->setFont(MarloTheme::font(content.messagePixelSize, content.cut));
     setTextColor(*message_, content.color);
     message_->setText(content.message);
+    message_->setCopyable(content.icon == StatusKind::failure);
     message_->setVisible(!content.message.isEmpty());
     counts_->setText(content.counts);
     counts_->setVisible(!content.counts.isEmpty());

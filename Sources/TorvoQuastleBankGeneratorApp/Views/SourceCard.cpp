@@ -3,9 +3,11 @@
 #include "Binding.h"
 #include "Controls/Card.h"
 #include "Controls/DropZone.h"
+#include "Controls/ElidedLabel.h"
 #include "Controls/ElidedPathLabel.h"
 #include "Controls/Labels.h"
 #include "Controls/MarloButton.h"
+#include "Panels.h"
 #include "Text.h"
 
 #include <QHBoxLayout>
@@ -35,17 +37,27 @@ QString sourceHint(const AppModel& model) {
 } // namespace
 
 SourceCard::SourceCard(AppModel& model, QWidget* parent) : QWidget(parent), model_(model) {
+    auto* name = new ElidedLabel;
+    name->setFont(MarloTheme::font(14, MarloTheme::FontCut::semiBold));
+    setTextColor(*name, MarloTheme::ink);
     auto* path = new ElidedPathLabel;
-    path->setFont(MarloTheme::font(13, MarloTheme::FontCut::regular));
+    path->setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
     setTextColor(*path, MarloTheme::muted);
+    auto* chosen = new QWidget;
+    auto* lines = new QVBoxLayout(chosen);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(1);
+    lines->addWidget(name);
+    lines->addWidget(path);
     auto* clear = new MarloButton(tr("CLEAR"), MarloButton::Kind::ordinary);
     auto* choose = new MarloButton(tr("CHOOSE FOLDER"), MarloButton::Kind::ordinary);
     choose->setObjectName(QStringLiteral("chooseSourceFolder"));
+    choose->setAccessibleDescription(tr("Source folder"));
     auto* dropZone = new DropZone;
 
     auto* card = new Card(tr("SOURCE"));
     card->headerRow()->addSpacing(MarloTheme::grid);
-    card->headerRow()->addWidget(path, 1);
+    card->headerRow()->addWidget(chosen, 1);
     card->headerRow()->addSpacing(MarloTheme::grid);
     card->headerRow()->addWidget(clear);
     card->headerRow()->addWidget(choose);
@@ -66,20 +78,21 @@ SourceCard::SourceCard(AppModel& model, QWidget* parent) : QWidget(parent), mode
 
     bind(
         model, this,
-        [this, path, clear, dropZone] {
-            clear->setEnabled(model_.canClearSource());
+        [this, card, chosen, name, path, clear, dropZone] {
+            clear->setAvailable(model_.canClearSource());
             dropZone->setHint(sourceHint(model_));
-            path->setPath(model_.sourceFolder() ? shownPath(*model_.sourceFolder()) : QString());
-            path->setVisible(model_.sourceFolder().has_value());
-            auto* row = static_cast<Card*>(path->parentWidget())->headerRow();
-            row->setStretch(0, model_.sourceFolder() ? 0 : 1);
+            const auto& folder = model_.sourceFolder();
+            name->setText(folder ? toQString(folder->lastPathComponent()) : QString());
+            path->setPath(folder ? shownPath(*folder) : QString());
+            chosen->setVisible(folder.has_value());
+            card->headerRow()->setStretch(0, folder ? 0 : 1);
         },
         &AppModel::sourceFolderChanged, &AppModel::currentDocumentChanged,
         &AppModel::generationModeChanged);
 }
 
 void SourceCard::chooseFolder() {
-    if (const auto folder = model_.pickFolder("Choose a source sample folder"))
+    if (const auto folder = model_.pickFolder(sourceFolderTitle))
         model_.setSourceFolder(*folder);
 }
 

@@ -27,7 +27,7 @@ private:
     std::map<std::string, std::shared_ptr<Gate>> gates_;
 };
 
-/// Holds back every sample of the bank numbers from `heldBank` on, until the gate is opened.
+/// Holds back every sample of the one bank that was named last, until its gate is opened.
 class GatedPreparer final : public AudioFilePreparing {
 public:
     std::shared_ptr<Gate> holdBank(std::int64_t bank);

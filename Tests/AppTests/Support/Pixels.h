@@ -4,8 +4,10 @@
 #include <QImage>
 #include <QPainter>
 
+#include <cmath>
 #include <cstdlib>
 #include <functional>
+#include <numbers>
 
 namespace torvo::test {
 
@@ -36,6 +38,19 @@ inline bool isClose(const QColor& left, const QColor& right, int tolerance = 2) 
     return std::abs(left.red() - right.red()) <= tolerance &&
            std::abs(left.green() - right.green()) <= tolerance &&
            std::abs(left.blue() - right.blue()) <= tolerance;
+}
+
+/// The radius of the top left corner of a rounded rectangle that fills the image, from the area
+/// that the corner leaves free.
+inline double cornerRadius(const QImage& image, const QColor& background, const QColor& fill) {
+    int free = 0;
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x)
+            free += 2 * (image.pixelColor(x, y).green() - background.green()) <
+                            fill.green() - background.green()
+                        ? 1
+                        : 0;
+    return std::sqrt(free / (1 - std::numbers::pi / 4));
 }
 
 } // namespace torvo::test

@@ -1,0 +1,11 @@
+#pragma once
+
+class QString;
+class QWidget;
+
+namespace torvo::app {
+
+/// Tells what the program is called and which version it is. Returns when it is closed.
+void showAbout(QWidget* window, const QString& title, const QString& applicationName);
+
+} // namespace torvo::app

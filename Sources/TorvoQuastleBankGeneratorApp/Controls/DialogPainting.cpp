@@ -1,0 +1,68 @@
+#include "DialogPainting.h"
+
+#include "MarloButton.h"
+#include "MarloTheme.h"
+#include "Painting.h"
+
+#include <QStyleOption>
+
+#include <algorithm>
+
+namespace torvo::app {
+
+namespace {
+
+constexpr int smallestButtonWidth = 96;
+constexpr double toolButtonRadius = 6;
+
+bool has(const QStyleOption& option, QStyle::StateFlag flag) {
+    return option.state.testFlag(flag);
+}
+
+/// The program's buttons have no letter to press.
+QString label(const QStyleOptionButton& button) {
+    return QString(button.text).remove(QLatin1Char('&'));
+}
+
+} // namespace
+
+void paintPushButton(QPainter& painter, const QStyleOptionButton& button) {
+    const MarloButtonStyle style{.prominent =
+                                     button.features.testFlag(QStyleOptionButton::DefaultButton),
+                                 .enabled = has(button, QStyle::State_Enabled),
+                                 .pressed = has(button, QStyle::State_Sunken),
+                                 .hovered = has(button, QStyle::State_MouseOver)};
+    style.paint(painter, button.rect, label(button));
+}
+
+QSize pushButtonSize(const QStyleOptionButton& button) {
+    const QSize size = MarloButtonStyle::size(label(button));
+    return {std::max(size.width(), smallestButtonWidth), size.height()};
+}
+
+void paintField(QPainter& painter, const QStyleOptionFrame& field) {
+    if (field.lineWidth <= 0) {
+        painter.fillRect(field.rect, MarloTheme::surface);
+        return;
+    }
+    paintRoundedRect(painter, field.rect, fieldRadius, MarloTheme::panel,
+                     has(field, QStyle::State_HasFocus) ? MarloTheme::accent : MarloTheme::line);
+}
+
+void paintColumnHead(QPainter& painter, const QStyleOption& head) {
+    painter.fillRect(head.rect, MarloTheme::panel);
+    painter.fillRect(QRect(head.rect.left(), head.rect.bottom(), head.rect.width(), 1),
+                     MarloTheme::line);
+}
+
+void paintToolButton(QPainter& painter, const QStyleOption& button) {
+    const bool on = has(button, QStyle::State_On) || has(button, QStyle::State_Sunken);
+    if (on)
+        paintRoundedRect(painter, button.rect, toolButtonRadius, MarloTheme::panelRaised,
+                         MarloTheme::line);
+    else if (has(button, QStyle::State_MouseOver) && has(button, QStyle::State_Enabled))
+        paintRoundedRect(painter, button.rect, toolButtonRadius, MarloTheme::panel,
+                         MarloTheme::line);
+}
+
+} // namespace torvo::app

@@ -1,0 +1,49 @@
+#include "PopupPainting.h"
+
+#include "MarloTheme.h"
+#include "Painting.h"
+
+#include <QPolygonF>
+
+#include <cmath>
+
+namespace torvo::app {
+
+namespace {
+
+constexpr double highlightRadius = Popup::cornerRadius - Popup::padding + 2;
+
+} // namespace
+
+void paintPopupPanel(QPainter& painter, const QRectF& rect) {
+    paintRoundedRect(painter, rect, Popup::cornerRadius, MarloTheme::panelRaised,
+                     MarloTheme::withOpacity(MarloTheme::accent, 0.5));
+}
+
+QRegion popupMask(const QRect& rect) {
+    constexpr int rows = static_cast<int>(Popup::cornerRadius);
+    QRegion mask(rect.adjusted(0, rows, 0, -rows));
+    for (int row = 0; row < rows; ++row) {
+        // Where the arc leaves the row at its inner side.
+        const double rise = Popup::cornerRadius - (row + 1);
+        const double reach = std::sqrt(Popup::cornerRadius * Popup::cornerRadius - rise * rise);
+        const int inset = static_cast<int>(Popup::cornerRadius - reach);
+        const int width = rect.width() - 2 * inset;
+        mask += QRect(rect.left() + inset, rect.top() + row, width, 1);
+        mask += QRect(rect.left() + inset, rect.bottom() - row, width, 1);
+    }
+    return mask;
+}
+
+void paintPopupHighlight(QPainter& painter, const QRectF& row) {
+    paintRoundedRect(painter, row, highlightRadius, MarloTheme::accent, Qt::transparent);
+}
+
+void paintPopupMark(QPainter& painter, QPointF center, const QColor& color) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF{center + QPointF(-4.5, 0.3), center + QPointF(-1.4, 3.4),
+                                   center + QPointF(4.5, -3.4)});
+}
+
+} // namespace torvo::app

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QPainter>
+#include <QRectF>
+#include <QRegion>
+
+namespace torvo::app {
+
+/// What menus and the lists of combo boxes share.
+namespace Popup {
+
+inline constexpr double cornerRadius = 10;
+inline constexpr int padding = 6; ///< between the edge and the rows
+inline constexpr int rowHeight = 28;
+inline constexpr int markSide = 16;
+
+} // namespace Popup
+
+/// The raised panel that the rows lie on.
+void paintPopupPanel(QPainter& painter, const QRectF& rect);
+
+/// All pixels that the panel touches. Without it the corners are black on a screen whose windows
+/// cannot be translucent.
+QRegion popupMask(const QRect& rect);
+
+/// Behind the row that the pointer or the keyboard is at.
+void paintPopupHighlight(QPainter& painter, const QRectF& row);
+
+/// The mark of the chosen row, a square of `Popup::markSide` around `center`.
+void paintPopupMark(QPainter& painter, QPointF center, const QColor& color);
+
+} // namespace torvo::app

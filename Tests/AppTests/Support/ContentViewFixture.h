@@ -1,0 +1,95 @@
+#pragma once
+
+#include "AppFixture.h"
+#include "ContentView.h"
+#include "Controls/DisclosureSection.h"
+#include "Controls/DropZone.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace torvo::test {
+
+/// The content of the window, shown, and what its tests ask of it.
+struct ContentViewFixture : AppFixture {
+    app::ContentView view{model};
+
+    ContentViewFixture() {
+        view.resize(880, 1200);
+        view.show();
+    }
+
+    template <typename Widget>
+    std::vector<Widget*> showing() const {
+        std::vector<Widget*> found;
+        for (auto* widget : view.findChildren<Widget*>())
+            if (widget->isVisible())
+                found.push_back(widget);
+        return found;
+    }
+    /// The label that shows exactly this text, or none.
+    QLabel* label(const QString& text) const {
+        for (auto* label : showing<QLabel>())
+            if (label->text() == text)
+                return label;
+        return nullptr;
+    }
+    bool shows(const char* text) const { return label(QString::fromUtf8(text)) != nullptr; }
+    QAbstractButton* button(const char* text) const {
+        for (auto* button : showing<QAbstractButton>())
+            if (button->text() == QString::fromUtf8(text))
+                return button;
+        return nullptr;
+    }
+    QAbstractButton* sourceButton() const {
+        return view.findChild<QAbstractButton*>(QStringLiteral("chooseSourceFolder"));
+    }
+    QAbstractButton* outputButton() const {
+        return view.findChild<QAbstractButton*>(QStringLiteral("chooseExportFolder"));
+    }
+    QAbstractButton* mainButton() const {
+        return view.findChild<QAbstractButton*>(QStringLiteral("mainButton"));
+    }
+    /// Presses and lets what was queued happen.
+    void press(QAbstractButton* button) {
+        ASSERT_TRUE(button);
+        QTest::mouseClick(button, Qt::LeftButton);
+        QApplication::processEvents();
+    }
+    app::DisclosureSection* section(const char* name) const {
+        return view.findChild<app::DisclosureSection*>(QString::fromLatin1(name));
+    }
+    QColor colorOf(const char* text) const {
+        const QLabel* found = label(QString::fromUtf8(text));
+        return found ? found->palette().color(QPalette::WindowText) : QColor();
+    }
+    /// What the zone answers to a drop of these.
+    bool drop(const QList<QUrl>& urls) {
+        QMimeData data;
+        data.setUrls(urls);
+        auto* zone = view.findChild<app::DropZone*>();
+        QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(zone, &enter);
+        EXPECT_EQ(zone->isTargeted(), enter.isAccepted());
+        QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        drop.ignore();
+        QApplication::sendEvent(zone, &drop);
+        EXPECT_FALSE(zone->isTargeted());
+        return drop.isAccepted();
+    }
+    static QUrl url(const std::filesystem::path& path) {
+        return QUrl::fromLocalFile(QString::fromStdString(path.string()));
+    }
+    FileURL deviceFolder() const { return FileURL::directory(folder.createFolder("QZT508")); }
+};
+
+} // namespace torvo::test

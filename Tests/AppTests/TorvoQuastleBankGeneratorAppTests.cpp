@@ -1,0 +1,80 @@
+#include "Support/ModalWatcher.h"
+#include "TorvoQuastleBankGeneratorApp.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <gtest/gtest.h>
+
+using namespace torvo;
+using namespace torvo::app;
+using namespace torvo::test;
+
+namespace {
+
+const QString name = QStringLiteral("Torvo Quastle Bank Generator");
+
+class AppTest : public testing::Test {
+protected:
+    TorvoQuastleBankGeneratorApp app;
+
+    void SetUp() override { app.showWindow(); }
+    QList<QAction*> menu(int index) {
+        return app.window().menuBar()->actions().at(index)->menu()->actions();
+    }
+    void waitForWork() {
+        ASSERT_TRUE(waitUntil([this] { return !app.model().isBusy(); }));
+    }
+};
+
+} // namespace
+
+TEST_F(AppTest, titlesItsWindow) {
+    EXPECT_EQ(app.window().windowTitle(), name);
+    EXPECT_GE(app.window().minimumSizeHint().width(), 880);
+    EXPECT_GE(app.window().minimumSizeHint().height(), 760);
+}
+
+TEST_F(AppTest, showsTooltipsWithoutAWindowManager) {
+    EXPECT_TRUE(app.window().testAttribute(Qt::WA_AlwaysShowToolTips));
+}
+
+TEST_F(AppTest, offersItsCommandsInTheMenus) {
+    const auto texts = [](const QList<QAction*>& actions) {
+        QStringList found;
+        for (const QAction* action : actions) {
+            found.append(action->isSeparator() ? QStringLiteral("-") : action->text());
+            EXPECT_TRUE(action->shortcuts().isEmpty()) << action->text().toStdString();
+        }
+        return found.join(QLatin1Char('|')).toStdString();
+    };
+    EXPECT_EQ(texts(app.window().menuBar()->actions()), "File|Help");
+    EXPECT_EQ(texts(menu(0)), "Import JSON…|Export JSON…|-|Quit");
+    EXPECT_EQ(texts(menu(1)), "About Torvo Quastle Bank Generator");
+    EXPECT_TRUE(menu(0)[0]->isEnabled());
+    EXPECT_TRUE(menu(1)[0]->isEnabled());
+}
+
+TEST_F(AppTest, exportsWhileThereIsADocument) {
+    const AppFixture fixture;
+    QAction* const exportJSON = menu(0)[1];
+    EXPECT_FALSE(exportJSON->isEnabled());
+    app.model().setExportFolder(fixture.outputFolder());
+    app.model().setSourceFolder(fixture.drumKit());
+    waitForWork();
+    EXPECT_FALSE(exportJSON->isEnabled());
+    app.model().generateBanks();
+    waitForWork();
+    EXPECT_TRUE(exportJSON->isEnabled());
+    app.model().clearSource();
+    EXPECT_FALSE(exportJSON->isEnabled());
+}
+
+TEST_F(AppTest, saysWhatItIs) {
+    EXPECT_TRUE(lookedAtDialog<QMessageBox>([this] { menu(1)[0]->trigger(); },
+                                            [](QMessageBox& box) {
+                                                EXPECT_EQ(box.text(), name);
+                                                EXPECT_TRUE(box.windowTitle().contains(name));
+                                            }));
+}
