@@ -7,8 +7,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-from desktop import wait_until  # noqa: E402
-from trustlib import Failed  # noqa: E402
+from trustlib import Failed, wait_until  # noqa: E402
 
 # Pure containers and decoration: nobody stops at them, so they may stay unnamed.
 UNNAMED_ROLES = {"filler", "frame", "layered-pane", "menu-bar", "panel", "scroll-bar", "scroll-pane",
@@ -24,6 +23,30 @@ def connect():
     """Call once the session bus of the desktop is in os.environ."""
     Atspi.init()
     Atspi.set_timeout(30000, 30000)
+
+
+class Announcements:
+    """What a screen reader reads out without being asked: notifications, as they appear."""
+
+    def __init__(self):
+        self._heard = []
+        self._listener = Atspi.EventListener.new(self._on_event)
+        self._listener.register("object:state-changed:showing")
+
+    def _on_event(self, event):
+        try:
+            if event.detail1 and event.source.get_role() == Atspi.Role.NOTIFICATION:
+                self._heard.append(event.source.get_name())
+        except GONE:
+            pass
+
+    def heard(self):
+        while GLib.MainContext.default().iteration(False):
+            pass
+        return self._heard
+
+    def stop(self):
+        self._listener.deregister("object:state-changed:showing")
 
 
 class Node:

@@ -12,7 +12,7 @@ import signal
 import subprocess
 import time
 
-from trustlib import Failed, check, require_tool, work_folder
+from trustlib import check, require_tool, told, wait_until, work_folder
 
 TOOLS = ["Xvfb", "openbox", "dbus-daemon", "xdotool", "xprop", "import"]
 SCREEN = (1600, 1300)
@@ -20,23 +20,6 @@ SCREEN = (1600, 1300)
 PR_SET_PDEATHSIG = 1
 PR_SET_CHILD_SUBREAPER = 36
 LIBC = ctypes.CDLL(None, use_errno=True)
-
-
-def told(what):
-    return what() if callable(what) else what
-
-
-def wait_until(condition, what, seconds=60.0):
-    """The first true result of `condition`; fails when there is none in time. `what` is waited for, a
-    text or a function that tells it at that moment."""
-    deadline = time.monotonic() + seconds
-    while True:
-        result = condition()
-        if result:
-            return result
-        if time.monotonic() > deadline:
-            raise Failed(f"waited {seconds:.0f} s in vain: {told(what)}")
-        time.sleep(0.01)
 
 
 def die_with_parent():
@@ -70,6 +53,37 @@ def read_line(stream, what, seconds=60.0):
         check(byte, f"the process ended: {told(what)}")
         line += byte
     return line.decode().strip()
+
+
+class ClientMessage(ctypes.Structure):
+    """Xlib's XClientMessageEvent, as long as the longest event."""
+
+    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                ("display", ctypes.c_void_p), ("window", ctypes.c_ulong),
+                ("message_type", ctypes.c_ulong), ("format", ctypes.c_int), ("data", ctypes.c_long * 5),
+                ("rest", ctypes.c_long * 24)]
+
+
+CLIENT_MESSAGE = 33
+
+
+def ask_to_close(display_name, window):
+    xlib = ctypes.CDLL("libX11.so.6")
+    xlib.XOpenDisplay.restype = ctypes.c_void_p
+    xlib.XInternAtom.restype = ctypes.c_ulong
+    display = ctypes.c_void_p(xlib.XOpenDisplay(display_name.encode()))
+    check(display, f"no connection to the display {display_name}")
+
+    def atom(name):
+        return xlib.XInternAtom(display, name, False)
+    message = ClientMessage(type=CLIENT_MESSAGE, window=window, message_type=atom(b"WM_PROTOCOLS"),
+                            format=32)
+    message.data[0] = atom(b"WM_DELETE_WINDOW")
+    sent = xlib.XSendEvent(display, ctypes.c_ulong(window), False, ctypes.c_long(0),
+                           ctypes.byref(message))
+    xlib.XSync(display, False)
+    xlib.XCloseDisplay(display)
+    check(sent, f"window {window} was not asked to close")
 
 
 class Desktop:
@@ -159,6 +173,20 @@ class Desktop:
 
     def click(self, x, y):
         self.xdotool("mousemove", int(x), int(y), "click", 1)
+
+    def ask_to_close(self, window):
+        """What a window manager sends when its button is pressed; sent when this returns."""
+        ask_to_close(self.environment["DISPLAY"], window)
+
+    def active_window(self):
+        """The window that the window manager's own keys act on, 0 for none."""
+        told_id = self._ask(["xprop", "-root", "_NET_ACTIVE_WINDOW"]).rpartition("# ")[2]
+        return int(told_id.split(",")[0], 16)
+
+    def focus(self):
+        """Who has the keyboard, as the screen and as the window manager see it."""
+        return (f"focus {self._ask(['xdotool', 'getwindowfocus', 'getwindowname']).strip()!r}, "
+                f"{self._ask(['xprop', '-root', '_NET_ACTIVE_WINDOW']).strip()}")
 
     def picture(self, path):
         subprocess.run(["import", "-window", "root", path], env=self.environment, timeout=60,

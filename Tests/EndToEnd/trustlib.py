@@ -12,6 +12,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import time
 import wave
 
 
@@ -22,6 +23,23 @@ class Failed(Exception):
 def check(condition, message):
     if not condition:
         raise Failed(message)
+
+
+def told(what):
+    return what() if callable(what) else what
+
+
+def wait_until(condition, what, seconds=60.0):
+    """The first true result of `condition`; fails when there is none in time. `what` is waited for, a
+    text or a function that tells it at that moment."""
+    deadline = time.monotonic() + seconds
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > deadline:
+            raise Failed(f"waited {seconds:.0f} s in vain: {told(what)}")
+        time.sleep(0.01)
 
 
 def work_folder():

@@ -15,6 +15,10 @@ import unicodedata
 import urllib.parse
 
 
+PAYLOAD_SIZE = 1936
+SIGNATURE = struct.pack("<I", 0x12345677)
+
+
 def fail(message):
     sys.exit(f"verify_run: {message}")
 
@@ -46,13 +50,12 @@ def chunks(data):
     return found
 
 
-def fresh_payload(data_size, channel, options):
-    p = bytearray(1936)
-    struct.pack_into("<I", p, 0, 0x12345677)
+def new_payload(data_size, channel):
+    p = bytearray(PAYLOAD_SIZE)
+    p[:4] = SIGNATURE
     for at in (16, 20, 916):
         struct.pack_into("<I", p, at, data_size)
-    p[24], p[43], p[48], p[50] = options.bits, 4, 1, options.filter
-    p[54] = p[55] = options.rate
+    p[43], p[48] = 4, 1
     p[58:62] = b"\xee\x7f\xcc\x4c"
     p[62] = p[63] = p[909] = channel - 1
     p[72:76] = b"\xff\xff\xff\xff"
@@ -61,39 +64,53 @@ def fresh_payload(data_size, channel, options):
             p[110 + 88 * i + 4 * k] = 99
     p[904], p[1680] = 4, 1
     struct.pack_into("<H", p, 1684, 1000)
+    return p
+
+
+def put_options(p, channel, options):
+    """Into a new payload as into one that the source brought along."""
+    p[24] = options.bits
+    p[50] = p[50] & 0xF0 | options.filter
+    p[54] = p[55] = options.rate
     if channel in options.cv:
-        struct.pack_into("<III", p, 76, 0x4000, 0x8000, 0x20)
+        for at, route in ((76, 0x4000), (80, 0x8000), (84, 0x20)):
+            word = struct.unpack_from("<I", p, at)[0]
+            struct.pack_into("<I", p, at, word & ~(0x4000 | 0x8000 | 0x20) | route)
         for at in (160, 252, 300):
             p[at : at + 4] = b"\x00\x00\x63\x00"
-    return bytes(p)
+
+
+def stamped(file, channel, options):
+    """A whole file as it is after its stamp, for a channel or for none."""
+    found = chunks(file)
+    data_size = next(len(p) for i, _, p in found if i == b"data")
+    at, old = next(((at, p) for i, at, p in found if i == b"busy"), (len(file), None))
+    if old is not None and len(old) == PAYLOAD_SIZE and old[:4] == SIGNATURE:
+        payload = bytearray(old)
+    else:
+        payload = new_payload(data_size, channel or 1)
+    put_options(payload, channel, options)
+    end = at if old is None else at + 8 + len(old)
+    return file[:at] + b"busy" + struct.pack("<I", PAYLOAD_SIZE) + payload + file[end:]
 
 
 def check_wav(path, sample, channel, options):
     with open(path, "rb") as file:
         data = file.read()
-    source_path = urllib.parse.unquote_to_bytes(sample["sourceURL"][len("file://") :])
-    found = chunks(data)
-    payload = next(p for i, _, p in found if i == b"data")
-    busy = [(at, p) for i, at, p in found if i == b"busy"]
-    if len(busy) != 1:
-        fail(f"{path}: {len(busy)} busy chunks")
     if "compatibleWav" in sample["compatibility"]:
-        with open(source_path, "rb") as file:
+        with open(urllib.parse.unquote_to_bytes(sample["sourceURL"][len("file://") :]), "rb") as file:
             source = file.read()
-        had_busy = any(i == b"busy" for i, _, _ in chunks(source))
-        if not had_busy:
-            if data[: len(source)] != source or len(data) != len(source) + 1944:
-                fail(f"{path}: not the source with a chunk behind it")
-            if busy[0][1] != fresh_payload(len(payload), channel, options):
-                fail(f"{path}: the payload differs")
-        return "copied"
-    fmt = next(p for i, _, p in found if i == b"fmt ")
+        if data != stamped(source, channel, options):
+            fail(f"{path}: not the stamped source")
+        return "stamped again" if any(i == b"busy" for i, _, _ in chunks(source)) else "copied"
+    converted = data[: len(data) - 8 - PAYLOAD_SIZE]
+    if data != stamped(converted, channel, options):
+        fail(f"{path}: not a file with a new stamp behind it")
+    fmt = next(p for i, _, p in chunks(converted) if i == b"fmt ")
     if struct.unpack("<HHIIHH", fmt[:16]) != (1, 1, 44100, 88200, 2, 16):
         fail(f"{path}: format {fmt.hex()}")
-    if struct.unpack_from("<I", data, 4)[0] != busy[0][0] - 8:
+    if struct.unpack_from("<I", data, 4)[0] != len(converted) - 8:
         fail(f"{path}: the RIFF size counts the stamp")
-    if busy[0][1] != fresh_payload(len(payload), channel, options):
-        fail(f"{path}: the payload differs")
     return "converted"
 
 
@@ -111,7 +128,7 @@ def main():
         document = json.load(file)
     device = os.path.join(options.output, document["naming"]["sourceFolderName"], "QZT508")
     expected = {os.path.join(device, "Pool")}
-    counts = {"copied": 0, "converted": 0}
+    counts = {"copied": 0, "stamped again": 0, "converted": 0}
     for number, recipe in enumerate(document["recipes"], start=1):
         if recipe["bankIndex"] != number:
             fail(f"bank {number} has index {recipe['bankIndex']}")
@@ -143,8 +160,8 @@ def main():
         found |= {os.path.join(parent, name) for name in folders + files}
     if found != expected:
         fail(f"the tree differs: {sorted(found ^ expected)[:10]}")
-    print(f"{len(document['recipes'])} banks, {counts['copied']} copied, "
-          f"{counts['converted']} converted files are right")
+    print(f"{len(document['recipes'])} banks, {counts['copied']} copied, {counts['stamped again']} copied "
+          f"with an earlier stamp, {counts['converted']} converted files are right")
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 """The program under test on a virtual desktop, and what its tests share."""
 
 import argparse
+import contextlib
 import os
 import random
 import re
@@ -13,8 +14,8 @@ import urllib.parse
 import wave
 
 import accessible
-from desktop import Desktop, read_line, wait_until
-from trustlib import Failed, check
+from desktop import Desktop, read_line
+from trustlib import Failed, check, wait_until
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 TITLE = "Torvo Quastle Bank Generator"
@@ -69,10 +70,31 @@ class Program:
     def close_window(self):
         """As the window manager does it. Returns the seconds until the process has ended."""
         start = time.monotonic()
-        self.desktop.key("alt+F4")
-        wait_until(lambda: not self.is_running(),
-                   lambda: f"the program to end; its window:\n{self.window.outline()}")
+        self.desktop.ask_to_close(self.window_id())
+        self.wait_ended()
         return time.monotonic() - start
+
+    def window_id(self):
+        """Of the main window, on the screen."""
+        found = self.desktop.xdotool("search", "--sync", "--all", "--onlyvisible", "--pid",
+                                     self.process.pid, "--name", f"^{TITLE}$")
+        return int(found.split()[-1])
+
+    def wait_ended(self):
+        wait_until(lambda: not self.is_running(),
+                   lambda: f"the program to end; {self.desktop.focus()}; its windows:\n"
+                           + "\n".join(str(shown) for shown in self.application.children)
+                           + f"\n{self.window.outline()}")
+
+    @contextlib.contextmanager
+    def paused(self):
+        """The program does nothing inside; what is sent to it waits."""
+        self.process.send_signal(signal.SIGSTOP)
+        os.waitid(os.P_PID, self.process.pid, os.WSTOPPED)
+        try:
+            yield
+        finally:
+            self.process.send_signal(signal.SIGCONT)
 
     def quit(self):
         """Closes the window; the program ends well and has nothing to say."""
