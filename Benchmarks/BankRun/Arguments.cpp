@@ -1,10 +1,11 @@
 #include "Arguments.h"
 
+#include "../CommandLine.h"
+
 #include <array>
 #include <charconv>
 #include <getopt.h>
 #include <limits>
-#include <ranges>
 #include <string_view>
 
 namespace torvo::bankrun {
@@ -18,6 +19,8 @@ bank-run --stamp DIR [--bits ...]      stamp an existing device folder
 )";
 
 namespace {
+
+using bench::UsageError;
 
 template <typename Number>
 Number number(std::string_view option, std::string_view text, Number least, Number greatest) {
@@ -51,8 +54,8 @@ std::optional<TorvoFilterType> filterNamed(std::string_view name) {
 
 std::set<std::int64_t> channelList(std::string_view text) {
     std::set<std::int64_t> channels;
-    for (const auto part : text | std::views::split(','))
-        channels.insert(number<std::int64_t>("cv", {part.begin(), part.end()}, 1, 8));
+    for (const auto part : bench::partsOf(text))
+        channels.insert(number<std::int64_t>("cv", part, 1, 8));
     return channels;
 }
 

@@ -5,15 +5,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 namespace torvo::bankrun {
-
-/// Called wrongly; the text says how.
-class UsageError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 /// Exactly one of `source`, `scan`, `import` and `stamp` is set.
 struct Arguments {
@@ -29,7 +23,7 @@ struct Arguments {
     TorvoMetadataOptions metadataOptions;
 };
 
-/// Throws `UsageError`.
+/// Throws `bench::UsageError`.
 Arguments parseArguments(int argc, char** argv);
 
 extern const char* const usage;

@@ -1,6 +1,7 @@
 // Drives the core from the command line exactly as the application model does. A developer program:
 // for benchmarks, profiles and end-to-end checks.
 
+#include "../CommandLine.h"
 #include "../Stopwatch.h"
 #include "Arguments.h"
 #include "AudioSupport.h"
@@ -56,20 +57,10 @@ json summaryJson(const ExportSummary& summary, std::uint64_t seed) {
             {"poolFilesWritten", summary.poolFilesWritten}};
 }
 
-ExportJob jobFor(const BankMappingDocument& document, const Arguments& arguments) {
-    return {.sourceFolder = document.sourceFolder,
-            .exportFolder = FileURL::directory(*arguments.out),
-            .generationTemplate = document.generationTemplate,
-            .targetBankCount = static_cast<std::int64_t>(document.recipes.size()),
-            .seed = document.recipes.empty() ? 0 : document.recipes.front().seed,
-            .naming = document.naming,
-            .metadataOptions = arguments.metadataOptions,
-            .recipes = document.recipes};
-}
-
 /// Writes the document's banks; the seconds of the export are added to `result`.
 void exportDocument(const BankMappingDocument& document, const Arguments& arguments, json& result) {
-    const auto job = jobFor(document, arguments);
+    const auto job =
+        exportJob(document, FileURL::directory(*arguments.out), arguments.metadataOptions);
     const Stopwatch watch;
     result.update(summaryJson(exporter().exportBanks(job), job.seed));
     result["seconds"]["export"] = watch.seconds();
@@ -178,7 +169,7 @@ int main(int argc, char** argv) {
     try {
         torvo::bankrun::run(torvo::bankrun::parseArguments(argc, argv));
         return std::cout ? 0 : 1;
-    } catch (const torvo::bankrun::UsageError& error) {
+    } catch (const torvo::bench::UsageError& error) {
         std::cerr << error.what() << "\n" << torvo::bankrun::usage;
         return 2;
     } catch (const std::exception& error) {

@@ -1,6 +1,7 @@
 // Measures the program beside the least that its work must cost on this machine, and prints a table
 // with the medians, their ratio and the bar. Give it a disk of its own and a quiet machine.
 
+#include "../CommandLine.h"
 #include "Rows.h"
 
 #include <algorithm>
@@ -30,10 +31,6 @@ constexpr auto usage = R"(bench-report [--quick] [--runs N] [--rows NAME,NAME...
   --work    keeps inputs and results in DIR; without it they go to a temporary folder
 )";
 
-class UsageError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
 struct Options {
     Sizes sizes = fullSizes;
     std::set<std::string, std::less<>> rows; ///< empty means all
@@ -51,14 +48,11 @@ std::size_t runCount(std::string_view text) {
 
 std::set<std::string, std::less<>> rowNames(std::string_view text) {
     std::set<std::string, std::less<>> names;
-    for (std::size_t at = 0; at <= text.size();) {
-        const auto end = std::min(text.find(',', at), text.size());
-        const auto name = text.substr(at, end - at);
+    for (const auto name : partsOf(text)) {
         if (std::ranges::find(allMeasurements(), name, &Measurement::name) ==
             allMeasurements().end())
             throw UsageError("--rows does not know \"" + std::string(name) + "\"");
         names.emplace(name);
-        at = end + 1;
     }
     return names;
 }
