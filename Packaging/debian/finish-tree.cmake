@@ -5,6 +5,7 @@ endif()
 execute_process(
     COMMAND "${CPACK_TORVO_STRIP}" --remove-section=.comment --remove-section=.note
         "${CPACK_TEMPORARY_DIRECTORY}/usr/bin/${CPACK_PACKAGE_NAME}"
+        "${CPACK_TEMPORARY_DIRECTORY}/usr/libexec/${CPACK_PACKAGE_NAME}/decoders.so"
     COMMAND_ERROR_IS_FATAL ANY)
 
 file(GLOB_RECURSE manual_pages "${CPACK_TEMPORARY_DIRECTORY}/usr/share/man/*.1")
