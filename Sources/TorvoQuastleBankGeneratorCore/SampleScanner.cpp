@@ -6,9 +6,10 @@
 #include "Platform/UnicodeText.h"
 #include "RoleClassifier.h"
 
-#include <tbb/parallel_for.h>
+#include <tbb/task_group.h>
 
 #include <algorithm>
+#include <list>
 #include <map>
 #include <optional>
 #include <string>
@@ -77,12 +78,13 @@ private:
     std::unordered_map<std::string, FolderDecision> decisions_;
 };
 
-/// A file with a role, waiting to be opened.
-struct PendingSample {
+/// A file with a role, and what opening it told.
+struct ClassifiedFile {
     FileURL url;
     ChannelRole role = ChannelRole::kick;
     bool mayBeOpened = true;  ///< false for pipes, sockets and devices
     std::size_t position = 0; ///< in the order of the walk
+    std::optional<AudioFormatDetails> format = std::nullopt;
 };
 
 /// An ignored file and where the walk met it.
@@ -120,11 +122,76 @@ std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredFile> files) {
     return items;
 }
 
-/// The first, sequential half of a scan: names only. What needs opening is left over.
+/// Opens files on all cores while the walk that finds them goes on.
+class Inspection {
+public:
+    explicit Inspection(const AudioFileInspecting& inspector) : inspector_(inspector) {}
+    /// A walk that failed waits for what is being opened and leaves the rest.
+    ~Inspection() noexcept {
+        tasks_.cancel();
+        try {
+            wait();
+        } catch (const std::exception&) {
+            // The failure of the walk is the one to tell.
+        }
+    }
+    Inspection(const Inspection&) = delete;
+    Inspection& operator=(const Inspection&) = delete;
+
+    void add(ClassifiedFile file) {
+        if (batches_.empty() || batches_.back().size() == batchSize)
+            batches_.emplace_back().reserve(batchSize);
+        batches_.back().push_back(std::move(file));
+        if (batches_.back().size() == batchSize)
+            start(batches_.back());
+    }
+
+    /// All files, in the order in which they were added, once they have been opened.
+    std::list<std::vector<ClassifiedFile>> finish() {
+        if (!batches_.empty() && batches_.back().size() < batchSize)
+            start(batches_.back());
+        wait();
+        return std::move(batches_);
+    }
+
+private:
+    static constexpr std::size_t batchSize = 32;
+
+    void start(std::vector<ClassifiedFile>& batch) {
+        tasks_.run([this, &batch, handed = taskOrder::HandedOver()] {
+            [[maybe_unused]] const taskOrder::InTask task;
+            for (auto& file : batch)
+                inspect(file);
+        });
+    }
+
+    void wait() {
+        [[maybe_unused]] const taskOrder::Waiting waiting;
+        tasks_.wait();
+    }
+
+    void inspect(ClassifiedFile& file) const {
+        if (!file.mayBeOpened)
+            return;
+        try {
+            file.format = inspector_.inspectAudioFile(file.url);
+        } catch (const BrokenInstallation&) {
+            throw; // no fault of the file, nor of this one alone
+        } catch (const std::exception&) {
+            // A file that is no audio never fails a scan; it is told by having no format.
+        }
+    }
+
+    const AudioFileInspecting& inspector_;
+    std::list<std::vector<ClassifiedFile>> batches_; // tasks work on them where they are
+    tbb::task_group tasks_;
+};
+
+/// What names alone tell, item by item. Files that have a role go on to the inspection.
 class NamePass {
 public:
-    NamePass(FileURL root, GenerationMode mode)
-        : root_(std::move(root)), mode_(mode), judge_(root_) {}
+    NamePass(FileURL root, GenerationMode mode, Inspection& inspection)
+        : root_(std::move(root)), mode_(mode), inspection_(inspection), judge_(root_) {}
 
     void take(EnumeratedItem item) {
         ++position_;
@@ -144,7 +211,6 @@ public:
         ignoredFiles_.push_back({{relativePathForDisplay(url, root_), reason}, position});
     }
 
-    std::vector<PendingSample> takePending() { return std::move(pending_); }
     std::vector<IgnoredItem> takeIgnoredFiles() { return sortedByPath(std::move(ignoredFiles_)); }
     std::vector<IgnoredItem> takeIgnoredFolders() {
         std::vector<IgnoredItem> folders;
@@ -171,14 +237,14 @@ private:
     }
 
     void keep(EnumeratedItem item, ChannelRole role) {
-        pending_.push_back({std::move(item.url), role, item.kind == FileKind::regular, position_});
+        inspection_.add({std::move(item.url), role, item.kind == FileKind::regular, position_});
     }
 
     FileURL root_;
     GenerationMode mode_;
+    Inspection& inspection_;
     FolderJudge judge_;
     std::size_t position_ = 0; ///< of the item that was taken last
-    std::vector<PendingSample> pending_;
     std::vector<IgnoredFile> ignoredFiles_;
     std::map<std::string, IgnoredItem> ignoredFolders_;
 };
@@ -202,45 +268,26 @@ ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode)
     } catch (const FileError&) {
         throw unreadable();
     }
-    auto items = enumerateDeep(*fileManager_, root, EnumerationOptions::skipPackageContents,
-                               UnreadableFolders::passOver);
-    if (!items)
+    Inspection inspection(*inspector_);
+    NamePass names(root, mode, inspection);
+    if (!enumerateDeep(*fileManager_, root, EnumerationOptions::skipPackageContents,
+                       UnreadableFolders::passOver, [&](EnumeratedItem item) {
+                           names.take(followed(*fileManager_, std::move(item)));
+                       }))
         throw unreadable();
 
-    NamePass names(root, mode);
-    for (auto& item : *items)
-        names.take(followed(*fileManager_, std::move(item)));
-    items.reset();
-
-    auto pending = names.takePending();
-    std::vector<std::optional<AudioFormatDetails>> formats(pending.size());
-    const auto inspect = [&](std::size_t i) {
-        [[maybe_unused]] const taskOrder::InTask task;
-        if (!pending[i].mayBeOpened)
-            return;
-        try {
-            formats[i] = inspector_->inspectAudioFile(pending[i].url);
-        } catch (const BrokenInstallation&) {
-            throw; // no fault of the file, nor of this one alone
-        } catch (const std::exception&) {
-            // Recorded below: a file that is no audio never fails a scan.
-        }
-    };
-    taskOrder::beforeStarting();
-    tbb::parallel_for(std::size_t{0}, pending.size(), inspect);
-    taskOrder::afterWaiting();
-
     ScanReport report{mode, root, {}, {}, {}};
-    for (std::size_t i = 0; i < pending.size(); ++i) {
-        auto& [url, role, mayBeOpened, position] = pending[i];
-        if (!formats[i]) {
-            names.ignore(url, unsupportedReason, position);
-            continue;
+    for (auto& batch : inspection.finish()) {
+        for (auto& [url, role, mayBeOpened, position, format] : batch) {
+            if (!format) {
+                names.ignore(url, unsupportedReason, position);
+                continue;
+            }
+            auto displayName = url.lastPathComponentWithoutExtension();
+            report.buckets.samples(role).push_back({std::move(url), role, std::move(displayName),
+                                                    evaluator_.compatibility(*format),
+                                                    std::move(*format)});
         }
-        auto displayName = url.lastPathComponentWithoutExtension();
-        report.buckets.samples(role).push_back({std::move(url), role, std::move(displayName),
-                                                evaluator_.compatibility(*formats[i]),
-                                                std::move(*formats[i])});
     }
     report.ignoredFiles = names.takeIgnoredFiles();
     report.ignoredFolders = names.takeIgnoredFolders();

@@ -189,14 +189,15 @@ std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
                                            const FileURL& toWAVsUnder) const {
     // The list is complete before the first file is written: a walk over a folder that is being
     // rewritten may meet a file twice.
-    const auto items = enumerateDeep(*fileManager_, toWAVsUnder, EnumerationOptions::skipHidden,
-                                     UnreadableFolders::fail);
-    if (!items)
+    std::vector<EnumeratedItem> items;
+    if (!enumerateDeep(*fileManager_, toWAVsUnder, EnumerationOptions::skipHidden,
+                       UnreadableFolders::fail,
+                       [&items](EnumeratedItem item) { items.push_back(std::move(item)); }))
         return 0;
     const WrittenFolder folder(fileManager_, toWAVsUnder.path());
     removeAbandonedTemporaries(*fileManager_, toWAVsUnder.path());
     std::int64_t written = 0;
-    for (const auto& item : *items) {
+    for (const auto& item : items) {
         if (item.kind == FileKind::directory)
             removeAbandonedTemporaries(*fileManager_, item.url.path());
         if (text::lowercased(item.url.pathExtension()) != "wav" || !isStampable(item))

@@ -93,16 +93,16 @@ TEST(ResolvingSymlinks, followsLinksAsFarAsThereIsSomething) {
 std::vector<std::string> enumerated(const TemporaryFolder& folder, EnumerationOptions options,
                                     const FileManager& fileManager = files()) {
     std::vector<std::string> names;
-    const auto items =
-        enumerateDeep(fileManager, folder.url(), options, UnreadableFolders::passOver);
-    if (!items)
-        return {"no enumeration"};
-    for (const auto& item : *items) {
-        EXPECT_EQ(item.url.hasDirectoryPath(), item.kind == FileKind::directory);
-        names.push_back(item.url.path().lexically_relative(folder.path()).string());
-    }
+    EXPECT_TRUE(enumerateDeep(
+        fileManager, folder.url(), options, UnreadableFolders::passOver,
+        [&](const EnumeratedItem& item) {
+            EXPECT_EQ(item.url.hasDirectoryPath(), item.kind == FileKind::directory);
+            names.push_back(item.url.path().lexically_relative(folder.path()).string());
+        }));
     return names;
 }
+
+void ignoreItem(const EnumeratedItem&) {}
 
 TEST(EnumerateDeep, walksDepthFirstInByteOrder) {
     const TemporaryFolder folder;
@@ -139,8 +139,8 @@ TEST(EnumerateDeep, passesOverLockedFoldersOrFailsAsItIsTold) {
     EXPECT_THAT(enumerated(folder, EnumerationOptions::skipHidden, locked),
                 ElementsAre("a", "b", "b/x"));
     const auto error = thrown<FileError>([&] {
-        enumerateDeep(locked, folder.url(), EnumerationOptions::skipHidden,
-                      UnreadableFolders::fail);
+        enumerateDeep(locked, folder.url(), EnumerationOptions::skipHidden, UnreadableFolders::fail,
+                      ignoreItem);
     });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->path(), folder / "a");
@@ -149,13 +149,15 @@ TEST(EnumerateDeep, passesOverLockedFoldersOrFailsAsItIsTold) {
 TEST(EnumerateDeep, aRootThatCannotBeReadHasNoItems) {
     const TemporaryFolder folder;
     const LockedFolderFileManager locked(folder.path());
+    const auto isEnumerated = [](const FileManager& fileManager, const FileURL& root,
+                                 UnreadableFolders unreadable) {
+        return enumerateDeep(fileManager, root, EnumerationOptions::skipHidden, unreadable,
+                             [](const EnumeratedItem&) { FAIL(); });
+    };
     for (const auto unreadable : {UnreadableFolders::passOver, UnreadableFolders::fail}) {
-        EXPECT_FALSE(
-            enumerateDeep(locked, folder.url(), EnumerationOptions::skipHidden, unreadable));
-        EXPECT_FALSE(enumerateDeep(files(), FileURL(folder / "missing"),
-                                   EnumerationOptions::skipHidden, unreadable));
-        EXPECT_FALSE(enumerateDeep(files(), FileURL(folder.write("file", "")),
-                                   EnumerationOptions::skipHidden, unreadable));
+        EXPECT_FALSE(isEnumerated(locked, folder.url(), unreadable));
+        EXPECT_FALSE(isEnumerated(files(), FileURL(folder / "missing"), unreadable));
+        EXPECT_FALSE(isEnumerated(files(), FileURL(folder.write("file", "")), unreadable));
     }
 }
 

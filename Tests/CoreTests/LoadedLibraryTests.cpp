@@ -28,13 +28,6 @@ TEST(LoadedLibraryTests, findsLibrariesBesideTheFolderOfTheProgram) {
     EXPECT_TRUE(std::filesystem::exists(installedLibrary(".") / "core-tests"));
 }
 
-/// As it answers when its decoders are gone.
-class BrokenInspector final : public AudioFileInspecting {
-    AudioFormatDetails inspectAudioFile(const FileURL&) const override {
-        throw BrokenInstallation("decoders.so is gone.");
-    }
-};
-
 TEST(LoadedLibraryTests, endsAScanInsteadOfCallingEverySampleUnsupported) {
     const ScanFixture fixture;
     fixture.addAudio("kick.flac");

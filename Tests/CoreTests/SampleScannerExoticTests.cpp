@@ -115,6 +115,22 @@ TEST(SampleScannerLinks, aDeadOrCircularLinkEndsTheScanByItsName) {
     EXPECT_EQ(error->code(), std::errc::too_many_symbolic_link_levels);
 }
 
+// The walk goes on while files are being opened, and may fail then.
+TEST(SampleScannerLinks, aDeadLinkBehindManyFilesEndsTheScanByItsName) {
+    const ScanFixture kit;
+    for (int i = 0; i < 300; ++i)
+        kit.addAudio("Kicks/" + std::to_string(i) + ".wav");
+    fs::create_symlink(kit.at("missing"), kit.at("zzz"));
+    for (const auto& inspector : std::initializer_list<std::shared_ptr<const AudioFileInspecting>>{
+             kit.inspector, std::make_shared<BrokenInspector>()}) {
+        const SampleScanner scanner(inspector, {}, systemFileManager());
+        const auto error =
+            thrown<FileError>([&] { scanner.scan(kit.root, GenerationMode::drums); });
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->path(), kit.at("zzz"));
+    }
+}
+
 TEST(SampleScannerLinks, theSourceFolderMayItselfBeALink) {
     const ScanFixture kit;
     kit.addAudio("Kicks/a.wav");

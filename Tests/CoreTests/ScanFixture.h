@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FakeAudio.h"
+#include "Platform/LoadedLibrary.h"
 #include "SampleScanner.h"
 #include "TemporaryFolder.h"
 
@@ -12,6 +13,13 @@
 namespace torvo::test {
 
 using Paths = std::vector<std::string>;
+
+/// As the inspector answers when its decoders are gone.
+class BrokenInspector final : public AudioFileInspecting {
+    AudioFormatDetails inspectAudioFile(const FileURL&) const override {
+        throw BrokenInstallation("decoders.so is gone.");
+    }
+};
 
 /// A source folder named "Kit", with room beside it, and a scanner of fake audio.
 struct ScanFixture {

@@ -41,8 +41,8 @@ AheadConverter::AheadConverter(std::shared_ptr<const FileManager> fileManager,
 
 AheadConverter::~AheadConverter() noexcept {
     isStopping_ = true;
+    [[maybe_unused]] const taskOrder::Waiting waiting;
     tasks_.wait();
-    taskOrder::afterWaiting();
 }
 
 std::shared_ptr<const ConvertedBytes> AheadConverter::take(std::size_t index) {
@@ -137,8 +137,7 @@ void AheadConverter::startTasks() {
     while (taskCount_ < taskLimit_ && waiting > 0 && mayConvertAnother()) {
         ++taskCount_;
         --waiting;
-        taskOrder::beforeStarting();
-        tasks_.run([this] {
+        tasks_.run([this, handed = taskOrder::HandedOver()] {
             [[maybe_unused]] const taskOrder::InTask task;
             work();
         });

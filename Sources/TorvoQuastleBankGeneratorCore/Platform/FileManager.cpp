@@ -39,11 +39,11 @@ bool saysNothingIsThere(const FileError& error) {
 class DeepEnumeration {
 public:
     DeepEnumeration(const FileManager& fileManager, EnumerationOptions options,
-                    UnreadableFolders unreadable)
-        : fileManager_(fileManager), options_(options), unreadable_(unreadable) {}
+                    UnreadableFolders unreadable, const EnumerationVisitor& visit)
+        : fileManager_(fileManager), options_(options), unreadable_(unreadable), visit_(visit) {}
 
     /// `contents` are the root's own entries.
-    std::vector<EnumeratedItem> below(const FileURL& root, std::vector<DirectoryEntry> contents) {
+    void goBelow(const FileURL& root, std::vector<DirectoryEntry> contents) {
         enter(root, std::move(contents));
         while (!levels_.empty()) {
             auto& level = levels_.back();
@@ -57,12 +57,11 @@ public:
             const bool isFolder = entry.kind == FileKind::directory;
             const auto url = level.folder.appendingPathComponent(
                 entry.name, isFolder ? FileURL::Kind::directory : FileURL::Kind::file);
-            items_.push_back({url, entry.kind});
+            visit_({url, entry.kind});
             if (isFolder &&
                 !(options_ == EnumerationOptions::skipPackageContents && isPackage(url)))
                 enterFolder(url);
         }
-        return std::move(items_);
     }
 
 private:
@@ -88,8 +87,8 @@ private:
     const FileManager& fileManager_;
     EnumerationOptions options_;
     UnreadableFolders unreadable_;
+    const EnumerationVisitor& visit_;
     std::vector<Level> levels_;
-    std::vector<EnumeratedItem> items_;
 };
 
 } // namespace
@@ -181,17 +180,16 @@ FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
     return url.standardized();
 }
 
-std::optional<std::vector<EnumeratedItem>> enumerateDeep(const FileManager& fileManager,
-                                                         const FileURL& root,
-                                                         EnumerationOptions options,
-                                                         UnreadableFolders unreadable) {
+bool enumerateDeep(const FileManager& fileManager, const FileURL& root, EnumerationOptions options,
+                   UnreadableFolders unreadable, const EnumerationVisitor& visit) {
     std::vector<DirectoryEntry> contents;
     try {
         contents = sortedContents(fileManager, root.path());
     } catch (const FileError&) {
-        return std::nullopt;
+        return false;
     }
-    return DeepEnumeration(fileManager, options, unreadable).below(root, std::move(contents));
+    DeepEnumeration(fileManager, options, unreadable, visit).goBelow(root, std::move(contents));
+    return true;
 }
 
 } // namespace torvo

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -158,11 +159,12 @@ enum class UnreadableFolders {
     fail,     ///< its `FileError` ends the enumeration
 };
 
-/// Everything below `root`, depth first, the entries of each folder in byte order of their names.
-/// Links are yielded and not followed. Absent when the root itself is no folder or cannot be read.
-std::optional<std::vector<EnumeratedItem>> enumerateDeep(const FileManager& fileManager,
-                                                         const FileURL& root,
-                                                         EnumerationOptions options,
-                                                         UnreadableFolders unreadable);
+using EnumerationVisitor = std::function<void(EnumeratedItem item)>;
+
+/// Visits everything below `root`, depth first, the entries of each folder in byte order of their
+/// names; each folder is listed right after it was visited. Links are visited and not followed.
+/// False, and nothing is visited, when the root itself is no folder or cannot be read.
+bool enumerateDeep(const FileManager& fileManager, const FileURL& root, EnumerationOptions options,
+                   UnreadableFolders unreadable, const EnumerationVisitor& visit);
 
 } // namespace torvo

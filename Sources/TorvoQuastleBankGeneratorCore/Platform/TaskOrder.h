@@ -15,12 +15,15 @@ namespace torvo::taskOrder {
 inline char started;
 inline char ended;
 
-inline void beforeStarting() {
-    __tsan_release(&started);
-}
-inline void afterWaiting() {
-    __tsan_acquire(&ended);
-}
+/// The last capture of a task's lambda. The library gets a copy of the lambda: what the task reads,
+/// its captures included, was written before.
+class HandedOver {
+public:
+    HandedOver() = default;
+    HandedOver(const HandedOver&) { __tsan_release(&started); }
+    HandedOver& operator=(const HandedOver&) = delete;
+    ~HandedOver() = default;
+};
 
 /// Stands in a task from its beginning to its end.
 class InTask {
@@ -31,12 +34,20 @@ public:
     InTask& operator=(const InTask&) = delete;
 };
 
+/// Stands around waiting for tasks, however the waiting ends.
+class Waiting {
+public:
+    Waiting() = default;
+    ~Waiting() { __tsan_acquire(&ended); }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+};
+
 #else
 
-inline void beforeStarting() {}
-inline void afterWaiting() {}
-
+class HandedOver {};
 class InTask {};
+class Waiting {};
 
 #endif
 
