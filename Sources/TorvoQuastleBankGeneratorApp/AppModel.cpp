@@ -1,5 +1,6 @@
 #include "AppModel.h"
 
+#include "Models/Device.h"
 #include "Platform/FileManager.h"
 #include "Platform/UnicodeText.h"
 
@@ -12,10 +13,9 @@ namespace torvo::app {
 namespace {
 
 constexpr std::int64_t targetBankCount = 99;
-constexpr std::string_view deviceFolderName = "QZT508";
 
 bool isDeviceFolder(const FileURL& folder) {
-    return text::equalsIgnoringCase(folder.lastPathComponent(), deviceFolderName);
+    return text::equalsIgnoringCase(folder.lastPathComponent(), device::folderName);
 }
 
 /// Uniform over 1 … 2^64 − 1, from the system's cryptographic source; 0 is drawn again.
@@ -70,7 +70,7 @@ std::optional<FileURL> AppModel::expectedExportRoot() const {
     const std::string folderName = sourceFolder_ ? sourceFolder_->lastPathComponent()
                                                  : currentDocument_->naming.sourceFolderName;
     return exportFolder_->appendingPathComponent(folderName, FileURL::Kind::directory)
-        .appendingPathComponent(deviceFolderName, FileURL::Kind::directory);
+        .appendingPathComponent(device::folderName, FileURL::Kind::directory);
 }
 
 void AppModel::setSourceFolder(const FileURL& folder) {
@@ -97,7 +97,7 @@ void AppModel::setGenerationMode(GenerationMode mode) {
 }
 
 void AppModel::setCVChannel(std::int64_t channel, bool enabled) {
-    if (channel < 1 || channel > 8)
+    if (!device::hasChannel(channel))
         return;
     TorvoMetadataOptions options = metadataOptions_;
     if (enabled)

@@ -6,7 +6,6 @@ class QPainter;
 class QStyleOption;
 class QStyleOptionButton;
 class QStyleOptionFrame;
-class QStyleOptionHeader;
 
 namespace torvo::app {
 

@@ -4,6 +4,7 @@
 #include "Controls/Card.h"
 #include "Controls/ChannelToggleButton.h"
 #include "Controls/Labels.h"
+#include "Models/Device.h"
 #include "Text.h"
 
 #include <QCheckBox>
@@ -19,9 +20,7 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int lowestBits = 1;
-constexpr int highestBits = 16;
-constexpr int channelCount = 8;
+constexpr int channelCount{device::channelCount};
 
 /// The wheel scrolls the page, whatever it passes over.
 class PickerBox final : public QComboBox {
@@ -68,7 +67,7 @@ QStringList displayNames(const Options& options) {
 
 QStringList bitNames() {
     QStringList names;
-    for (int bits = lowestBits; bits <= highestBits; ++bits)
+    for (auto bits = device::lowestBits; bits <= device::highestBits; ++bits)
         names.append(QString::number(bits));
     return names;
 }
@@ -106,7 +105,8 @@ QLayout* MetadataCard::makePickers() {
 
     connect(bits.box, &QComboBox::activated, this, [this](int index) {
         change([index](TorvoMetadataOptions& options) {
-            options.bits = std::clamp(index + lowestBits, lowestBits, highestBits);
+            options.bits =
+                std::clamp(index + device::lowestBits, device::lowestBits, device::highestBits);
         });
     });
     connect(rate.box, &QComboBox::activated, this, [this](int index) {
@@ -123,7 +123,7 @@ QLayout* MetadataCard::makePickers() {
         model_, this,
         [this, bits, rate, filter] {
             const TorvoMetadataOptions& options = model_.metadataOptions();
-            bits.box->setCurrentIndex(static_cast<int>(options.bits) - lowestBits);
+            bits.box->setCurrentIndex(static_cast<int>(options.bits - device::lowestBits));
             rate.box->setCurrentIndex(indexOf(allTorvoPlaybackRates, options.rate));
             filter.box->setCurrentIndex(indexOf(allTorvoFilterTypes, options.filterType));
         },
