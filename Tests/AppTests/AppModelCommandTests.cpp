@@ -184,8 +184,7 @@ TEST_F(AppModelCommandTest, writesTheBanksOfADocument) {
 TEST_F(AppModelCommandTest, importKeepsTheScanAndItsModeBlocksGenerating) {
     loops();
     savedDocument(documentURL());
-    model.setExportFolder(outputFolder());
-    scan(drumKit());
+    prepareRun();
     ASSERT_TRUE(model.canGenerate());
     const auto before = model.scanState();
     panels->document = documentURL();

@@ -222,8 +222,7 @@ TEST_F(AppModelTest, canGenerateOnceThereIsEnoughAndAFolderForIt) {
 }
 
 TEST_F(AppModelTest, canGenerateDoesNotLookAtTheRun) {
-    model.setExportFolder(outputFolder());
-    scan(drumKit());
+    prepareRun();
     const auto gate = preparer->holdBank(1);
     model.generateBanks();
     EXPECT_TRUE(model.isRunning());
@@ -292,8 +291,7 @@ TEST_F(AppModelTest, generatesNinetyNineBanks) {
 }
 
 TEST_F(AppModelTest, drawsANewSeedForEachRun) {
-    model.setExportFolder(outputFolder());
-    scan(drumKit());
+    prepareRun();
     model.generateBanks();
     waitForWork();
     const std::uint64_t first = model.currentDocument()->recipes.front().seed;

@@ -96,8 +96,7 @@ TEST_F(PublicationTest, aNewModeComesBeforeItsScan) {
 }
 
 TEST_F(PublicationTest, aRunGivesItsDocumentBeforeItsEnd) {
-    model.setExportFolder(outputFolder());
-    scan(drumKit());
+    prepareRun();
     told.clear();
     model.generateBanks();
     EXPECT_THAT(told, ElementsAre("run"));
@@ -141,8 +140,7 @@ TEST_F(PublicationTest, aRunThatWaitedIsToldOfWhenItBegins) {
 }
 
 TEST_F(PublicationTest, aRunIsUnfinishedWhateverElseHappens) {
-    model.setExportFolder(outputFolder());
-    scan(drumKit());
+    prepareRun();
     const auto gate = preparer->holdBank(1);
     model.generateBanks();
     model.setSourceFolder(drumKit("Kit B"));

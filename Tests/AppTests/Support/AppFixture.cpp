@@ -89,6 +89,11 @@ void AppFixture::scan(const FileURL& source) {
     waitForWork();
 }
 
+void AppFixture::prepareRun() {
+    model.setExportFolder(outputFolder());
+    scan(drumKit());
+}
+
 void AppFixture::waitForWork() {
     precondition(waitUntil([this] { return !model.isBusy(); }), "the work never ended");
 }

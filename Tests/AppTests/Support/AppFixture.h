@@ -59,6 +59,8 @@ struct AppFixture {
 
     /// Chooses the folder and waits for the scan.
     void scan(const FileURL& source);
+    /// Chooses an output folder and scans a drum kit: banks can be generated.
+    void prepareRun();
     /// Until no background work is left and its results have arrived.
     void waitForWork();
 };

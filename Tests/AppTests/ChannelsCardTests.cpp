@@ -1,0 +1,225 @@
+#include "Controls/CountRow.h"
+#include "Controls/DisclosureHeader.h"
+#include "Controls/DisclosureSection.h"
+#include "Controls/ProgressBar.h"
+#include "Controls/StatusIcon.h"
+#include "MarloTheme.h"
+#include "Support/ContentViewFixture.h"
+#include "Support/Pixels.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QListView>
+#include <QStyleOptionViewItem>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+
+using namespace torvo;
+using namespace torvo::app;
+using namespace torvo::test;
+
+namespace {
+
+class ChannelsCardTest : public testing::Test, protected ContentViewFixture {};
+
+} // namespace
+
+TEST_F(ChannelsCardTest, asksForASourceFirst) {
+    EXPECT_EQ(colorOf("Choose or drop a source folder to scan."), MarloTheme::muted);
+}
+
+TEST_F(ChannelsCardTest, showsAScanInProgress) {
+    const auto gate = inspector->hold("Kit A");
+    model.setSourceFolder(drumKit());
+    EXPECT_TRUE(shows("SCANNING FILES…"));
+    ASSERT_EQ(showing<ProgressBar>().size(), 1U);
+    EXPECT_TRUE(showing<ProgressBar>().front()->isIndeterminate());
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(showing<ProgressBar>().empty());
+}
+
+TEST_F(ChannelsCardTest, showsWhyAScanFailed) {
+    scan(FileURL::directory("/nowhere"));
+    EXPECT_EQ(colorOf("Unable to read /nowhere."), MarloTheme::danger);
+    EXPECT_FALSE(section("ignoredFiles")->isVisible());
+}
+
+TEST_F(ChannelsCardTest, aFailedScanHasAnIconAndATextToCopy) {
+    scan(FileURL::directory("/nowhere"));
+    EXPECT_EQ(showing<StatusIcon>().size(), 1U);
+    QLabel* message = label(QStringLiteral("Unable to read /nowhere."));
+    ASSERT_TRUE(message);
+    EXPECT_EQ(message->font().pixelSize(), 15);
+    EXPECT_EQ(message->focusPolicy(), Qt::StrongFocus);
+    QTest::keyClick(message, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), message->text());
+    // From the left of the first letter to the third.
+    const int letter = message->fontMetrics().horizontalAdvance(QLatin1Char('U'));
+    const QImage before = message->grab().toImage();
+    QTest::mousePress(message, Qt::LeftButton, {}, {1, 8});
+    QMouseEvent drag(QEvent::MouseMove, QPointF(3 * letter + 1, 8), QPointF(3 * letter + 1, 8),
+                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(message, &drag);
+    QTest::mouseRelease(message, Qt::LeftButton, {}, {3 * letter + 1, 8});
+    EXPECT_NE(message->grab().toImage(), before);
+    QTest::keyClick(message, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("Una"));
+    QTest::keyClick(message, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(message, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), message->text());
+    model.clearSource();
+    EXPECT_EQ(message->focusPolicy(), Qt::NoFocus);
+}
+
+TEST_F(ChannelsCardTest, nothingMovesWhenAScanEnds) {
+    const auto place = [this] {
+        QApplication::processEvents();
+        return label(QStringLiteral("METADATA"))->mapTo(&view, QPoint()).y();
+    };
+    const auto expectStill = [&](const FileURL& source, const char* held) {
+        const auto gate = inspector->hold(held);
+        model.setSourceFolder(source);
+        EXPECT_TRUE(shows("SCANNING FILES…"));
+        const int during = place();
+        gate->open();
+        waitForWork();
+        EXPECT_FALSE(shows("SCANNING FILES…"));
+        EXPECT_EQ(place(), during) << held;
+    };
+    const int idle = place();
+    expectStill(drumKit(), "Kit A");
+    EXPECT_EQ(place(), idle);
+    folder.write("Kit A/Kick/notes.txt", "notes");
+    scan(FileURL::directory(folder / "Kit A"));
+    section("ignoredFiles")->setExpanded(true);
+    EXPECT_GT(place(), idle);
+    expectStill(FileURL::directory(folder / "Kit A"), "Kit A");
+    section("ignoredFiles")->setExpanded(false);
+    model.setGenerationMode(GenerationMode::loops);
+    waitForWork();
+    expectStill(loops("Loops", 3), "Loops");
+}
+
+TEST_F(ChannelsCardTest, aKindWithoutSamplesStandsOut) {
+    CountRow row(QStringLiteral("CH2 CLAP"));
+    row.resize(300, row.sizeHint().height());
+    row.show();
+    const auto hasBadge = [&row] {
+        QApplication::processEvents();
+        const QImage image = row.grab().toImage();
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixelColor(x, image.height() / 2) == MarloTheme::danger)
+                return true;
+        return false;
+    };
+    row.setCount(0);
+    EXPECT_TRUE(hasBadge());
+    row.setCount(1);
+    EXPECT_FALSE(hasBadge());
+}
+
+TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {
+    int samples = 1;
+    for (const std::string role : {"Percussion", "Snare", "Open Hat", "Closed Hat", "Clap", "Kick"})
+        loops("Kit A/" + role, samples++);
+    scan(FileURL::directory(folder / "Kit A"));
+    QApplication::processEvents();
+    // As they are read: down the first column, then down the next.
+    auto rows = showing<CountRow>();
+    std::ranges::sort(rows, {}, [this](const CountRow* row) {
+        const QPoint place = row->mapTo(&view, QPoint(0, 0));
+        return std::pair(place.x(), place.y());
+    });
+    std::vector<std::string> texts;
+    for (const auto* row : rows) {
+        auto labels = row->findChildren<QLabel*>();
+        std::ranges::sort(labels, {}, &QWidget::x);
+        for (const auto* label : labels)
+            texts.push_back(label->text().toStdString());
+        EXPECT_EQ(row->accessibleName().toStdString(),
+                  texts[texts.size() - 2] + " " + texts.back());
+    }
+    EXPECT_EQ(texts,
+              (std::vector<std::string>{"CH1 KICK", "6", "CH2 CLAP", "5", "CH3 CLOSED HAT", "4",
+                                        "CH4 OPEN HAT", "3", "CH5 SNARE", "2", "CH6-8 PERC", "1"}));
+    EXPECT_TRUE(shows("CHANNELS"));
+}
+
+TEST_F(ChannelsCardTest, countsLoopsAndStabsAsOne) {
+    model.setGenerationMode(GenerationMode::stabs);
+    scan(loops("Stabs", 11));
+    EXPECT_TRUE(shows("STABS"));
+    EXPECT_TRUE(shows("11"));
+    EXPECT_FALSE(shows("CH1 KICK"));
+    EXPECT_FALSE(shows("LOOPS"));
+    model.setGenerationMode(GenerationMode::loops);
+    waitForWork();
+    scan(loops("Loops", 13));
+    EXPECT_TRUE(shows("LOOPS"));
+    EXPECT_TRUE(shows("13"));
+    EXPECT_FALSE(shows("STABS"));
+}
+
+TEST_F(ChannelsCardTest, listsWhatWasIgnored) {
+    drumKit();
+    folder.write("Kit A/Kick/notes.txt", "notes");
+    scan(FileURL::directory(folder / "Kit A"));
+    auto* files = section("ignoredFiles");
+    EXPECT_EQ(files->header()->text(), QStringLiteral("IGNORED FILES"));
+    EXPECT_EQ(files->header()->count(), 1);
+    EXPECT_FALSE(files->list()->isVisible());
+    press(files->header());
+    EXPECT_TRUE(files->isExpanded());
+    ASSERT_TRUE(files->list()->isVisible());
+    const QModelIndex row = files->list()->model()->index(0, 0);
+    EXPECT_EQ(row.data().toString(), QStringLiteral("Kick/notes.txt"));
+    EXPECT_EQ(row.data(IgnoredItemsModel::reasonRole).toString(),
+              QStringLiteral("Unsupported audio file"));
+    EXPECT_TRUE(row.data(Qt::ToolTipRole).toString().contains(row.data().toString()));
+    press(files->header());
+    EXPECT_FALSE(files->list()->isVisible());
+}
+
+TEST_F(ChannelsCardTest, anEmptyListSaysNone) {
+    scan(drumKit());
+    auto* folders = section("ignoredFolders");
+    EXPECT_EQ(folders->header()->text(), QStringLiteral("IGNORED FOLDERS"));
+    EXPECT_EQ(folders->header()->count(), 0);
+    EXPECT_FALSE(shows("NONE"));
+    press(folders->header());
+    EXPECT_TRUE(shows("NONE"));
+    EXPECT_FALSE(folders->list()->isVisible());
+}
+
+TEST_F(ChannelsCardTest, listsStayOpenAcrossScans) {
+    scan(drumKit());
+    section("ignoredFolders")->setExpanded(true);
+    scan(loops());
+    EXPECT_TRUE(section("ignoredFolders")->isExpanded());
+    EXPECT_TRUE(shows("NONE"));
+    EXPECT_FALSE(section("ignoredFiles")->isExpanded());
+}
+
+TEST_F(ChannelsCardTest, marksTheRowWithTheFocus) {
+    folder.write("Kit A/Kick/notes.txt", "notes");
+    drumKit();
+    scan(FileURL::directory(folder / "Kit A"));
+    section("ignoredFiles")->setExpanded(true);
+    auto* list = section("ignoredFiles")->list();
+    QStyleOptionViewItem option;
+    option.rect = QRect(0, 0, 300, 26);
+    const auto drawn = [&] {
+        return painted(option.rect.size(), MarloTheme::surface, [&](QPainter& painter) {
+            list->itemDelegate()->paint(&painter, option, list->model()->index(0, 0));
+        });
+    };
+    EXPECT_PIXEL(drawn(), 150, 0, MarloTheme::surface);
+    option.state |= QStyle::State_HasFocus;
+    EXPECT_PIXEL(drawn(), 150, 0, MarloTheme::ink);
+    EXPECT_PIXEL(drawn(), 0, 13, MarloTheme::ink);
+}

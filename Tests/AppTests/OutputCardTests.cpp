@@ -1,0 +1,117 @@
+#include "Controls/ElidedPathLabel.h"
+#include "Controls/MarloButton.h"
+#include "Support/ContentViewFixture.h"
+#include "Text.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace torvo;
+using namespace torvo::app;
+using namespace torvo::test;
+
+namespace {
+
+const QString hint = QStringLiteral("Choose an output folder above!");
+
+class OutputCardTest : public testing::Test, protected ContentViewFixture {};
+
+} // namespace
+
+TEST_F(OutputCardTest, aCancelledOutputPanelClearsTheOutput) {
+    scan(drumKit());
+    panels->folder = outputFolder();
+    press(outputButton());
+    EXPECT_EQ(panels->asked.back(), "folder: Choose an export destination folder");
+    EXPECT_EQ(model.exportFolder(), panels->folder);
+    EXPECT_TRUE(mainButton()->isEnabled());
+    panels->folder = std::nullopt;
+    press(outputButton());
+    EXPECT_FALSE(model.exportFolder());
+    EXPECT_TRUE(shows("Choose output folder."));
+    EXPECT_FALSE(mainButton()->isEnabled());
+}
+
+TEST_F(OutputCardTest, theMainButtonIsAsWideAsItsLabelAndPadding) {
+    QApplication::processEvents();
+    EXPECT_EQ(mainButton()->size(), MarloButtonStyle::size(QStringLiteral("GENERATE")));
+    model.setSourceFolder(deviceFolder());
+    QApplication::processEvents();
+    EXPECT_EQ(mainButton()->size(), MarloButtonStyle::size(QStringLiteral("APPLY")));
+}
+
+TEST_F(OutputCardTest, namesTheTarget) {
+    auto* target = view.findChildren<ElidedPathLabel*>()[1];
+    const auto text = [&] { return target->path().toStdString(); };
+    EXPECT_EQ(text(), "Choose output folder.");
+    model.setExportFolder(FileURL::directory("/out put"));
+    EXPECT_EQ(text(), "/out put");
+    model.setSourceFolder(FileURL::directory("/nowhere/Kit A"));
+    EXPECT_EQ(text(), "/out put/Kit A/QZT508");
+    waitForWork();
+}
+
+TEST_F(OutputCardTest, theDisabledApplyGivesNoHint) {
+    model.setSourceFolder(FileURL::directory("/nowhere/QZT508"));
+    EXPECT_EQ(mainButton()->text(), QStringLiteral("APPLY"));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    EXPECT_TRUE(mainButton()->toolTip().isEmpty());
+}
+
+// One hint for every reason, on purpose.
+TEST_F(OutputCardTest, theDisabledButtonGivesOneHint) {
+    EXPECT_EQ(mainButton()->text(), QStringLiteral("GENERATE"));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    EXPECT_EQ(mainButton()->toolTip(), hint);
+    scan(drumKit());
+    EXPECT_FALSE(mainButton()->isEnabled());
+    EXPECT_EQ(mainButton()->toolTip(), hint);
+    model.setExportFolder(outputFolder());
+    EXPECT_TRUE(mainButton()->isEnabled());
+    EXPECT_TRUE(mainButton()->toolTip().isEmpty());
+    model.setGenerationMode(GenerationMode::loops);
+    waitForWork();
+    scan(loops("Few", 2));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    EXPECT_EQ(mainButton()->toolTip(), hint);
+}
+
+TEST_F(OutputCardTest, offersNoRunWhileOneIsCarriedOut) {
+    prepareRun();
+    const auto gate = preparer->holdBank(1);
+    press(mainButton());
+    model.setSourceFolder(drumKit("Kit B"));
+    EXPECT_TRUE(waitUntil([this] { return model.canGenerate(); }));
+    EXPECT_FALSE(model.isRunning());
+    EXPECT_FALSE(mainButton()->isEnabled());
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(mainButton()->isEnabled());
+}
+
+TEST_F(OutputCardTest, showsTheSavedMappingFile) {
+    prepareRun();
+    EXPECT_FALSE(shows("JSON"));
+    model.generateBanks();
+    waitForWork();
+    panels->saveTarget = FileURL(folder / "saved.json");
+    model.exportJSON();
+    EXPECT_TRUE(shows("JSON"));
+    EXPECT_EQ(view.findChildren<ElidedPathLabel*>()[2]->path(), shownPath(*panels->saveTarget));
+}
+
+TEST_F(OutputCardTest, keepsLongPathsWholeInTooltipAndClipboard) {
+    const std::string longName(220, 'n');
+    model.setExportFolder(FileURL::directory("/start/" + longName + "/end"));
+    QApplication::processEvents();
+    auto* target = view.findChildren<ElidedPathLabel*>()[1];
+    EXPECT_LT(target->text().size(), target->path().size());
+    EXPECT_TRUE(target->text().startsWith(QStringLiteral("/start")));
+    EXPECT_TRUE(target->text().endsWith(QStringLiteral("/end")));
+    EXPECT_EQ(target->toolTip(), target->path());
+    target->setSelection(0, static_cast<int>(target->text().size()));
+    QTest::keyClick(target, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), target->path());
+}

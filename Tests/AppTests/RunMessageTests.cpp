@@ -1,0 +1,98 @@
+#include "Controls/ProgressBar.h"
+#include "Controls/StatusIcon.h"
+#include "MarloTheme.h"
+#include "Support/ContentViewFixture.h"
+
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace torvo;
+using namespace torvo::app;
+using namespace torvo::test;
+
+namespace {
+
+const QString hint = QStringLiteral("Choose an output folder above!");
+
+class RunMessageTest : public testing::Test, protected ContentViewFixture {};
+
+} // namespace
+
+TEST_F(RunMessageTest, followsARunFromThePressToTheEnd) {
+    prepareRun();
+    const auto first = preparer->holdBank(1);
+    press(mainButton());
+    EXPECT_TRUE(shows("PREPARING EXPORT…"));
+    ASSERT_EQ(showing<ProgressBar>().size(), 1U);
+    ProgressBar* bar = showing<ProgressBar>().front();
+    EXPECT_TRUE(bar->isIndeterminate());
+    EXPECT_FALSE(mainButton()->isEnabled());
+    EXPECT_EQ(mainButton()->toolTip(), hint);
+
+    const auto later = preparer->holdBank(8);
+    first->open();
+    ASSERT_TRUE(waitUntil([&] { return shows("WRITING KitA007  7/99"); }));
+    EXPECT_FALSE(bar->isIndeterminate());
+    EXPECT_EQ(bar->value(), 7);
+    EXPECT_EQ(bar->maximum(), 99);
+    later->open();
+    waitForWork();
+
+    ASSERT_TRUE(shows("Random banks created"));
+    EXPECT_EQ(label(QStringLiteral("Random banks created"))->font().pixelSize(), 15);
+    EXPECT_EQ(showing<StatusIcon>().size(), 1U);
+    EXPECT_TRUE(showing<ProgressBar>().empty());
+    const auto* finished = std::get_if<AppModel::Finished>(&model.runState());
+    ASSERT_TRUE(finished);
+    const std::string counts = "99 banks · 1584 files copied · 0 converted · " +
+                               std::to_string(finished->completedExport.summary.reusedBankCount) +
+                               " banks with reused samples";
+    EXPECT_TRUE(shows(counts.c_str())) << counts;
+    EXPECT_TRUE(mainButton()->isEnabled());
+}
+
+TEST_F(RunMessageTest, showsTheRunThatIsWrittenAfterAnother) {
+    loops("card/QZT508/Bank 1/3", 1);
+    prepareRun();
+    model.generateBanks();
+    waitForWork();
+    panels->saveTarget = panels->document = FileURL(folder / "saved.json");
+    model.exportJSON();
+    const auto gate = preparer->holdBank(1);
+    model.setSourceFolder(FileURL::directory(folder / "card/QZT508"));
+    model.applyMetadataToExistingBank();
+    model.importJSON();
+    bool stampedFirst = false;
+    QObject::connect(&model, &AppModel::runStateChanged, &model, [&] {
+        if (std::holds_alternative<AppModel::FinishedMessage>(model.runState())) {
+            stampedFirst = true;
+            EXPECT_FALSE(mainButton()->isEnabled());
+        }
+    });
+    EXPECT_TRUE(waitUntil([&] { return stampedFirst && shows("PREPARING EXPORT…"); }));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(shows("Random banks created"));
+}
+
+TEST_F(RunMessageTest, saysSoWhenSelectionsAreApplied) {
+    model.setSourceFolder(deviceFolder());
+    QTest::mouseClick(mainButton(), Qt::LeftButton);
+    // The folder is empty and the run may be over; its result arrives with the next event.
+    EXPECT_TRUE(shows("Applying selections.."));
+    waitForWork();
+    EXPECT_EQ(label(QStringLiteral("Metadata applied to 0 WAVs"))->font().pixelSize(), 15);
+}
+
+TEST_F(RunMessageTest, showsWhyARunFailed) {
+    model.setExportFolder(outputFolder());
+    scan(drumKit("Thin", 2));
+    model.generateBanks();
+    waitForWork();
+    const char* text = "At least 3 percussion samples are required for channels 6-8, but only 2 "
+                       "usable files were found.";
+    EXPECT_EQ(colorOf(text), MarloTheme::danger);
+    EXPECT_EQ(label(QString::fromLatin1(text))->font().pixelSize(), 15);
+    EXPECT_EQ(showing<StatusIcon>().size(), 1U);
+}

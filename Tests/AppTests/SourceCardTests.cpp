@@ -1,0 +1,142 @@
+#include "Controls/DropZone.h"
+#include "Controls/ThreeWayModeToggle.h"
+#include "Support/ContentViewFixture.h"
+#include "WavFixture.h"
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+#include <gtest/gtest.h>
+
+using namespace torvo;
+using namespace torvo::app;
+using namespace torvo::test;
+
+namespace {
+
+class SourceCardTest : public testing::Test, protected ContentViewFixture {};
+
+} // namespace
+
+TEST_F(SourceCardTest, speaksOfTheSelectedMode) {
+    struct Row {
+        GenerationMode mode;
+        const char* tagline;
+        const char* sourceHint;
+    };
+    const std::array<Row, 3> rows{
+        {{GenerationMode::loops,
+          "Drop in a folder of loops. It scatters everything into playable random banks and "
+          "outputs "
+          "QZT508-ready sets.",
+          "Drag a raw loop library.\nThe samples will be jumbled at random until 99 banks are "
+          "created."},
+         {GenerationMode::stabs,
+          "Drop in a folder of one-shots. It scatters everything into playable random banks and "
+          "outputs QZT508-ready sets.",
+          "Drag a raw stab library.\nThe samples will be jumbled at random until 99 banks are "
+          "created."},
+         {GenerationMode::drums,
+          "Drop in a folder of drum chaos. It finds the drums, jumbles them into playable random "
+          "banks, and outputs QZT508-ready sets.",
+          "Drag a raw sample library with samples separated in folders by drum type.\nThe samples "
+          "will be jumbled at random until 99 banks are created."}}};
+    auto* modes = view.findChild<ThreeWayModeToggle*>();
+    for (const Row& row : rows) {
+        QTest::mouseClick(modes->segments()[static_cast<std::size_t>(row.mode)], Qt::LeftButton);
+        EXPECT_EQ(model.generationMode(), row.mode);
+        EXPECT_EQ(modes->selection(), row.mode);
+        EXPECT_TRUE(shows(row.tagline)) << row.tagline;
+        EXPECT_TRUE(shows(row.sourceHint)) << row.sourceHint;
+    }
+    EXPECT_TRUE(shows("DROP SOURCE FOLDER"));
+    EXPECT_TRUE(shows("Drop a folder here or choose one from Finder."));
+}
+
+TEST_F(SourceCardTest, clearsTheSourceWhenThereIsOne) {
+    EXPECT_FALSE(button("CLEAR")->isEnabled());
+    scan(drumKit());
+    EXPECT_TRUE(button("CLEAR")->isEnabled());
+    press(button("CLEAR"));
+    EXPECT_FALSE(model.sourceFolder());
+    EXPECT_FALSE(button("CLEAR")->isEnabled());
+    EXPECT_TRUE(shows("Choose or drop a source folder to scan."));
+}
+
+TEST_F(SourceCardTest, choosesTheSourceInAPanelAfterThePressReturned) {
+    panels->folder = drumKit();
+    QTest::mouseClick(sourceButton(), Qt::LeftButton);
+    EXPECT_TRUE(panels->asked.empty());
+    QApplication::processEvents();
+    EXPECT_EQ(panels->asked, std::vector<std::string>{"folder: Choose a source sample folder"});
+    EXPECT_EQ(model.sourceFolder(), panels->folder);
+    waitForWork();
+}
+
+TEST_F(SourceCardTest, theDropZoneOpensThePanelOnEnter) {
+    auto* zone = view.findChild<DropZone*>();
+    EXPECT_TRUE((zone->focusPolicy() & Qt::TabFocus) != 0);
+    QTest::keyClick(zone, Qt::Key_Return);
+    QApplication::processEvents();
+    EXPECT_EQ(panels->asked, std::vector<std::string>{"folder: Choose a source sample folder"});
+}
+
+// The two folder panels differ on purpose: cancelling the source's keeps the source, cancelling the
+// output's clears the output.
+TEST_F(SourceCardTest, aCancelledSourcePanelChangesNothing) {
+    const FileURL kit = drumKit();
+    scan(kit);
+    const auto state = model.scanState();
+    press(sourceButton());
+    EXPECT_EQ(model.sourceFolder(), kit);
+    EXPECT_TRUE(model.scanState() == state);
+}
+
+TEST_F(SourceCardTest, refusesADroppedFile) {
+    const auto file = folder.write("loose.wav", wavFile(WavFormat{}, 8));
+    EXPECT_FALSE(drop({url(file)}));
+    EXPECT_FALSE(model.sourceFolder());
+    EXPECT_FALSE(drop({QUrl(QStringLiteral("https://halvorine.example/Kit/"))}));
+    EXPECT_FALSE(model.sourceFolder());
+}
+
+TEST_F(SourceCardTest, takesTheFirstFolderOfADrop) {
+    const auto file = folder.write("loose.wav", wavFile(WavFormat{}, 8));
+    drumKit("Kit #1 ü");
+    const auto kit = folder / "Kit #1 ü";
+    EXPECT_TRUE(drop({url(file), url(kit), url(folder.path())}));
+    EXPECT_EQ(model.sourceFolder(), FileURL::directory(kit));
+    waitForWork();
+}
+
+TEST_F(SourceCardTest, aTrailingSlashDenotesAFolder) {
+    EXPECT_TRUE(drop({QUrl(QStringLiteral("file:///nowhere/Kit/"))}));
+    EXPECT_EQ(model.sourceFolder(), FileURL::directory("/nowhere/Kit"));
+    waitForWork();
+}
+
+TEST_F(SourceCardTest, highlightsTheZoneWhileADragIsOverIt) {
+    auto* zone = view.findChild<DropZone*>();
+    QMimeData data;
+    data.setUrls({url(folder.path())});
+    QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    const QImage before = zone->grab().toImage();
+    QApplication::sendEvent(zone, &enter);
+    EXPECT_TRUE(zone->isTargeted());
+    EXPECT_NE(zone->grab().toImage(), before);
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(zone, &leave);
+    EXPECT_FALSE(zone->isTargeted());
+    EXPECT_EQ(zone->grab().toImage(), before);
+}
+
+TEST_F(SourceCardTest, theSourceCardKeepsItsHeight) {
+    const auto* zone = view.findChild<DropZone*>();
+    const int before = zone->height();
+    model.setSourceFolder(deviceFolder());
+    QApplication::processEvents();
+    EXPECT_EQ(zone->height(), before);
+    EXPECT_TRUE(shows("QZT508"));
+}
