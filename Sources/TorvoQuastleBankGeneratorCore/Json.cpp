@@ -1,118 +1,16 @@
 #include "Json.h"
 
-#include "Models/DecodingError.h"
+#include "JsonFields.h"
+#include "Platform/Iso8601Date.h"
 
 #include <charconv>
-#include <cstdio>
-#include <limits>
 #include <utility>
 
 namespace torvo {
 
+using namespace jsonFields;
+
 namespace {
-
-std::string joinedKeyPath(const std::string& outer, const std::string& inner) {
-    if (inner.empty() || inner.starts_with('['))
-        return outer + inner;
-    return outer + "." + inner;
-}
-
-/// Runs `decode` and puts `key` in front of the key path of what it throws.
-template <typename Decode>
-auto within(const std::string& key, Decode decode) {
-    try {
-        return decode();
-    } catch (const DecodingError& error) {
-        throw DecodingError(joinedKeyPath(key, error.keyPath()), error.reason());
-    }
-}
-
-void require(bool condition, const char* reason) {
-    if (!condition)
-        throw DecodingError("", reason);
-}
-
-template <typename Value>
-Value decoded(const nlohmann::json& value) {
-    return value.get<Value>();
-}
-
-template <>
-bool decoded<bool>(const nlohmann::json& value) {
-    require(value.is_boolean(), "not true or false");
-    return value.get<bool>();
-}
-
-template <>
-std::string decoded<std::string>(const nlohmann::json& value) {
-    require(value.is_string(), "not a text");
-    return value.get<std::string>();
-}
-
-template <>
-double decoded<double>(const nlohmann::json& value) {
-    require(value.is_number(), "not a number");
-    return value.get<double>();
-}
-
-template <>
-std::int64_t decoded<std::int64_t>(const nlohmann::json& value) {
-    require(value.is_number_integer(), "not an integer");
-    require(!value.is_number_unsigned() ||
-                value.get<std::uint64_t>() <= std::numeric_limits<std::int64_t>::max(),
-            "an integer out of range");
-    return value.get<std::int64_t>();
-}
-
-/// Seeds use the whole range.
-template <>
-std::uint64_t decoded<std::uint64_t>(const nlohmann::json& value) {
-    require(value.is_number_integer(), "not an integer");
-    require(value.is_number_unsigned(), "an integer out of range");
-    return value.get<std::uint64_t>();
-}
-
-template <typename Value>
-std::vector<Value> decodedList(const nlohmann::json& value) {
-    require(value.is_array(), "not a list");
-    std::vector<Value> list;
-    list.reserve(value.size());
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        list.push_back(
-            within("[" + std::to_string(i) + "]", [&] { return decoded<Value>(value[i]); }));
-    }
-    return list;
-}
-
-const nlohmann::json* find(const nlohmann::json& object, const std::string& key) {
-    require(object.is_object(), "not an object");
-    const auto found = object.find(key);
-    return found == object.end() ? nullptr : &*found;
-}
-
-const nlohmann::json& required(const nlohmann::json& object, const std::string& key) {
-    const auto* value = find(object, key);
-    if (value == nullptr)
-        throw DecodingError(key, "missing");
-    return *value;
-}
-
-template <typename Value>
-Value field(const nlohmann::json& object, const std::string& key) {
-    const auto& value = required(object, key);
-    return within(key, [&] { return decoded<Value>(value); });
-}
-
-template <typename Value>
-Value fieldOr(const nlohmann::json& object, const std::string& key, Value whenMissing) {
-    return find(object, key) == nullptr ? whenMissing : field<Value>(object, key);
-}
-
-template <typename Value>
-std::vector<Value> listField(const nlohmann::json& object, const std::string& key) {
-    const auto& value = required(object, key);
-    return within(key, [&] { return decodedList<Value>(value); });
-}
 
 /// The case of a string enumeration, or an error that says what the names are for.
 template <typename Case, typename FromRawValue>
@@ -134,87 +32,10 @@ std::int64_t channelFromKey(const std::string& key) {
     return channel;
 }
 
-std::string iso8601(std::chrono::sys_seconds time) {
-    const auto day = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::year_month_day date(day);
-    const std::chrono::hh_mm_ss clock(time - day);
-    std::array<char, 40> text{};
-    static_cast<void>(std::snprintf(
-        text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
-        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-        static_cast<int>(clock.seconds().count())));
-    return text.data();
-}
-
-/// Reads fixed fields of digits and separators from the front of a text.
-class DateReader {
-public:
-    explicit DateReader(std::string_view text) : rest_(text) {}
-
-    int digits(std::size_t count) {
-        if (rest_.size() < count)
-            fail();
-        int value = 0;
-        for (const char c : rest_.substr(0, count)) {
-            if (c < '0' || c > '9')
-                fail();
-            value = value * 10 + (c - '0');
-        }
-        rest_.remove_prefix(count);
-        return value;
-    }
-
-    char oneOf(std::string_view allowed) {
-        if (rest_.empty() || allowed.find(rest_.front()) == std::string_view::npos)
-            fail();
-        const char c = rest_.front();
-        rest_.remove_prefix(1);
-        return c;
-    }
-
-    void end() const {
-        if (!rest_.empty())
-            fail();
-    }
-
-    [[noreturn]] static void fail() { throw DecodingError("", "not an ISO 8601 date"); }
-
-private:
-    std::string_view rest_;
-};
-
-/// "2026-03-01T14:05:09Z", or with an offset from UTC in the place of the Z. Whole seconds only.
 std::chrono::sys_seconds decodedDate(const nlohmann::json& value) {
-    using namespace std::chrono;
-    const auto text = decoded<std::string>(value);
-    DateReader reader(text);
-    const year y(reader.digits(4));
-    reader.oneOf("-");
-    const month m(static_cast<unsigned>(reader.digits(2)));
-    reader.oneOf("-");
-    const day d(static_cast<unsigned>(reader.digits(2)));
-    reader.oneOf("T");
-    const hours hour(reader.digits(2));
-    reader.oneOf(":");
-    const minutes minute(reader.digits(2));
-    reader.oneOf(":");
-    const seconds second(reader.digits(2));
-    hours offsetHour{0};
-    minutes offsetMinute{0};
-    const char zone = reader.oneOf("Z+-");
-    if (zone != 'Z') {
-        offsetHour = hours(reader.digits(2));
-        reader.oneOf(":");
-        offsetMinute = minutes(reader.digits(2));
-    }
-    reader.end();
-    const year_month_day date(y, m, d);
-    if (!date.ok() || hour >= 24h || minute >= 60min || second >= 60s || offsetHour >= 24h ||
-        offsetMinute >= 60min)
-        DateReader::fail();
-    const auto offset = offsetHour + offsetMinute;
-    return sys_days(date) + hour + minute + second + (zone == '-' ? offset : -offset);
+    const auto date = iso8601Date(decoded<std::string>(value));
+    require(date.has_value(), "not an ISO 8601 date");
+    return *date;
 }
 
 } // namespace
@@ -306,7 +127,7 @@ void from_json(const nlohmann::json& json, BankRecipe& recipe) {
               {},
               field<std::uint64_t>(json, "seed"),
               field<bool>(json, "reusedSamples")};
-    const auto& channels = required(json, "channels");
+    const auto& channels = requiredField(json, "channels");
     within("channels", [&] {
         require(channels.is_object(), "not an object");
         for (const auto& [key, candidate] : channels.items())
@@ -325,7 +146,7 @@ void to_json(nlohmann::json& json, const BankMappingDocument& document) {
 }
 void from_json(const nlohmann::json& json, BankMappingDocument& document) {
     // A document of the earlier format has no version, mode and date: a version 1 run of drums.
-    const auto* exportedAt = find(json, "exportedAt");
+    const auto* exportedAt = findField(json, "exportedAt");
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     document = {.version = fieldOr<std::int64_t>(json, "version", 1),
                 .sourceFolder = field<FileURL>(json, "sourceFolder"),
@@ -383,6 +204,7 @@ using torvo::DecodingError;
 using torvo::FileURL;
 using torvo::RequiresConversion;
 using torvo::SampleCompatibility;
+using namespace torvo::jsonFields;
 
 void adl_serializer<SampleCompatibility>::to_json(nlohmann::json& json,
                                                   const SampleCompatibility& compatibility) {
@@ -394,18 +216,18 @@ void adl_serializer<SampleCompatibility>::to_json(nlohmann::json& json,
 
 void adl_serializer<SampleCompatibility>::from_json(const nlohmann::json& json,
                                                     SampleCompatibility& compatibility) {
-    torvo::require(json.is_object(), "not an object");
+    require(json.is_object(), "not an object");
     const bool isCompatible = json.contains("compatibleWav");
     if (json.size() != 1 || (!isCompatible && !json.contains("requiresConversion")))
         throw DecodingError("", "Invalid number of keys found, expected one.");
     if (isCompatible) {
-        torvo::within("compatibleWav",
-                      [&] { torvo::require(json["compatibleWav"].is_object(), "not an object"); });
+        within("compatibleWav",
+               [&] { require(json["compatibleWav"].is_object(), "not an object"); });
         compatibility = CompatibleWav{};
         return;
     }
-    compatibility = torvo::within("requiresConversion", [&] {
-        return RequiresConversion{torvo::field<std::string>(json["requiresConversion"], "reason")};
+    compatibility = within("requiresConversion", [&] {
+        return RequiresConversion{field<std::string>(json["requiresConversion"], "reason")};
     });
 }
 
@@ -414,7 +236,7 @@ void adl_serializer<FileURL>::to_json(nlohmann::json& json, const FileURL& url) 
 }
 
 void adl_serializer<FileURL>::from_json(const nlohmann::json& json, FileURL& url) {
-    const auto text = torvo::decoded<std::string>(json);
+    const auto text = decoded<std::string>(json);
     const auto parsed = FileURL::parse(text);
     if (!parsed)
         throw DecodingError("", "\"" + text + "\" is no file URL");

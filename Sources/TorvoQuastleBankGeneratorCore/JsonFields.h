@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Models/DecodingError.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// Reading the fields of JSON objects with strict types: 2.0 is no integer, `null` is no text.
+/// Every function throws `DecodingError` with the key path from the object down.
+namespace torvo::jsonFields {
+
+/// The key path of something at `inner` in what stands at `outer`.
+std::string joinedKeyPath(const std::string& outer, const std::string& inner);
+
+/// Runs `decode` and puts `key` in front of the key path of what it throws.
+template <typename Decode>
+auto within(const std::string& key, Decode decode) {
+    try {
+        return decode();
+    } catch (const DecodingError& error) {
+        throw DecodingError(joinedKeyPath(key, error.keyPath()), error.reason());
+    }
+}
+
+/// Throws with `reason` and an empty key path unless `condition` holds.
+void require(bool condition, const char* reason);
+
+template <typename Value>
+Value decoded(const nlohmann::json& value) {
+    return value.get<Value>();
+}
+
+template <>
+bool decoded<bool>(const nlohmann::json& value);
+template <>
+std::string decoded<std::string>(const nlohmann::json& value);
+template <>
+double decoded<double>(const nlohmann::json& value);
+template <>
+std::int64_t decoded<std::int64_t>(const nlohmann::json& value);
+/// The whole range, which seeds use.
+template <>
+std::uint64_t decoded<std::uint64_t>(const nlohmann::json& value);
+
+template <typename Value>
+std::vector<Value> decodedList(const nlohmann::json& value) {
+    require(value.is_array(), "not a list");
+    std::vector<Value> list;
+    list.reserve(value.size());
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        list.push_back(
+            within("[" + std::to_string(i) + "]", [&] { return decoded<Value>(value[i]); }));
+    }
+    return list;
+}
+
+/// None when the key is missing.
+const nlohmann::json* findField(const nlohmann::json& object, const std::string& key);
+const nlohmann::json& requiredField(const nlohmann::json& object, const std::string& key);
+
+template <typename Value>
+Value field(const nlohmann::json& object, const std::string& key) {
+    const auto& value = requiredField(object, key);
+    return within(key, [&] { return decoded<Value>(value); });
+}
+
+template <typename Value>
+Value fieldOr(const nlohmann::json& object, const std::string& key, Value whenMissing) {
+    return findField(object, key) == nullptr ? whenMissing : field<Value>(object, key);
+}
+
+template <typename Value>
+std::vector<Value> listField(const nlohmann::json& object, const std::string& key) {
+    const auto& value = requiredField(object, key);
+    return within(key, [&] { return decodedList<Value>(value); });
+}
+
+} // namespace torvo::jsonFields
