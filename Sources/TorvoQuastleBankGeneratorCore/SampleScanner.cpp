@@ -155,7 +155,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t batchSize = 32;
+    static constexpr std::size_t batchSize = 8;
 
     void start(std::vector<ClassifiedFile>& batch) {
         tasks_.run([this, &batch, handed = taskOrder::HandedOver()] {

@@ -251,6 +251,7 @@ TEST(Json, metadataOptionsHaveFiveKeys) {
                                        {1, 3, 8});
     EXPECT_EQ(json(options).dump(), R"({"bits":12,"cvAssignedChannels":[1,3,8],)"
                                     R"("cvAssignmentsEnabled":true,"filterType":3,"rate":22})");
+    expectIdentity(options);
     for (const auto rate : allTorvoPlaybackRates) {
         for (const auto filter : allTorvoFilterTypes)
             expectIdentity(TorvoMetadataOptions(9, rate, filter, false, {}));

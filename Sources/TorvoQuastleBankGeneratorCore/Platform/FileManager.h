@@ -48,7 +48,7 @@ public:
     virtual std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const = 0;
     /// Writes all of `bytes` at `offset`.
     virtual void write(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
-    /// Size in bytes, now.
+    /// Size in bytes, now; of a file that is opened for reading only, when it was opened.
     virtual std::uint64_t size() const = 0;
     virtual void resize(std::uint64_t size) = 0;
     virtual void setPermissions(std::filesystem::perms permissions) = 0;

@@ -82,8 +82,10 @@ void closeChecked(Descriptor& descriptor, const fs::path& path) {
 
 class SystemFile final : public File {
 public:
-    SystemFile(const fs::path& path, Descriptor descriptor)
-        : path_(path.native()), descriptor_(std::move(descriptor)) {}
+    /// `readOnlySize` tells the size of a file that is opened for reading only.
+    SystemFile(const fs::path& path, Descriptor descriptor,
+               std::optional<std::uint64_t> readOnlySize = std::nullopt)
+        : path_(path.native()), descriptor_(std::move(descriptor)), readOnlySize_(readOnlySize) {}
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
         std::size_t done = 0;
@@ -113,6 +115,8 @@ public:
     }
 
     std::uint64_t size() const override {
+        if (readOnlySize_)
+            return *readOnlySize_;
         struct stat details {};
         if (::fstat(descriptor_.number(), &details) != 0)
             throw FileError(FileOperation::inspect, path_, errno);
@@ -139,6 +143,7 @@ public:
 private:
     std::string path_; ///< as text, which is cheaper to keep
     Descriptor descriptor_;
+    std::optional<std::uint64_t> readOnlySize_;
 };
 
 /// The kernel copies where it can; across volumes or on a file system that cannot, bytes go through
@@ -183,7 +188,7 @@ void copyBytes(const Descriptor& from, const Descriptor& to, const fs::path& sou
 
 /// The descriptor of an existing regular file. Opened without waiting, so that a pipe that appears
 /// under the name cannot hold the program.
-Descriptor openRegular(const fs::path& path, int flags) {
+std::pair<Descriptor, std::uint64_t> openRegular(const fs::path& path, int flags) {
     Descriptor descriptor(openDescriptor(path, flags | O_NONBLOCK));
     if (!descriptor.isValid())
         throw FileError(flags == O_RDONLY ? FileOperation::read : FileOperation::write, path,
@@ -193,7 +198,7 @@ Descriptor openRegular(const fs::path& path, int flags) {
         throw FileError(FileOperation::inspect, path, errno);
     if (!S_ISREG(details.st_mode))
         throw FileError(FileOperation::read, path, S_ISDIR(details.st_mode) ? EISDIR : EINVAL);
-    return descriptor;
+    return {std::move(descriptor), static_cast<std::uint64_t>(details.st_size)};
 }
 
 Descriptor openNew(const fs::path& path, int flags) {
@@ -255,7 +260,7 @@ public:
     }
 
     void copyItem(const fs::path& source, const fs::path& destination) const override {
-        const auto from = openRegular(source, O_RDONLY);
+        const auto from = openRegular(source, O_RDONLY).first;
         auto to = openNew(destination, O_EXCL);
         copyBytes(from, to, source, destination);
         closeChecked(to, destination);
@@ -267,20 +272,19 @@ public:
     }
 
     std::unique_ptr<File> open(const fs::path& path, OpenMode mode) const override {
-        const auto opened = [&]() {
-            switch (mode) {
-            case OpenMode::read:
-                return openRegular(path, O_RDONLY);
-            case OpenMode::update:
-                return openRegular(path, O_RDWR);
-            case OpenMode::create:
-                return openNew(path, O_TRUNC);
-            case OpenMode::createUnique:
-                break;
-            }
-            return openNew(path, O_EXCL);
-        };
-        return std::make_unique<SystemFile>(path, opened());
+        switch (mode) {
+        case OpenMode::read: {
+            auto [descriptor, size] = openRegular(path, O_RDONLY);
+            return std::make_unique<SystemFile>(path, std::move(descriptor), size);
+        }
+        case OpenMode::update:
+            return std::make_unique<SystemFile>(path, openRegular(path, O_RDWR).first);
+        case OpenMode::create:
+            return std::make_unique<SystemFile>(path, openNew(path, O_TRUNC));
+        case OpenMode::createUnique:
+            break;
+        }
+        return std::make_unique<SystemFile>(path, openNew(path, O_EXCL));
     }
 
     void flushVolume(const fs::path& path) const override {
