@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 
 namespace torvo::app {
 
@@ -14,6 +15,10 @@ std::optional<FileURL> run(QFileDialog& panel, FileURL::Kind kind) {
     if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
         return std::nullopt;
     return FileURL(QFile::encodeName(panel.selectedFiles().first()).toStdString(), kind);
+}
+
+bool isJSON(const FileURL& url) {
+    return toQString(url.pathExtension()).compare(QLatin1String("json"), Qt::CaseInsensitive) == 0;
 }
 
 void allowJSONOnly(QFileDialog& panel) {
@@ -40,7 +45,17 @@ std::optional<FileURL> QtPanels::saveJSONPanel(const std::string& defaultFileNam
     panel.setFileMode(QFileDialog::AnyFile);
     allowJSONOnly(panel);
     panel.selectFile(toQString(defaultFileName));
-    return run(panel, FileURL::Kind::file);
+    for (;;) {
+        const auto picked = run(panel, FileURL::Kind::file);
+        if (!picked || isJSON(*picked))
+            return picked;
+        // The toolkit completes no name that has a dot of its own: "kit 1.2".
+        const QString completed = shownPath(*picked) + QStringLiteral(".json");
+        if (!QFileInfo::exists(completed))
+            return FileURL(QFile::encodeName(completed).toStdString(), FileURL::Kind::file);
+        // Something has that name: the panel asks, as it does for any other.
+        panel.selectFile(completed);
+    }
 }
 
 std::optional<FileURL> QtPanels::pickJSONFile() {
