@@ -160,26 +160,30 @@ void AppModel::generateBanks() {
     });
 }
 
-void AppModel::startRun(std::function<Publication()> work) {
+void AppModel::startRun(std::function<Publication()> work, const Publication& begin) {
+    const auto publishStart = [this, begin] {
+        begin();
+        setRunState(Running{});
+    };
     ++unfinishedRuns_;
-    setRunState(Running{});
-    tasks_.startInTurn([this, work = std::move(work), hasWaited = unfinishedRuns_ > 1] {
-        // The end of the run before stands in its place.
-        if (hasWaited)
-            tasks_.postToMainThread([this] { setRunState(Running{}); });
-        Publication publication;
-        try {
-            publication = work();
-        } catch (...) {
-            publication = [this, failure = userFacingDescription(std::current_exception())] {
-                setRunState(Failed{failure});
-            };
-        }
-        tasks_.postToMainThread([this, publication = std::move(publication)] {
-            --unfinishedRuns_;
-            publication();
+    publishStart();
+    tasks_.startInTurn(
+        [this, publishStart, work = std::move(work), hasWaited = unfinishedRuns_ > 1] {
+            if (hasWaited)
+                tasks_.postToMainThread(publishStart);
+            Publication publication;
+            try {
+                publication = work();
+            } catch (...) {
+                publication = [this, failure = userFacingDescription(std::current_exception())] {
+                    setRunState(Failed{failure});
+                };
+            }
+            tasks_.postToMainThread([this, publication = std::move(publication)] {
+                --unfinishedRuns_;
+                publication();
+            });
         });
-    });
 }
 
 AppModel::CompletedExport AppModel::writeBanks(const BankExporter& exporter,

@@ -135,8 +135,11 @@ private:
     void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
     void setLastJSONURL(std::optional<FileURL> url);
 
-    /// Runs are carried out one at a time, so that two never write into one tree at once.
-    void startRun(std::function<Publication()> work);
+    /// Runs are carried out one at a time, so that two never write into one tree at once. `begin`
+    /// is published with the start of the run, and again when the turn of one comes that had to
+    /// wait: the end of the run before stands in its place.
+    void startRun(
+        std::function<Publication()> work, const Publication& begin = [] {});
     /// Called in the background.
     CompletedExport writeBanks(const BankExporter& exporter,
                                std::shared_ptr<const BankMappingDocument> document,

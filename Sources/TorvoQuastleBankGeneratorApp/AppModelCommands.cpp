@@ -44,7 +44,6 @@ void AppModel::importJSON() {
     assignSourceFolder(document->sourceFolder);
     assignGenerationMode(document->generationMode);
     setLastJSONURL(url);
-    setCurrentDocument(document);
     startRun(
         [this, document, options, url, folder = *folder, exporter = exporter_]() -> Publication {
             auto completed = writeBanks(exporter, document, folder, options);
@@ -53,7 +52,8 @@ void AppModel::importJSON() {
                 setRunState(Finished{completed});
                 setLastJSONURL(url);
             };
-        });
+        },
+        [this, document] { setCurrentDocument(document); });
 }
 
 void AppModel::applyMetadataToExistingBank() {

@@ -211,6 +211,21 @@ TEST_F(AppModelCommandTest, importOfAGoneFolderFailsWhileWriting) {
     EXPECT_EQ(model.generationMode(), GenerationMode::loops);
 }
 
+// The run that it waited for has brought a document of its own meanwhile.
+TEST_F(AppModelCommandTest, aFailedImportKeepsItsDocumentBehindAnotherRun) {
+    const auto document = savedDocument(documentURL(), "Gone");
+    panels->document = documentURL();
+    prepareRun();
+    const auto gate = preparer->holdBank(1);
+    model.generateBanks();
+    model.importJSON();
+    gate->open();
+    waitForWork();
+    EXPECT_FALSE(runFailure().empty());
+    ASSERT_TRUE(model.currentDocument());
+    EXPECT_EQ(*model.currentDocument(), document);
+}
+
 TEST_F(AppModelCommandTest, theDocumentNamesTheTargetOnceTheSourceIsGone) {
     loops();
     savedDocument(documentURL());

@@ -134,7 +134,7 @@ TEST_F(PublicationTest, aRunThatWaitedIsToldOfWhenItBegins) {
                                          "file saved.json", "document", "run"));
     gate->open();
     waitForWork();
-    EXPECT_THAT(toldSoFar(), ElementsAre("document", "run finished", "run", "document",
+    EXPECT_THAT(toldSoFar(), ElementsAre("document", "run finished", "document", "run", "document",
                                          "run finished", "file saved.json"));
     EXPECT_FALSE(model.hasUnfinishedRun());
 }
