@@ -24,8 +24,7 @@ protected:
     QWidget* ringed() const { return view.findChild<FocusRing*>()->ringed(); }
     /// A kit whose run is held back at its first bank.
     std::shared_ptr<Gate> readyToRun() {
-        model.setExportFolder(outputFolder());
-        scan(drumKit());
+        prepareRun();
         return preparer->holdBank(1);
     }
 };
@@ -113,6 +112,18 @@ TEST_F(FocusTest, doesNotJumpFromClear) {
     EXPECT_EQ(QApplication::focusWidget(), nullptr);
     scan(drumKit());
     EXPECT_EQ(QApplication::focusWidget(), clear);
+}
+
+// The next control is APPLY: the next key would stamp the folder that was just dropped.
+TEST_F(FocusTest, doesNotJumpFromTheHiddenFolderButton) {
+    outputButton()->setFocus(Qt::MouseFocusReason);
+    model.setSourceFolder(deviceFolder());
+    ASSERT_FALSE(outputButton()->isVisible());
+    ASSERT_TRUE(mainButton()->isEnabled());
+    EXPECT_EQ(QApplication::focusWidget(), nullptr);
+    model.clearSource();
+    EXPECT_EQ(QApplication::focusWidget(), outputButton());
+    EXPECT_EQ(ringed(), nullptr);
 }
 
 TEST_F(FocusTest, bringsItsControlIntoSight) {

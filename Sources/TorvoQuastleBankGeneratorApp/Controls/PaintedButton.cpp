@@ -18,13 +18,31 @@ PaintedButton::PaintedButton(const QString& text, QWidget* parent) : QAbstractBu
 void PaintedButton::setAvailable(bool available) {
     if (available == isEnabled())
         return;
-    if (!available) {
-        awaitsFocus_ = window()->focusWidget() == this;
-        if (awaitsFocus_)
-            clearFocus();
-    }
+    if (!available)
+        letFocusWait();
     setEnabled(available);
-    if (available && std::exchange(awaitsFocus_, false) && !window()->focusWidget())
+    if (available)
+        takeFocusBack();
+}
+
+void PaintedButton::setShown(bool shown) {
+    if (shown != isHidden())
+        return;
+    if (!shown)
+        letFocusWait();
+    setVisible(shown);
+    if (shown)
+        takeFocusBack();
+}
+
+void PaintedButton::letFocusWait() {
+    awaitsFocus_ = window()->focusWidget() == this;
+    if (awaitsFocus_)
+        clearFocus();
+}
+
+void PaintedButton::takeFocusBack() {
+    if (std::exchange(awaitsFocus_, false) && !window()->focusWidget())
         setFocus(focusReason_);
 }
 

@@ -18,6 +18,8 @@ public:
     /// control, where the next key presses something else. The button takes it back when it is
     /// enabled again and no other control has it by then.
     void setAvailable(bool available);
+    /// The same for `setVisible`.
+    void setShown(bool shown);
 
 protected:
     void focusInEvent(QFocusEvent* event) override;
@@ -25,6 +27,9 @@ protected:
     bool isHovered() const { return isEnabled() && underMouse(); }
 
 private:
+    void letFocusWait();
+    void takeFocusBack();
+
     /// How the focus came here, so that it comes back in the same way.
     Qt::FocusReason focusReason_ = Qt::OtherFocusReason;
     bool awaitsFocus_ = false;

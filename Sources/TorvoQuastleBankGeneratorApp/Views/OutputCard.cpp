@@ -106,7 +106,7 @@ void OutputCard::render() {
     const bool updating = model_.isUpdatingExistingBank();
     const bool allowed = updating ? model_.canApplyExistingBankMetadata() : model_.canGenerate();
     const bool enabled = allowed && !model_.hasUnfinishedRun();
-    choose_->setVisible(!updating);
+    choose_->setShown(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
     main_->setAvailable(enabled);
     // Intended: one hint, whatever the reason.
