@@ -73,7 +73,7 @@ public:
     }
 };
 
-/// Named by its content.
+/// Named by its content, unless it has a name of its own.
 class AccessibleAnnouncement final : public QAccessibleWidget {
 public:
     explicit AccessibleAnnouncement(QWidget* widget)
@@ -81,7 +81,9 @@ public:
 
     QString text(QAccessible::Text kind) const override {
         const auto* label = qobject_cast<const QLabel*>(widget());
-        return kind == QAccessible::Name && label ? label->text() : QAccessibleWidget::text(kind);
+        const bool isNamedByContent =
+            kind == QAccessible::Name && label && label->accessibleName().isEmpty();
+        return isNamedByContent ? label->text() : QAccessibleWidget::text(kind);
     }
 };
 
@@ -121,7 +123,11 @@ void setAnnounced(QWidget& widget) {
     widget.setProperty(announced, true);
 }
 
-void announce(QWidget& widget) {
+void announceAfter(QWidget& widget, const std::function<void()>& change) {
+    const bool stoodBefore = widget.isVisible();
+    change();
+    if (!stoodBefore || !widget.isVisible())
+        return;
     QAccessibleEvent appeared(&widget, QAccessible::ObjectShow);
     QAccessible::updateAccessibility(&appeared);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 class QWidget;
 
 namespace torvo::app {
@@ -11,7 +13,8 @@ void installAccessibility();
 /// A screen reader reads this out when it appears, without the focus being there.
 void setAnnounced(QWidget& widget);
 
-/// Has it read out again: what it says has changed in its place.
-void announce(QWidget& widget);
+/// Changes what such a widget says and has it read out, also where it stood before: what appears is
+/// read out by itself.
+void announceAfter(QWidget& widget, const std::function<void()>& change);
 
 } // namespace torvo::app

@@ -123,9 +123,9 @@ void ChannelsCard::render() {
 
     if (failed)
         showMessage(toQString(failed->description), MarloTheme::danger);
-    else if (model_.isUpdatingExistingBank())
+    else if (isIdle && model_.isUpdatingExistingBank())
         showMessage(tr("Existing QZT508 folder selected."), MarloTheme::ink);
-    else
+    else if (isIdle)
         showMessage(tr("Choose or drop a source folder to scan."), MarloTheme::muted);
     message_->setCopyable(failed);
     message_->setFont(failed ? MarloTheme::font(15, MarloTheme::FontCut::semiBold)
@@ -155,8 +155,9 @@ void ChannelsCard::render() {
 }
 
 void ChannelsCard::showMessage(const QString& text, QColor color) {
-    message_->setText(text);
     setTextColor(*message_, color);
+    if (text != message_->text())
+        announceAfter(*message_, [&] { message_->setText(text); });
 }
 
 void ChannelsCard::reserveRoom(bool isScanning) {

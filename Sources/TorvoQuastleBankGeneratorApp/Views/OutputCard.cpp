@@ -1,5 +1,6 @@
 #include "OutputCard.h"
 
+#include "Accessibility.h"
 #include "Binding.h"
 #include "Controls/Card.h"
 #include "Controls/ElidedPathLabel.h"
@@ -60,6 +61,7 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     choose_->setObjectName(QStringLiteral("chooseExportFolder"));
     choose_->setAccessibleDescription(tr("Output folder"));
     main_->setObjectName(QStringLiteral("mainButton"));
+    setAnnounced(*mappingFile_);
 
     auto* paths = new QVBoxLayout;
     paths->setSpacing(pathSpacing);
@@ -98,8 +100,9 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     bind(
         model, this, [this] { render(); }, &AppModel::sourceFolderChanged,
         &AppModel::exportFolderChanged, &AppModel::generationModeChanged,
-        &AppModel::scanStateChanged, &AppModel::runStateChanged, &AppModel::currentDocumentChanged,
-        &AppModel::lastJSONURLChanged);
+        &AppModel::scanStateChanged, &AppModel::runStateChanged, &AppModel::currentDocumentChanged);
+    bind(
+        model, this, [this] { renderMappingFile(); }, &AppModel::lastJSONURLChanged);
 }
 
 void OutputCard::render() {
@@ -115,8 +118,14 @@ void OutputCard::render() {
     target_->setPath(exportText(model_));
     const bool named = updating || model_.exportFolder();
     setTextColor(*target_, named ? MarloTheme::ink : MarloTheme::muted);
-    mappingRow_->setVisible(model_.lastJSONURL().has_value());
-    mappingFile_->setPath(model_.lastJSONURL() ? shownPath(*model_.lastJSONURL()) : QString());
+}
+
+void OutputCard::renderMappingFile() {
+    const auto& url = model_.lastJSONURL();
+    announceAfter(*mappingFile_, [&] {
+        mappingFile_->setPath(url ? shownPath(*url) : QString());
+        mappingRow_->setVisible(url.has_value());
+    });
 }
 
 void OutputCard::chooseFolder() {

@@ -17,6 +17,7 @@ public:
 
 private:
     void render();
+    void renderMappingFile();
     void chooseFolder();
     void startMainAction();
 

@@ -107,11 +107,12 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     column->addWidget(progress_);
     column->addStretch();
     bind(
-        model, this, [this] { render(); }, &AppModel::runStateChanged,
-        &AppModel::sourceFolderChanged);
+        model, this, [this] { render(); }, &AppModel::sourceFolderChanged);
     connect(&model, &AppModel::runStateChanged, this, [this] {
         if (contentOf(model_).icon)
-            announce(*message_);
+            announceAfter(*message_, [this] { render(); });
+        else
+            render();
     });
 }
 
