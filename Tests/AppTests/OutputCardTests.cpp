@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QTest>
+#include <QToolTip>
 #include <gtest/gtest.h>
 
 using namespace torvo;
@@ -111,7 +112,15 @@ TEST_F(OutputCardTest, keepsLongPathsWholeInTooltipAndClipboard) {
     EXPECT_TRUE(target->text().startsWith(QStringLiteral("/start")));
     EXPECT_TRUE(target->text().endsWith(QStringLiteral("/end")));
     EXPECT_EQ(target->toolTip(), target->path());
+    // The keyboard gets there, sees all of it and copies it.
+    EXPECT_TRUE((target->focusPolicy() & Qt::TabFocus) != 0);
+    target->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(QToolTip::text(), target->path());
+    target->clearFocus();
+    EXPECT_TRUE(waitUntil([] { return !QToolTip::isVisible(); }));
     target->setSelection(0, static_cast<int>(target->text().size()));
     QTest::keyClick(target, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), target->path());
+    model.setExportFolder(FileURL::directory("/short"));
+    EXPECT_FALSE((target->focusPolicy() & Qt::TabFocus) != 0);
 }

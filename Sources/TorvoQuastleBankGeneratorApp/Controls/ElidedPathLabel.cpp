@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QToolTip>
 
 namespace torvo::app {
 
@@ -39,9 +40,23 @@ void ElidedPathLabel::resizeEvent(QResizeEvent* event) {
 
 void ElidedPathLabel::elide() {
     const QString shown = fontMetrics().elidedText(path_, Qt::ElideMiddle, width());
-    setToolTip(shown == path_ ? QString() : plainToolTip(path_));
+    const bool isWhole = shown == path_;
+    setToolTip(isWhole ? QString() : plainToolTip(path_));
+    // What can be read needs no stop on the way of the keyboard.
+    setFocusPolicy(isWhole ? Qt::ClickFocus : Qt::StrongFocus);
     if (shown != text())
         setText(shown);
+}
+
+void ElidedPathLabel::focusInEvent(QFocusEvent* event) {
+    QLabel::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        QToolTip::showText(mapToGlobal(rect().bottomLeft()), toolTip(), this);
+}
+
+void ElidedPathLabel::focusOutEvent(QFocusEvent* event) {
+    QLabel::focusOutEvent(event);
+    QToolTip::hideText();
 }
 
 void ElidedPathLabel::keyPressEvent(QKeyEvent* event) {

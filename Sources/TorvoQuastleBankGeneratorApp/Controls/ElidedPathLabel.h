@@ -4,8 +4,8 @@
 
 namespace torvo::app {
 
-/// A path on one line. One that is too long loses its middle on the screen only: the tooltip, a
-/// screen reader and the clipboard get the whole of it.
+/// A path on one line. One that is too long loses its middle on the screen only: the tooltip, which
+/// the keyboard calls up too, a screen reader and the clipboard get the whole of it.
 class ElidedPathLabel final : public QLabel {
     Q_OBJECT
 
@@ -20,6 +20,8 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
