@@ -161,6 +161,41 @@ TEST_F(AppModelTest, aNewModeWithADeviceFolderResets) {
     expectLoadedStateReset();
 }
 
+// Work that outlives its source brings a scan, a document and its file to a model without one.
+TEST_F(AppModelTest, aNewModeWithoutASourceForgetsWhatCameAfterIt) {
+    generateAndSave();
+    panels->document = model.lastJSONURL();
+    const auto bank = preparer->holdBank(1);
+    model.importJSON();
+    const auto scan = inspector->hold("Kit B");
+    model.setSourceFolder(drumKit("Kit B"));
+    model.clearSource();
+    scan->open();
+    bank->open();
+    waitForWork();
+    ASSERT_TRUE(std::holds_alternative<AppModel::Ready>(model.scanState()));
+    ASSERT_TRUE(model.currentDocument());
+    ASSERT_TRUE(model.lastJSONURL());
+    model.setGenerationMode(GenerationMode::stabs);
+    EXPECT_TRUE(scanIs(Idle{}));
+    expectLoadedStateReset();
+}
+
+TEST_F(AppModelTest, aNewModeWithADeviceFolderForgetsWhatCameAfterIt) {
+    generateAndSave();
+    panels->document = model.lastJSONURL();
+    const auto bank = preparer->holdBank(1);
+    model.importJSON();
+    model.setSourceFolder(FileURL::directory(folder.createFolder("QZT508")));
+    bank->open();
+    waitForWork();
+    ASSERT_TRUE(model.currentDocument());
+    ASSERT_TRUE(model.lastJSONURL());
+    model.setGenerationMode(GenerationMode::stabs);
+    EXPECT_TRUE(scanIs(Idle{}));
+    expectLoadedStateReset();
+}
+
 TEST_F(AppModelTest, clearingTheSourceResetsButKeepsTheSettings) {
     generateAndSave();
     const auto exportFolder = model.exportFolder();

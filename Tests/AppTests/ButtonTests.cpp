@@ -31,6 +31,14 @@ QImage drawn(const ChannelToggleButtonStyle& style) {
     });
 }
 
+/// The widget as it paints itself.
+QImage drawn(QWidget& widget) {
+    widget.resize(widget.sizeHint());
+    return painted(widget.size(), MarloTheme::panel, [&](QPainter& painter) {
+        widget.render(&painter, {}, {}, QWidget::RenderFlags());
+    });
+}
+
 /// The pixel of the label that is nearest to its full colour, as a distance.
 int distanceOfLabel(const QImage& image, const QRect& around, const QColor& expected) {
     int best = 255 * 3;
@@ -123,6 +131,24 @@ TEST(MarloButton, paintsEachStateInItsColours) {
         EXPECT_PIXEL(image, 0, 0, under);
         const QColor text = blended(blended(row.label, fill), under, row.opacity);
         EXPECT_LE(distanceOfLabel(image, QRect(85, 10, 30, 20), text), 12);
+    }
+}
+
+TEST(MarloButton, paintsItsOwnState) {
+    for (const bool prominent : {true, false}) {
+        MarloButton button(QStringLiteral("GO"),
+                           prominent ? MarloButton::Kind::prominent : MarloButton::Kind::ordinary);
+        const auto expected = [&](const MarloButtonStyle& style) {
+            return painted(button.sizeHint(), MarloTheme::panel, [&](QPainter& painter) {
+                style.paint(painter, QRectF({0, 0}, button.sizeHint()), button.text());
+            });
+        };
+        EXPECT_EQ(drawn(button), expected({.prominent = prominent}));
+        button.setDown(true);
+        EXPECT_EQ(drawn(button), expected({.prominent = prominent, .pressed = true}));
+        button.setDown(false);
+        button.setEnabled(false);
+        EXPECT_EQ(drawn(button), expected({.prominent = prominent, .enabled = false}));
     }
 }
 
@@ -240,6 +266,22 @@ TEST(ChannelToggleButton, paintsEachStateInItsColours) {
         EXPECT_PIXEL(image, 15, 0, blended(row.border, fill));
         EXPECT_PIXEL(image, 0, 0, MarloTheme::panel);
         EXPECT_LE(distanceOfLabel(image, QRect(28, 4, 16, 20), blended(row.label, fill)), 40);
+    }
+}
+
+TEST(ChannelToggleButton, paintsItsOwnState) {
+    ChannelToggleButton button(8);
+    for (const bool selected : {false, true}) {
+        button.setSelected(selected);
+        EXPECT_EQ(drawn(button), drawn(ChannelToggleButtonStyle{.selected = selected}));
+        button.setDown(true);
+        EXPECT_EQ(drawn(button),
+                  drawn(ChannelToggleButtonStyle{.selected = selected, .pressed = true}));
+        button.setDown(false);
+        button.setEnabled(false);
+        EXPECT_EQ(drawn(button),
+                  drawn(ChannelToggleButtonStyle{.selected = selected, .enabled = false}));
+        button.setEnabled(true);
     }
 }
 

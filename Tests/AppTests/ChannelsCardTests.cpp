@@ -11,6 +11,7 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QListView>
+#include <QStandardItemModel>
 #include <QStyleOptionViewItem>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -203,6 +204,33 @@ TEST_F(ChannelsCardTest, listsStayOpenAcrossScans) {
     EXPECT_TRUE(section("ignoredFolders")->isExpanded());
     EXPECT_TRUE(shows("NONE"));
     EXPECT_FALSE(section("ignoredFiles")->isExpanded());
+}
+
+TEST_F(ChannelsCardTest, showsAndTellsThePathAndTheReasonOfEachRow) {
+    folder.write("Kit A/Kick/notes.txt", "notes");
+    scan(drumKit());
+    const auto* list = section("ignoredFiles")->list();
+    EXPECT_EQ(list->model()->index(0, 0).data(Qt::AccessibleTextRole).toString(),
+              QStringLiteral("Kick/notes.txt: Unsupported audio file"));
+    QStyleOptionViewItem option;
+    option.rect = QRect(0, 0, 400, 26);
+    const auto drawn = [&](const char* path, const char* reason) {
+        QStandardItemModel rows(1, 1);
+        rows.setData(rows.index(0, 0), QString::fromLatin1(path), Qt::DisplayRole);
+        rows.setData(rows.index(0, 0), QString::fromLatin1(reason), IgnoredItemsModel::reasonRole);
+        return painted(option.rect.size(), MarloTheme::surface, [&](QPainter& painter) {
+            list->itemDelegate()->paint(&painter, option, rows.index(0, 0));
+        });
+    };
+    const QRect left(0, 0, 100, 26);
+    const QRect right(300, 0, 100, 26);
+    const QImage nothing = drawn("", "");
+    const QImage path = drawn("Kick", "");
+    EXPECT_NE(path.copy(left), nothing.copy(left));
+    EXPECT_EQ(path.copy(right), nothing.copy(right));
+    const QImage both = drawn("Kick", "Unsupported");
+    EXPECT_EQ(both.copy(left), path.copy(left));
+    EXPECT_NE(both.copy(right), nothing.copy(right));
 }
 
 TEST_F(ChannelsCardTest, marksTheRowWithTheFocus) {

@@ -38,6 +38,11 @@ TEST_F(ContentViewTest, namesItselfInTheHeader) {
     EXPECT_EQ(title->font().pixelSize(), 30);
     EXPECT_EQ(title->font().weight(), QFont::Bold);
     EXPECT_TRUE(button("Halvorine"));
+    const QLabel* tagline = label(
+        QStringLiteral("Drop in a folder of drum chaos. It finds the drums, jumbles them into "
+                       "playable random banks, and outputs QZT508-ready sets."));
+    ASSERT_TRUE(tagline);
+    EXPECT_EQ(tagline->font().weight(), QFont::Normal);
 }
 
 TEST_F(ContentViewTest, headsItsCards) {

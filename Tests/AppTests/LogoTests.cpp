@@ -1,5 +1,6 @@
 #include "Logo.h"
 #include "MarloTheme.h"
+#include "Support/Pixels.h"
 #include "TemporaryFolder.h"
 #include "Views/LogoView.h"
 
@@ -54,6 +55,15 @@ TEST(Logo, isABadgeWithoutAnImage) {
     image.fill(Qt::red);
     EXPECT_TRUE(contains(LogoView(image).grab().toImage(), Qt::red));
     LogoView badge({});
+    badge.resize(badge.sizeHint());
     EXPECT_EQ(badge.accessibleName(), QStringLiteral("HVRN"));
-    EXPECT_TRUE(contains(badge.grab().toImage(), MarloTheme::accent));
+    const QImage shown = painted(badge.sizeHint(), MarloTheme::surface, [&](QPainter& painter) {
+        badge.render(&painter, {}, {}, QWidget::RenderFlags());
+    });
+    const QImage expected = painted(badge.sizeHint(), MarloTheme::surface, [&](QPainter& painter) {
+        painter.setFont(MarloTheme::font(20, MarloTheme::FontCut::bold));
+        painter.setPen(MarloTheme::accent);
+        painter.drawText(badge.rect(), Qt::AlignCenter, QStringLiteral("HVRN"));
+    });
+    EXPECT_EQ(shown, expected);
 }

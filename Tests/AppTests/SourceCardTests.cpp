@@ -65,6 +65,21 @@ TEST_F(SourceCardTest, clearsTheSourceWhenThereIsOne) {
     EXPECT_TRUE(shows("Choose or drop a source folder to scan."));
 }
 
+TEST_F(SourceCardTest, clearsTheDocumentOfARunWhoseSourceIsGone) {
+    prepareRun();
+    const auto gate = preparer->holdBank(1);
+    model.generateBanks();
+    press(button("CLEAR"));
+    EXPECT_FALSE(button("CLEAR")->isEnabled());
+    gate->open();
+    waitForWork();
+    ASSERT_FALSE(model.sourceFolder());
+    ASSERT_TRUE(button("CLEAR")->isEnabled());
+    press(button("CLEAR"));
+    EXPECT_FALSE(model.currentDocument());
+    EXPECT_FALSE(button("CLEAR")->isEnabled());
+}
+
 TEST_F(SourceCardTest, choosesTheSourceInAPanelAfterThePressReturned) {
     panels->folder = drumKit();
     QTest::mouseClick(sourceButton(), Qt::LeftButton);
@@ -97,9 +112,14 @@ TEST_F(SourceCardTest, aCancelledSourcePanelChangesNothing) {
 TEST_F(SourceCardTest, refusesADroppedFile) {
     const auto file = folder.write("loose.wav", wavFile(WavFormat{}, 8));
     EXPECT_FALSE(drop({url(file)}));
-    EXPECT_FALSE(model.sourceFolder());
     EXPECT_FALSE(drop({QUrl(QStringLiteral("https://halvorine.example/Kit/"))}));
     EXPECT_FALSE(model.sourceFolder());
+    const FileURL kit = drumKit();
+    scan(kit);
+    const auto state = model.scanState();
+    EXPECT_FALSE(drop({url(file)}));
+    EXPECT_EQ(model.sourceFolder(), kit);
+    EXPECT_TRUE(model.scanState() == state);
 }
 
 TEST_F(SourceCardTest, takesTheFirstFolderOfADrop) {

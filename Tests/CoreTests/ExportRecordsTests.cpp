@@ -37,5 +37,31 @@ TEST(GenerationReport, isEqualInAllFieldsOrNotAtAll) {
     EXPECT_NE(other, made);
 }
 
+TEST(ExportJob, writesAllOfADocumentWithTheSettingsGiven) {
+    BankMappingDocument document{
+        .version = 2,
+        .sourceFolder = FileURL::directory("/Kit A"),
+        .generationMode = GenerationMode::stabs,
+        .naming = BankNameScheme("Kit A", "Other"),
+        .generationTemplate = generationTemplate(GenerationMode::stabs),
+        .recipes = {{3, "Other003", {}, 77, true}, {4, "x", {}, 78, false}},
+        .exportedAt = {}};
+    const auto out = FileURL::directory("/card");
+    const TorvoMetadataOptions options(9, TorvoPlaybackRate::rate11, TorvoFilterType::notch, true,
+                                       {2});
+    const auto job = exportJob(document, out, options);
+    EXPECT_EQ(job.sourceFolder, document.sourceFolder);
+    EXPECT_EQ(job.exportFolder, out);
+    EXPECT_EQ(job.generationTemplate, document.generationTemplate);
+    EXPECT_EQ(job.targetBankCount, 2) << "as many as were made, not as many as were wanted";
+    EXPECT_EQ(job.seed, 77U) << "of the first recipe";
+    EXPECT_EQ(job.naming, document.naming);
+    EXPECT_EQ(job.metadataOptions, options);
+    EXPECT_EQ(job.recipes, document.recipes);
+    document.recipes.clear();
+    EXPECT_EQ(exportJob(document, out, options).targetBankCount, 0);
+    EXPECT_EQ(exportJob(document, out, options).seed, 0U);
+}
+
 } // namespace
 } // namespace torvo::test
