@@ -7,10 +7,10 @@ namespace torvo::app {
 
 namespace {
 
-/// The window answers first. On Linux this is a matter of the calling thread alone, and of the
-/// threads that it starts.
+/// The window answers first; beside other programs, what its user waits for loses little. On Linux
+/// this is a matter of the calling thread alone, and of the threads that it starts.
 void giveWayToTheWindow() {
-    constexpr int niceness = 10;
+    constexpr int niceness = 4;
     if (getpriority(PRIO_PROCESS, 0) < niceness)
         setpriority(PRIO_PROCESS, 0, niceness); // refused, it changes nothing but the comfort
 }

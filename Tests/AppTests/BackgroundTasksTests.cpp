@@ -80,7 +80,7 @@ TEST(BackgroundTasks, givesWayToTheWindow) {
         std::thread([&] { ofTheirThreads = getpriority(PRIO_PROCESS, 0); }).join();
     });
     ASSERT_TRUE(waitUntil([&] { return !tasks.isBusy(); }));
-    EXPECT_EQ(theirs, std::max(ours, 10));
+    EXPECT_EQ(theirs, std::max(ours, 4));
     EXPECT_EQ(ofTheirThreads, theirs);
     EXPECT_EQ(getpriority(PRIO_PROCESS, 0), ours);
 }
