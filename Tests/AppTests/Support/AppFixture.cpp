@@ -29,6 +29,12 @@ std::shared_ptr<Gate> GatedInspector::hold(const std::string& part) {
     return gates_[part] = std::make_shared<Gate>();
 }
 
+void GatedInspector::openAll() {
+    const std::scoped_lock lock(mutex_);
+    for (const auto& [part, gate] : gates_)
+        gate->open();
+}
+
 AudioFormatDetails GatedInspector::inspectAudioFile(const FileURL& at) const {
     std::shared_ptr<Gate> gate;
     {
@@ -48,6 +54,12 @@ std::shared_ptr<Gate> GatedPreparer::holdBank(std::int64_t bank) {
     return gate_ = std::make_shared<Gate>();
 }
 
+void GatedPreparer::open() {
+    const std::scoped_lock lock(mutex_);
+    if (gate_)
+        gate_->open();
+}
+
 SamplePreparationMode GatedPreparer::prepare(const SampleCandidate& sample,
                                              const FileURL& destinationURL) const {
     std::shared_ptr<Gate> gate;
@@ -65,6 +77,11 @@ AppFixture::AppFixture()
     : model(SampleScanner(inspector, AudioCompatibilityEvaluator{}, systemFileManager()),
             BankGenerator{}, BankExporter(systemFileManager(), preparer, TorvoWAVMetadataWriter{}),
             BankMappingStore{}, panels) {}
+
+AppFixture::~AppFixture() {
+    inspector->openAll();
+    preparer->open();
+}
 
 FileURL AppFixture::drumKit(const std::string& name, int perRole) const {
     static constexpr std::array roles{"Kick",     "Clap",  "Closed Hat",

@@ -19,6 +19,7 @@ class GatedInspector final : public AudioFileInspecting {
 public:
     /// Files whose path contains `part` wait for the returned gate.
     std::shared_ptr<Gate> hold(const std::string& part);
+    void openAll();
     AudioFormatDetails inspectAudioFile(const FileURL& at) const override;
 
 private:
@@ -31,6 +32,7 @@ private:
 class GatedPreparer final : public AudioFilePreparing {
 public:
     std::shared_ptr<Gate> holdBank(std::int64_t bank);
+    void open();
     SamplePreparationMode prepare(const SampleCandidate& sample,
                                   const FileURL& destinationURL) const override;
 
@@ -50,6 +52,10 @@ struct AppFixture {
     app::AppModel model;
 
     AppFixture();
+    /// Holds nothing back any more: a test that failed before it opened its gates still ends.
+    ~AppFixture();
+    AppFixture(const AppFixture&) = delete;
+    AppFixture& operator=(const AppFixture&) = delete;
 
     /// A folder with every drum role, `perRole` short samples each; its URL.
     FileURL drumKit(const std::string& name = "Kit A", int perRole = 4) const;
