@@ -159,7 +159,7 @@ private:
 
     void start(std::vector<ClassifiedFile>& batch) {
         tasks_.run([this, &batch, handed = taskOrder::HandedOver()] {
-            [[maybe_unused]] const taskOrder::InTask task;
+            [[maybe_unused]] const taskOrder::InTask task(handed);
             for (auto& file : batch)
                 inspect(file);
         });

@@ -138,7 +138,7 @@ void AheadConverter::startTasks() {
         ++taskCount_;
         --waiting;
         tasks_.run([this, handed = taskOrder::HandedOver()] {
-            [[maybe_unused]] const taskOrder::InTask task;
+            [[maybe_unused]] const taskOrder::InTask task(handed);
             work();
         });
     }

@@ -28,7 +28,7 @@ public:
 /// Stands in a task from its beginning to its end.
 class InTask {
 public:
-    InTask() { __tsan_acquire(&started); }
+    explicit InTask(const HandedOver&) { __tsan_acquire(&started); }
     ~InTask() { __tsan_release(&ended); }
     InTask(const InTask&) = delete;
     InTask& operator=(const InTask&) = delete;
@@ -46,7 +46,10 @@ public:
 #else
 
 class HandedOver {};
-class InTask {};
+class InTask {
+public:
+    explicit InTask(const HandedOver&) {}
+};
 class Waiting {};
 
 #endif
