@@ -35,16 +35,6 @@ protected:
         std::erase(all, "run writing");
         return all;
     }
-    /// A generation that was saved.
-    FileURL savedRun() {
-        model.setExportFolder(outputFolder());
-        scan(drumKit());
-        model.generateBanks();
-        waitForWork();
-        panels->saveTarget = FileURL(folder / "saved.json");
-        model.exportJSON();
-        return *panels->saveTarget;
-    }
 
 private:
     template <typename Signal, typename Describe>

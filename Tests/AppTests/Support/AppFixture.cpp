@@ -111,6 +111,16 @@ void AppFixture::prepareRun() {
     scan(drumKit());
 }
 
+FileURL AppFixture::savedRun() {
+    prepareRun();
+    model.generateBanks();
+    waitForWork();
+    panels->saveTarget = FileURL(folder / "saved.json");
+    model.exportJSON();
+    precondition(model.lastJSONURL() == panels->saveTarget, "the run was saved");
+    return *panels->saveTarget;
+}
+
 void AppFixture::waitForWork() {
     precondition(waitUntil([this] { return !model.isBusy(); }), "the work never ended");
 }

@@ -67,6 +67,8 @@ struct AppFixture {
     void scan(const FileURL& source);
     /// Chooses an output folder and scans a drum kit: banks can be generated.
     void prepareRun();
+    /// A finished generation whose document was saved; its file.
+    FileURL savedRun();
     /// Until no background work is left and its results have arrived.
     void waitForWork();
 };
