@@ -46,7 +46,7 @@ std::optional<FileURL> QtPanels::saveJSONPanel(const std::string& defaultFileNam
     allowJSONOnly(panel);
     panel.selectFile(toQString(defaultFileName));
     for (;;) {
-        const auto picked = run(panel, FileURL::Kind::file);
+        auto picked = run(panel, FileURL::Kind::file);
         if (!picked || isJSON(*picked))
             return picked;
         // The toolkit completes no name that has a dot of its own: "kit 1.2".
