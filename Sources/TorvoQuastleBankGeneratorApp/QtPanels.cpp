@@ -50,11 +50,12 @@ std::optional<FileURL> QtPanels::saveJSONPanel(const std::string& defaultFileNam
         if (!picked || isJSON(*picked))
             return picked;
         // The toolkit completes no name that has a dot of its own: "kit 1.2".
-        const QString completed = shownPath(*picked) + QStringLiteral(".json");
-        if (!QFileInfo::exists(completed))
-            return FileURL(QFile::encodeName(completed).toStdString(), FileURL::Kind::file);
+        const std::string completed = picked->path().native() + ".json";
+        const QString shown = QFile::decodeName(completed.c_str());
+        if (!QFileInfo::exists(shown))
+            return FileURL(completed, FileURL::Kind::file);
         // Something has that name: the panel asks, as it does for any other.
-        panel.selectFile(completed);
+        panel.selectFile(shown);
     }
 }
 
