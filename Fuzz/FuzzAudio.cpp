@@ -2,10 +2,10 @@
 // be copied and stamped, and what a conversion writes is a WAV file of the announced size.
 
 #include "AudioSupport.h"
+#include "AudioSupport/RiffChunks.h"
 #include "MemoryFileManager.h"
 #include "Models/GenerationError.h"
 #include "Require.h"
-#include "RiffChunks.h"
 #include "TorvoMetadata.h"
 
 #include <cstdint>

@@ -1,10 +1,10 @@
 // The stamp over any bytes: what it accepts it stamps once, keeps every other chunk, and the change
 // inside a file is the change in memory.
 
+#include "AudioSupport/RiffChunks.h"
 #include "MemoryFileManager.h"
 #include "Models/GenerationError.h"
 #include "Require.h"
-#include "RiffChunks.h"
 #include "TorvoMetadata.h"
 
 #include <algorithm>

@@ -5,12 +5,12 @@
 #include "AudioSupport/AudioReader.h"
 #include "AudioSupport/Conversion.h"
 #include "AudioSupport/ConvertedFileWriter.h"
+#include "AudioSupport/RiffChunks.h"
 #include "AudioSupport/RunPreparer.h"
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/Precondition.h"
 #include "Platform/UnicodeText.h"
-#include "RiffChunks.h"
 
 #include <cmath>
 #include <utility>

@@ -1,10 +1,10 @@
 #include "TorvoMetadata.h"
 
+#include "AudioSupport/RiffChunks.h"
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/Precondition.h"
 #include "Platform/UnicodeText.h"
-#include "RiffChunks.h"
 
 #include <algorithm>
 #include <array>

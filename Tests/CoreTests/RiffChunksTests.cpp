@@ -1,5 +1,5 @@
 #include "Models/GenerationError.h"
-#include "RiffChunks.h"
+#include "AudioSupport/RiffChunks.h"
 #include "TemporaryFolder.h"
 #include "WavFixture.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AudioSupport/AudioFileType.h"
-#include "RiffChunks.h"
+#include "AudioSupport/RiffChunks.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RiffChunks.h"
+#include "AudioSupport/RiffChunks.h"
 
 #include <cstdint>
 #include <optional>

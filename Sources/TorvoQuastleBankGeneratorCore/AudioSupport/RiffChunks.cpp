@@ -1,4 +1,4 @@
-#include "RiffChunks.h"
+#include "AudioSupport/RiffChunks.h"
 
 #include "Models/GenerationError.h"
 
