@@ -2,9 +2,9 @@
 
 #include "AudioSupport/AudioError.h"
 #include "AudioSupport/AudioFileType.h"
-#include "AudioSupport/AudioReader.h"
 #include "AudioSupport/Conversion.h"
 #include "AudioSupport/ConvertedFileWriter.h"
+#include "AudioSupport/OpenAudio.h"
 #include "AudioSupport/RiffChunks.h"
 #include "AudioSupport/RunPreparer.h"
 #include "Models/Device.h"

@@ -1,8 +1,5 @@
 #pragma once
 
-#include "AudioSupport/AudioFileType.h"
-#include "AudioSupport/RiffChunks.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -38,11 +35,5 @@ public:
     /// back only at the end. Every value is finite.
     virtual std::size_t read(std::span<double> frames) = 0;
 };
-
-/// Chooses the reader by the first bytes, never by a name, and opens the file with it.
-/// `bytes` outlives the reader.
-std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes);
-/// The same when the type is known already.
-std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes, const AudioFileType& type);
 
 } // namespace torvo

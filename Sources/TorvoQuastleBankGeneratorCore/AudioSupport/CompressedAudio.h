@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioSupport/AudioFileType.h"
 #include "AudioSupport/AudioReader.h"
 
 namespace torvo {

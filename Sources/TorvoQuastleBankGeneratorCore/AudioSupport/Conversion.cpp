@@ -2,6 +2,7 @@
 
 #include "AudioSupport/AudioError.h"
 #include "AudioSupport/ConvertedFileWriter.h"
+#include "AudioSupport/OpenAudio.h"
 #include "AudioSupport/StatusCheck.h"
 
 #include <algorithm>

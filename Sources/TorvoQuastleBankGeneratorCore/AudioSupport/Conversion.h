@@ -2,6 +2,7 @@
 
 #include "AudioSupport/Fingerprint.h"
 #include "AudioSupport/Resampler.h"
+#include "AudioSupport/RiffChunks.h"
 #include "Platform/FileManager.h"
 #include "Platform/FileURL.h"
 

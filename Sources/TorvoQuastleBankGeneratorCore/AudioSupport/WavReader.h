@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AudioSupport/AudioReader.h"
+#include "AudioSupport/RiffChunks.h"
 
 #include <vector>
 

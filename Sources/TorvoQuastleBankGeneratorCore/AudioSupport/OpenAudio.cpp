@@ -1,7 +1,6 @@
-#include "AudioSupport/AudioReader.h"
+#include "AudioSupport/OpenAudio.h"
 
 #include "AudioSupport/AudioError.h"
-#include "AudioSupport/AudioFileType.h"
 #include "AudioSupport/CompressedAudio.h"
 #include "AudioSupport/WavReader.h"
 
