@@ -36,16 +36,16 @@ bool isDeviceDepth(const AudioFormatDetails& details) {
 AVAudioFileInspector::AVAudioFileInspector(std::shared_ptr<const FileManager> fileManager)
     : fileManager_(std::move(fileManager)) {}
 
-AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& at) const {
-    const auto file = fileManager_->open(at.path(), OpenMode::read);
+AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& url) const {
+    const auto file = fileManager_->open(url.path(), OpenMode::read);
     const FileByteSource bytes(*file);
-    // Most files that are no audio end here: a library may have more of them than of samples.
-    const auto type = audioFileType(bytes);
+    // Reject other files early: a sample library may contain more of them than samples.
+    const auto type = audioFileType(bytes, audioNameHint(url));
     if (!type)
-        throw GenerationError::unsupportedAudio(at);
+        throw GenerationError::unsupportedAudio(url);
     try {
         const AudioStreamFormat format = openAudio(bytes, *type)->format();
-        AudioFormatDetails details{text::lowercased(at.pathExtension()), format.sampleRate,
+        AudioFormatDetails details{text::lowercased(url.pathExtension()), format.sampleRate,
                                    format.channels, format.bitDepth, format.isLinearPCM};
         // It would be copied unchanged, and then its stamp would fail and end the run.
         if (std::holds_alternative<CompatibleWav>(
@@ -53,9 +53,9 @@ AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& at) con
             findDataChunk(bytes);
         return details;
     } catch (const AudioError&) {
-        throw GenerationError::unsupportedAudio(at);
+        throw GenerationError::unsupportedAudio(url);
     } catch (const GenerationError&) {
-        throw GenerationError::unsupportedAudio(at);
+        throw GenerationError::unsupportedAudio(url);
     }
 }
 

@@ -14,8 +14,9 @@ namespace torvo {
 class AudioFileInspecting {
 public:
     virtual ~AudioFileInspecting() = default;
-    /// Throws `GenerationError::unsupportedAudio` or `FileError`.
-    virtual AudioFormatDetails inspectAudioFile(const FileURL& at) const = 0;
+    /// The format of the file. Throws `GenerationError::unsupportedAudio` when it cannot be read as
+    /// audio, `FileError` when it cannot be read at all, and `BrokenInstallation`.
+    virtual AudioFormatDetails inspectAudioFile(const FileURL& url) const = 0;
 };
 
 /// The inspector of the program: WAV by its own chunk walk, every other format through the media
@@ -24,7 +25,7 @@ class AVAudioFileInspector final : public AudioFileInspecting {
 public:
     explicit AVAudioFileInspector(
         std::shared_ptr<const FileManager> fileManager = systemFileManager());
-    AudioFormatDetails inspectAudioFile(const FileURL& at) const override;
+    AudioFormatDetails inspectAudioFile(const FileURL& url) const override;
 
 private:
     std::shared_ptr<const FileManager> fileManager_;

@@ -1,6 +1,7 @@
 #include "AudioSupport/AudioFileType.h"
 
 #include "AudioSupport/MpegAudioFrames.h"
+#include "Platform/UnicodeText.h"
 
 #include <algorithm>
 #include <array>
@@ -42,16 +43,17 @@ constexpr std::array magics = {
 };
 
 constexpr std::size_t magicLength = 40;
-// A real file carries one or two tags; a chain of thousands is made to keep us busy.
-constexpr int mostTags = 8;
+// Real files have one or two tags. The limit stops crafted files with thousands of tags.
+constexpr int maxTags = 8;
 
 bool matches(std::string_view head, const Magic& magic) {
     return head.starts_with(magic.first) && head.size() > magic.secondOffset &&
            head.substr(magic.secondOffset).starts_with(magic.second);
 }
 
-/// The end of the ID3v2 tag at `offset` (ID3v2.4.0 structure, section 3.1), if one is there.
-std::optional<std::uint64_t> endOfTag(const ByteSource& bytes, std::uint64_t offset) {
+/// The end offset of the ID3v2 tag at `offset` (ID3v2.4.0 structure, section 3.1). Empty when there
+/// is no tag.
+std::optional<std::uint64_t> endOfID3v2Tag(const ByteSource& bytes, std::uint64_t offset) {
     std::array<std::byte, 10> header;
     if (bytes.read(offset, header) < header.size() ||
         !std::ranges::equal(std::span(header).first<3>(), std::as_bytes(std::span("ID3"sv))))
@@ -66,10 +68,30 @@ std::optional<std::uint64_t> endOfTag(const ByteSource& bytes, std::uint64_t off
     return offset + header.size() + size + (hasFooter ? header.size() : 0);
 }
 
+/// The end offset of an APEv2 tag with a header, or of an ID3v1 tag. Both belong after the audio,
+/// but some programs write them before it.
+std::optional<std::uint64_t> endOfMisplacedTag(const ByteSource& bytes, std::uint64_t offset) {
+    constexpr std::uint64_t apeHeaderSize = 32;
+    constexpr std::uint64_t id3v1Size = 128;
+    std::array<char, apeHeaderSize> block{};
+    const std::size_t length = bytes.read(offset, std::as_writable_bytes(std::span(block)));
+    const std::string_view head(block.data(), length);
+    if (head.size() == apeHeaderSize && head.starts_with("APETAGEX"sv)) {
+        // The size field excludes the header.
+        const auto size = readUInt32(std::as_bytes(std::span(block)).subspan<12, 4>());
+        return offset + apeHeaderSize + size;
+    }
+    if (head.starts_with("TAG"sv))
+        return offset + id3v1Size;
+    return std::nullopt;
+}
+
 std::uint64_t endOfTags(const ByteSource& bytes) {
     std::uint64_t offset = 0;
-    for (int i = 0; i < mostTags; ++i) {
-        const auto end = endOfTag(bytes, offset);
+    for (int i = 0; i < maxTags; ++i) {
+        auto end = endOfID3v2Tag(bytes, offset);
+        if (!end)
+            end = endOfMisplacedTag(bytes, offset);
         if (!end)
             break;
         offset = *end;
@@ -79,7 +101,15 @@ std::uint64_t endOfTags(const ByteSource& bytes) {
 
 } // namespace
 
-std::optional<AudioFileType> audioFileType(const ByteSource& bytes) {
+AudioNameHint audioNameHint(const FileURL& url) {
+    constexpr std::array extensions = {"mp3"sv, "mp2"sv, "mpa"sv, "mpga"sv,
+                                       "m2a"sv, "aac"sv, "adts"sv};
+    const bool isMpegAudio =
+        std::ranges::find(extensions, text::lowercased(url.pathExtension())) != extensions.end();
+    return isMpegAudio ? AudioNameHint::mpegAudio : AudioNameHint::none;
+}
+
+std::optional<AudioFileType> audioFileType(const ByteSource& bytes, AudioNameHint hint) {
     const std::uint64_t offset = endOfTags(bytes);
     std::array<char, magicLength> block{};
     const std::size_t length = bytes.read(offset, std::as_writable_bytes(std::span(block)));
@@ -89,7 +119,10 @@ std::optional<AudioFileType> audioFileType(const ByteSource& bytes) {
     });
     if (magic != magics.end())
         return AudioFileType{magic->container, offset};
-    if (const auto frames = findMpegAudio(bytes, offset))
+    auto frames = findMpegAudio(bytes, offset);
+    if (!frames)
+        frames = searchMpegAudio(bytes, offset, hint == AudioNameHint::mpegAudio);
+    if (frames)
         return AudioFileType{frames->isADTS ? AudioContainer::adts : AudioContainer::mpegAudio,
                              frames->offset};
     return std::nullopt;

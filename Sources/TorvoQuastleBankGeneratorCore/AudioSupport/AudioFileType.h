@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AudioSupport/RiffChunks.h"
+#include "Platform/FileURL.h"
 
 #include <cstdint>
 #include <optional>
@@ -27,11 +28,18 @@ enum class AudioContainer {
 
 struct AudioFileType {
     AudioContainer container = AudioContainer::wav;
-    std::uint64_t offset = 0; ///< in bytes; where the audio begins, behind ID3v2 tags
+    std::uint64_t offset = 0; ///< in bytes; the start of the audio after any tags
 };
 
-/// Which format the bytes are in, by their magic number or, where the format has none, by several
-/// consistent frame headers. Absent for everything else.
-std::optional<AudioFileType> audioFileType(const ByteSource& bytes);
+/// The format that a file name suggests. It sets how far `audioFileType` searches for MPEG audio,
+/// which has no magic number; it never excludes a file.
+enum class AudioNameHint { none, mpegAudio };
+
+/// Determines the hint from the file name extension.
+AudioNameHint audioNameHint(const FileURL& url);
+
+/// Detects the format by its magic number or, for MPEG audio and ADTS, by several consecutive frame
+/// headers. Empty for every other file.
+std::optional<AudioFileType> audioFileType(const ByteSource& bytes, AudioNameHint hint);
 
 } // namespace torvo

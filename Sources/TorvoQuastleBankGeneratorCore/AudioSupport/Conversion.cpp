@@ -24,7 +24,7 @@ ConversionSource::ConversionSource(const FileManager& fileManager, const FileURL
     checkingStatus("Unable to open source audio file " + url.lastPathComponent() + ".", [&] {
         file_ = fileManager.open(url.path(), OpenMode::read);
         bytes_ = std::make_unique<FileByteSource>(*file_);
-        reader_ = openAudio(*bytes_);
+        reader_ = openAudio(*bytes_, audioNameHint(url));
     });
 }
 

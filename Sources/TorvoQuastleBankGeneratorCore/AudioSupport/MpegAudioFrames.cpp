@@ -9,13 +9,24 @@ namespace torvo {
 
 namespace {
 
-constexpr int framesThatConvince = 4;
-constexpr std::uint64_t mostPadding = std::uint64_t{64} * 1024; // bytes
+constexpr std::size_t frameHeaderSize = 8; // bytes needed to parse a header
+constexpr int minConsistentFrames = 4;
+constexpr std::uint64_t maxPadding = std::uint64_t{64} * 1024; // bytes
+// A search tests every offset, so four tiny frames can be chance: the pixels of some X11 cursors
+// look like them.
+constexpr int minFoundFrames = 16;
+constexpr int minFramesToEnd = 3;
+// The search limits. The longest MPEG frame has 2,880 bytes, so a cut stream has a frame header
+// within the first 4 KB.
+constexpr std::uint64_t maxSearch = 4096;                             // bytes
+constexpr std::uint64_t maxExpectedSearch = std::uint64_t{64} * 1024; // bytes
+// Limits the time spent on long streams; 43 minutes at 44.1 kHz.
+constexpr int maxFramesToEnd = 100'000;
 
 struct Frame {
     bool isADTS = false;
     std::uint32_t length = 0; ///< bytes, header included
-    std::uint32_t kind = 0;   ///< what stays the same in every frame of a stream
+    std::uint32_t kind = 0;   ///< the header bits that are the same in every frame of a stream
 };
 
 constexpr std::uint32_t bits(std::uint32_t word, unsigned shift, unsigned count) {
@@ -49,11 +60,11 @@ std::optional<Frame> parseMpegHeader(std::uint32_t word) {
     const std::uint32_t sampleRate = sampleRates[sampleRateIndex] >> (version == mpeg1    ? 0
                                                                       : version == mpeg25 ? 2
                                                                                           : 1);
-    // Half the samples in a layer III frame of the lower rates, so half the bytes.
+    // A layer III frame of MPEG-2 and 2.5 has half the samples of an MPEG-1 frame.
     const std::uint32_t bytesPerBitRate = layer == layerIII && version != mpeg1 ? 72'000 : 144'000;
     const std::uint32_t length =
         bytesPerBitRate * bitRates[table][bitRateIndex] / sampleRate + bits(word, 9, 1);
-    // Version, layer and sample rate; the bit rate and the channel mode may change.
+    // Compare version, layer and sample rate; the bit rate and the channel mode may change.
     return Frame{false, length, word & 0x001E0C00};
 }
 
@@ -64,26 +75,30 @@ std::optional<Frame> parseADTSHeader(std::uint32_t word, std::uint32_t rest) {
     if (bits(word, 20, 12) != 0xFFF || bits(word, 17, 2) != 0 || sampleRateIndex > 12 ||
         length <= headerLength)
         return std::nullopt;
-    // Version, profile, sample rate and channels.
+    // Compare version, profile, sample rate and channels.
     return Frame{true, length, word & 0x0008FDC0};
 }
 
-std::optional<Frame> frameAt(const ByteSource& bytes, std::uint64_t offset) {
-    std::array<std::byte, 8> header{};
-    const std::size_t count = bytes.read(offset, header);
-    if (count < 4)
+/// Parses the frame header at the start of `bytes`. Empty when it is invalid or incomplete.
+std::optional<Frame> parseHeader(std::span<const std::byte> bytes) {
+    if (bytes.size() < 4)
         return std::nullopt;
-    const std::uint32_t word = readUInt32(std::span(header).first<4>(), ByteOrder::big);
+    const std::uint32_t word = readUInt32(bytes.first<4>(), ByteOrder::big);
     if (const auto frame = parseMpegHeader(word))
         return frame;
-    return count < header.size()
+    return bytes.size() < frameHeaderSize
                ? std::nullopt
-               : parseADTSHeader(word, readUInt32(std::span(header).last<4>(), ByteOrder::big));
+               : parseADTSHeader(word, readUInt32(bytes.subspan<4, 4>(), ByteOrder::big));
+}
+
+std::optional<Frame> frameAt(const ByteSource& bytes, std::uint64_t offset) {
+    std::array<std::byte, frameHeaderSize> header{};
+    return parseHeader(std::span(header).first(bytes.read(offset, header)));
 }
 
 std::uint64_t skipZeros(const ByteSource& bytes, std::uint64_t offset) {
     std::array<std::byte, 1024> block;
-    const std::uint64_t limit = offset + mostPadding;
+    const std::uint64_t limit = offset + maxPadding;
     while (offset < limit) {
         const auto part = std::span(block).first(bytes.read(offset, block));
         const auto found =
@@ -95,8 +110,8 @@ std::uint64_t skipZeros(const ByteSource& bytes, std::uint64_t offset) {
     return offset;
 }
 
-/// Tags that players write behind the audio: ID3v1, APEv2, Lyrics3.
-bool tagBegins(const ByteSource& bytes, std::uint64_t offset) {
+/// Whether a tag that follows the audio begins at `offset`: ID3v1, APEv2 or Lyrics3.
+bool beginsTrailingTag(const ByteSource& bytes, std::uint64_t offset) {
     std::array<char, 8> block{};
     const std::size_t count = bytes.read(offset, std::as_writable_bytes(std::span(block)));
     const std::string_view head(block.data(), count);
@@ -105,10 +120,10 @@ bool tagBegins(const ByteSource& bytes, std::uint64_t offset) {
 
 bool framesFollow(const ByteSource& bytes, const Frame& first, std::uint64_t offset) {
     offset += first.length;
-    for (int count = 1; count < framesThatConvince; ++count) {
-        if (offset == bytes.size() || tagBegins(bytes, offset))
+    for (int count = 1; count < minConsistentFrames; ++count) {
+        if (offset == bytes.size() || beginsTrailingTag(bytes, offset))
             return true;
-        // A last frame that was cut off, behind complete ones.
+        // The last frame is truncated; accept it after at least two complete frames.
         if (offset > bytes.size())
             return count > 2;
         const auto next = frameAt(bytes, offset);
@@ -119,7 +134,50 @@ bool framesFollow(const ByteSource& bytes, const Frame& first, std::uint64_t off
     return true;
 }
 
+/// Stricter than `framesFollow`, because a search tests every offset: requires `minFoundFrames`, or
+/// `minFramesToEnd` when the file ends earlier. Unless `isExpected`, the frames must continue to
+/// the end of the file.
+bool streamFollows(const ByteSource& bytes, const Frame& first, std::uint64_t offset,
+                   bool isExpected) {
+    const int wanted = isExpected ? minFoundFrames : maxFramesToEnd;
+    offset += first.length;
+    for (int count = 1; count < wanted; ++count) {
+        const bool isLastCut = offset > bytes.size();
+        if (isLastCut || offset == bytes.size() || beginsTrailingTag(bytes, offset))
+            return count - (isLastCut ? 1 : 0) >= minFramesToEnd;
+        const auto next = frameAt(bytes, offset);
+        if (!next || next->isADTS != first.isADTS || next->kind != first.kind)
+            return false;
+        offset += next->length;
+    }
+    return true;
+}
+
 } // namespace
+
+std::optional<MpegAudioStart> searchMpegAudio(const ByteSource& bytes, std::uint64_t offset,
+                                              bool isExpected) {
+    std::array<std::byte, 4096> block;
+    std::uint64_t position = skipZeros(bytes, offset);
+    const std::uint64_t end = position + (isExpected ? maxExpectedSearch : maxSearch);
+    while (position < end) {
+        const auto part = std::span(block).first(bytes.read(position, block));
+        if (part.size() < frameHeaderSize)
+            break;
+        // Headers that cross the end of the block are found in the next block.
+        const auto count = static_cast<std::size_t>(
+            std::min<std::uint64_t>(part.size() - (frameHeaderSize - 1), end - position));
+        for (std::size_t i = 0; i < count; ++i) {
+            if (part[i] != std::byte{0xFF})
+                continue;
+            const auto frame = parseHeader(part.subspan(i));
+            if (frame && streamFollows(bytes, *frame, position + i, isExpected))
+                return MpegAudioStart{frame->isADTS, position + i};
+        }
+        position += count;
+    }
+    return std::nullopt;
+}
 
 std::optional<MpegAudioStart> findMpegAudio(const ByteSource& bytes, std::uint64_t offset) {
     const std::uint64_t start = skipZeros(bytes, offset);

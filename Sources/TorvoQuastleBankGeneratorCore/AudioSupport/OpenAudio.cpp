@@ -6,8 +6,8 @@
 
 namespace torvo {
 
-std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes) {
-    const auto type = audioFileType(bytes);
+std::unique_ptr<AudioReader> openAudio(const ByteSource& bytes, AudioNameHint hint) {
+    const auto type = audioFileType(bytes, hint);
     if (!type)
         throw AudioError::invalidData();
     return openAudio(bytes, *type);
