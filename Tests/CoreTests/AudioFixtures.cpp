@@ -76,10 +76,17 @@ void runTool(const fs::path& folder, const std::string& command) {
         throw std::runtime_error("this command failed: " + command);
 }
 
+void encode(const TemporaryFolder& folder, const std::string& source,
+            const std::vector<Encoding>& encodings) {
+    std::string command = "ffmpeg -v error -y -i " + quoted(source);
+    for (const Encoding& encoding : encodings)
+        command += " " + encoding.arguments + " " + quoted(encoding.name);
+    runTool(folder.path(), command);
+}
+
 void encode(const TemporaryFolder& folder, const std::string& source, const std::string& arguments,
             const std::string& name) {
-    runTool(folder.path(),
-            "ffmpeg -v error -y -i " + quoted(source) + " " + arguments + " " + quoted(name));
+    encode(folder, source, {{arguments, name}});
 }
 
 std::vector<std::int16_t> deviceFrames(const fs::path& path) {

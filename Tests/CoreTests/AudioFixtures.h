@@ -21,9 +21,28 @@ namespace torvo::test {
 /// Runs a command of the shell in a folder. A missing tool and a failure are errors of the test.
 void runTool(const std::filesystem::path& folder, const std::string& command);
 
+/// An output file of ffmpeg and the options before it.
+struct Encoding {
+    std::string arguments;
+    std::string name;
+};
+
+/// Encodes `source` to several files (all in the folder) with one call of ffmpeg: starting it takes
+/// longer than encoding a short file.
+void encode(const TemporaryFolder& folder, const std::string& source,
+            const std::vector<Encoding>& encodings);
 /// Makes `name` from `source` (both in the folder) with ffmpeg.
 void encode(const TemporaryFolder& folder, const std::string& source, const std::string& arguments,
             const std::string& name);
+
+/// The encodings of a table whose rows begin with them.
+template <typename Rows>
+std::vector<Encoding> encodingsOf(const Rows& rows) {
+    std::vector<Encoding> encodings;
+    for (const auto& row : rows)
+        encodings.push_back({row.arguments, row.name});
+    return encodings;
+}
 
 /// The frames of a converted file, whose header must be the canonical one.
 std::vector<std::int16_t> deviceFrames(const std::filesystem::path& path);

@@ -161,11 +161,9 @@ TEST(AudioInspector, rejectsWhatIsNoAudio) {
 
 TEST(AudioInspector, rejectsPicturesAndFilms) {
     const TemporaryFolder folder;
-    runTool(folder.path(), "ffmpeg -v error -f lavfi -i testsrc=d=1:s=64x64 -frames:v 1 a.jpg");
-    runTool(folder.path(), "ffmpeg -v error -f lavfi -i testsrc=d=1:s=64x64 -f lavfi -i "
-                           "sine=d=1 -c:v mpeg4 -c:a aac film.mp4");
-    runTool(folder.path(), "ffmpeg -v error -i film.mp4 -c copy film.mkv");
-    runTool(folder.path(), "ffmpeg -v error -i film.mp4 -c copy -vn sound.mp4");
+    runTool(folder.path(), "ffmpeg -v error -f lavfi -i testsrc=d=1:s=64x64 -f lavfi -i sine=d=1 "
+                           "-map 0 -frames:v 1 a.jpg -map 0 -map 1 -c:v mpeg4 -c:a aac film.mp4 "
+                           "-map 0 -map 1 -c:v mpeg4 -c:a aac film.mkv -map 1 -c:a aac sound.mp4");
     EXPECT_FALSE(isReadable(folder.path() / "film.mp4"));
     EXPECT_FALSE(isReadable(folder.path() / "film.mkv"));
     EXPECT_TRUE(isReadable(folder.path() / "sound.mp4"));
@@ -177,12 +175,12 @@ TEST(AudioInspector, aCoverPictureDoesNotMatter) {
     const TemporaryFolder folder;
     folder.write("a.wav", wavOf(44100, testSignal(44100)));
     runTool(folder.path(), "ffmpeg -v error -f lavfi -i testsrc=d=1:s=64x64 -frames:v 1 c.jpg");
-    const std::string cover = "-i c.jpg -map 0 -map 1 -c:v copy -disposition:v attached_pic ";
-    for (const auto& [arguments, name] : std::vector<std::pair<std::string, std::string>>{
-             {cover + "-c:a aac", "a.m4a"}, {cover, "a.mp3"}, {cover, "a.flac"}}) {
-        encode(folder, "a.wav", arguments, name);
-        EXPECT_TRUE(isReadable(folder / name)) << name;
-    }
+    const std::string cover = "-map 0 -map 1 -c:v copy -disposition:v attached_pic ";
+    const std::vector<Encoding> encodings{
+        {"-i c.jpg " + cover + "-c:a aac", "a.m4a"}, {cover, "a.mp3"}, {cover, "a.flac"}};
+    encode(folder, "a.wav", encodings);
+    for (const Encoding& encoding : encodings)
+        EXPECT_TRUE(isReadable(folder / encoding.name)) << encoding.name;
 }
 
 TEST(AudioInspector, readsTheFactsOfEveryOtherFormat) {
@@ -238,9 +236,9 @@ TEST(AudioInspector, readsTheFactsOfEveryOtherFormat) {
     };
     const TemporaryFolder folder;
     folder.write("source.wav", wavOf(44100, testSignal(22050)));
+    encode(folder, "source.wav", encodingsOf(rows));
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        encode(folder, "source.wav", row.arguments, row.name);
         EXPECT_EQ(inspected(folder / row.name), row.expected);
     }
 }
@@ -248,9 +246,10 @@ TEST(AudioInspector, readsTheFactsOfEveryOtherFormat) {
 TEST(AudioInspector, findsAudioBehindTagsAndPadding) {
     const TemporaryFolder folder;
     folder.write("source.wav", wavOf(44100, testSignal(22050)));
-    encode(folder, "source.wav", "-write_xing 0 -id3v2_version 0", "bare.mp3");
-    encode(folder, "source.wav", "", "bare.flac");
-    encode(folder, "source.wav", "-bitexact -c:a aac", "bare.aac");
+    encode(folder, "source.wav",
+           {{"-write_xing 0 -id3v2_version 0", "bare.mp3"},
+            {"", "bare.flac"},
+            {"-bitexact -c:a aac", "bare.aac"}});
     Bytes tag = bytes(std::string_view("ID3\4\0\0\0\0\x2E\0", 10));
     tag.resize(tag.size() + 0x1700, std::byte{'x'});
     for (const char* const name : {"bare.mp3", "bare.flac", "bare.aac"}) {

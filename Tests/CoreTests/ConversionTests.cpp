@@ -152,18 +152,16 @@ TEST(Conversion, losslessFormatsComeOutBitForBit) {
                         {"-c:a pcm_f32le", "float.wav"},
                         {"-c:a pcm_f64le", "double.wav"},
                         {"-c:a pcm_s24le", "a24.wav"},
-                        {"-ac 2", "stereo.wav"}};
+                        // The two channels are copies; ffmpeg's own upmix would lower them.
+                        {"-af 'pan=stereo|c0=c0|c1=c0'", "stereo.wav"}};
     auto signal = testSignal(30'000);
     signal[0] = 32767;
     signal[1] = -32768;
     const TemporaryFolder folder;
     folder.write("source.wav", wavOf(44100, signal));
+    encode(folder, "source.wav", encodingsOf(rows));
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        // The two channels are copies; ffmpeg's own upmix would lower them.
-        const std::string arguments =
-            row.name == std::string("stereo.wav") ? "-af 'pan=stereo|c0=c0|c1=c0'" : row.arguments;
-        encode(folder, "source.wav", arguments, row.name);
         const auto frames = convertedFrames(folder / row.name);
         EXPECT_EQ(frames.size(), signal.size());
         EXPECT_TRUE(frames == signal);
@@ -259,10 +257,10 @@ TEST(Conversion, channelsOfCompressedFilesAreAveragedToo) {
     }
     folder.write("a.wav", wavFile({44100, 2, 16}, samples));
     const auto expected = convertedFrames(folder / "a.wav");
-    for (const char* const name : {"a.flac", "a.aiff", "a.wv"}) {
-        encode(folder, "a.wav", "", name);
-        EXPECT_TRUE(convertedFrames(folder / name) == expected) << name;
-    }
+    const std::vector<Encoding> encodings{{"", "a.flac"}, {"", "a.aiff"}, {"", "a.wv"}};
+    encode(folder, "a.wav", encodings);
+    for (const Encoding& encoding : encodings)
+        EXPECT_TRUE(convertedFrames(folder / encoding.name) == expected) << encoding.name;
 }
 
 TEST(Conversion, valuesOutsideTheScaleAreClampedAndNoNumbersAreSilence) {
@@ -373,9 +371,9 @@ TEST(Conversion, lossyFormatsKeepPlaceAndLength) {
     auto signal = testSignal(44100);
     const TemporaryFolder folder;
     folder.write("source.wav", wavOf(44100, signal));
+    encode(folder, "source.wav", encodingsOf(rows));
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        encode(folder, "source.wav", row.arguments, row.name);
         const auto frames = convertedFrames(folder / row.name);
         EXPECT_GE(frames.size(), signal.size());
         EXPECT_LE(frames.size(), signal.size() + row.mostExtraFrames);

@@ -106,8 +106,7 @@ TEST(SamplePreparer, convertsInBlocks) {
     constexpr std::size_t largestRead = 256 * 1024;                   // bytes
     const TemporaryFolder folder;
     folder.write("a.wav", wavFile({48000, 2, 16}, 2'000'000));
-    encode(folder, "a.wav", "", "a.aiff");
-    encode(folder, "a.wav", "", "a.flac");
+    encode(folder, "a.wav", {{"", "a.aiff"}, {"", "a.flac"}});
     for (const char* const name : {"a.wav", "a.aiff", "a.flac"}) {
         SCOPED_TRACE(name);
         std::map<std::string, std::size_t> largest; // parts by file name
