@@ -111,6 +111,7 @@ public:
     Decoder(const ByteSource& bytes, const AudioFileType& type)
         : input_(bytes, type),
           stream_(chooseStream(input_.context())),
+          container_(type.container),
           encoding_(encodingOf(stream_.codecpar->codec_id)),
           packet_(av_packet_alloc()),
           frame_(av_frame_alloc()) {
@@ -186,14 +187,42 @@ private:
         if (nextFrame()) {
             format_.sampleRate = frame_->sample_rate;
             format_.channels = frame_->ch_layout.nb_channels;
-            if (isWindowsMedia())
-                position_ = frameLength();
+            skipFrames(delay());
             return;
         }
         // Without a packet a file may still be a whole one that holds nothing.
         const bool isDeclaredEmpty = stream_.duration == 0 || stream_.duration == AV_NOPTS_VALUE;
         if (packetSeen_ || !isDeclaredEmpty)
             throw AudioError::invalidData();
+    }
+
+    /// The number of leading frames that precede the audio and that FFmpeg does not skip.
+    std::size_t delay() const {
+        if (isWindowsMedia())
+            return windowsMediaFrameLength();
+        // The first AAC frame overlaps with a frame that is missing in the file.
+        if (container_ == AudioContainer::adts)
+            return frameLength();
+        return 0;
+    }
+
+    /// The length of a codec frame in samples. The first AVFrame cannot be used for it: with the
+    /// bit reservoir it may contain fifteen codec frames.
+    std::size_t windowsMediaFrameLength() const {
+        const bool isVersion1 = encoding_.codec == AV_CODEC_ID_WMAV1;
+        if (format_.sampleRate <= 16'000)
+            return 512;
+        if (format_.sampleRate <= 22'050 || (isVersion1 && format_.sampleRate <= 32'000))
+            return 1024;
+        return 2048;
+    }
+
+    void skipFrames(std::size_t count) {
+        while (count > 0 && (position_ < frameLength() || nextFrame())) {
+            const std::size_t part = std::min(count, frameLength() - position_);
+            position_ += part;
+            count -= part;
+        }
     }
 
     std::optional<std::uint64_t> declaredFrameCount() const {
@@ -255,6 +284,7 @@ private:
 
     MediaInput input_;
     AVStream& stream_;
+    AudioContainer container_;
     Encoding encoding_;
     AudioStreamFormat format_;
     ffmpeg::CodecContext codec_;

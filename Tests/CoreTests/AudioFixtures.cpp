@@ -1,8 +1,12 @@
 #include "AudioFixtures.h"
 
+#include "AudioSupport/OpenAudio.h"
+#include "AudioSupport/RiffChunks.h"
 #include "ForwardingFileManager.h"
 #include "Models/GenerationError.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <stdexcept>
@@ -118,6 +122,57 @@ std::vector<std::int16_t> convertedFrames(const fs::path& path) {
     const fs::path destination = path.string() + ".converted";
     AVAudioSamplePreparer{}.prepare(sampleToConvert(path), FileURL(destination));
     return deviceFrames(destination);
+}
+
+std::vector<double> decodedFrames(const fs::path& path) {
+    const auto file = systemFileManager()->open(path, OpenMode::read);
+    const FileByteSource bytes(*file);
+    const auto reader = openAudio(bytes, audioNameHint(FileURL(path)));
+    std::vector<double> frames;
+    std::array<double, 4096> block;
+    while (const std::size_t count = reader->read(block))
+        frames.insert(frames.end(), block.begin(),
+                      block.begin() + static_cast<std::ptrdiff_t>(count));
+    return frames;
+}
+
+std::vector<double> normalized(std::span<const std::int16_t> frames) {
+    std::vector<double> result;
+    for (const std::int16_t frame : frames)
+        result.push_back(frame / 32768.0);
+    return result;
+}
+
+std::ptrdiff_t bestLag(std::span<const double> original, std::span<const double> decoded) {
+    constexpr std::ptrdiff_t maxLag = 2200;
+    constexpr std::ptrdiff_t window = 8000;
+    const auto size = static_cast<std::ptrdiff_t>(decoded.size());
+    const auto count = std::min(static_cast<std::ptrdiff_t>(original.size()), window);
+    std::ptrdiff_t best = 0;
+    double highest = 0;
+    for (std::ptrdiff_t lag = -maxLag; lag <= maxLag; ++lag) {
+        double product = 0;
+        const std::ptrdiff_t first = std::max<std::ptrdiff_t>(0, -lag);
+        for (std::ptrdiff_t i = first; i < std::min(count, size - lag); ++i)
+            product +=
+                original[static_cast<std::size_t>(i)] * decoded[static_cast<std::size_t>(i + lag)];
+        if (product > highest) {
+            highest = product;
+            best = lag;
+        }
+    }
+    return best;
+}
+
+double decibelsBetween(std::span<const double> original, std::span<const double> decoded) {
+    double signal = 0;
+    double error = 0;
+    for (std::size_t i = 0; i < original.size(); ++i) {
+        const double difference = original[i] - (i < decoded.size() ? decoded[i] : 0);
+        signal += original[i] * original[i];
+        error += difference * difference;
+    }
+    return 10 * std::log10(signal / error);
 }
 
 std::string failureOf(const AudioFilePreparing& preparer, const SampleCandidate& sample,

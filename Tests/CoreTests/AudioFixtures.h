@@ -53,7 +53,21 @@ SampleCandidate sampleToCopy(const std::filesystem::path& path);
 /// The frames of a file after its conversion beside it.
 std::vector<std::int16_t> convertedFrames(const std::filesystem::path& path);
 
-/// The text of the failure of a preparation, or "none".
+/// The frames of a file at its own rate, mixed to mono, full scale at 1.
+std::vector<double> decodedFrames(const std::filesystem::path& path);
+
+/// 16-bit frames with full scale at 1.
+std::vector<double> normalized(std::span<const std::int16_t> frames);
+
+/// The delay of `decoded` relative to the first part of `original` in frames, found by correlation;
+/// negative when it is early.
+std::ptrdiff_t bestLag(std::span<const double> original, std::span<const double> decoded);
+
+/// The power of `original` relative to that of the difference. Frames missing from `decoded` count
+/// as silence.
+double decibelsBetween(std::span<const double> original, std::span<const double> decoded);
+
+/// The error message of a preparation, or "none".
 std::string failureOf(const AudioFilePreparing& preparer, const SampleCandidate& sample,
                       const std::filesystem::path& destination);
 
