@@ -117,7 +117,7 @@ public:
           frame_(av_frame_alloc()) {
         if (!packet_ || !frame_)
             throw std::bad_alloc();
-        openCodec(type);
+        openCodec();
         const AVCodecParameters& parameters = *stream_.codecpar;
         format_ = {static_cast<double>(parameters.sample_rate), parameters.ch_layout.nb_channels,
                    encoding_.bitDepth, encoding_.isLinearPCM};
@@ -152,7 +152,7 @@ public:
     }
 
 private:
-    void openCodec(const AudioFileType& type) {
+    void openCodec() {
         const AVCodec* const decoder = avcodec_find_decoder(encoding_.codec);
         if (decoder == nullptr)
             throw AudioError(AVERROR_DECODER_NOT_FOUND);
@@ -162,11 +162,10 @@ private:
         check(avcodec_parameters_to_context(codec_.get(), stream_.codecpar));
         codec_->pkt_timebase = stream_.time_base;
         codec_->thread_count = 1;
-        // Left to itself the library drops real sound: one frame too many at the beginning of
-        // Windows Media, and at the end of Vorbis in Ogg what its first packet, which has no sound,
-        // seemed to last.
-        if (isWindowsMedia() ||
-            (encoding_.codec == AV_CODEC_ID_VORBIS && type.container == AudioContainer::ogg))
+        isOggVorbis_ = encoding_.codec == AV_CODEC_ID_VORBIS && container_ == AudioContainer::ogg;
+        // By default FFmpeg drops valid audio: one codec frame too many at the start of Windows
+        // Media, and at the end of Ogg Vorbis the duration of the first packet, which has no audio.
+        if (isWindowsMedia() || isOggVorbis_)
             codec_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
         check(avcodec_open2(codec_.get(), decoder, nullptr));
     }
@@ -192,7 +191,7 @@ private:
         }
         // Without a packet a file may still be a whole one that holds nothing.
         const bool isDeclaredEmpty = stream_.duration == 0 || stream_.duration == AV_NOPTS_VALUE;
-        if (packetSeen_ || !isDeclaredEmpty)
+        if (hasSeenPacket_ || !isDeclaredEmpty)
             throw AudioError::invalidData();
     }
 
@@ -245,26 +244,39 @@ private:
 
     /// A frame that belongs to what came before. False at the end.
     bool nextFrame() {
-        position_ = 0;
         for (;;) {
             const int status = avcodec_receive_frame(codec_.get(), frame_.get());
             if (status == AVERROR(ENOMEM))
                 throw std::bad_alloc();
             if (status == 0) {
                 if (frame_->nb_samples > 0 && frame_->ch_layout.nb_channels > 0 &&
-                    (!rateKnown_ || frame_->sample_rate == codecRate_)) {
+                    (!isRateKnown_ || frame_->sample_rate == codecRate_)) {
                     codecRate_ = frame_->sample_rate;
-                    rateKnown_ = true;
-                    return true;
+                    isRateKnown_ = true;
+                    position_ = isOggVorbis_ ? markedStart() : 0;
+                    if (position_ < frameLength())
+                        return true;
                 }
                 continue;
             }
             if (isDraining_) {
                 av_frame_unref(frame_.get());
+                position_ = 0;
                 return false;
             }
             sendPacket();
         }
+    }
+
+    /// The number of samples at the start of the decoded frame that FFmpeg marks to be skipped. For
+    /// the first Vorbis packet, FFmpeg 5 returns no frame, and FFmpeg 7 returns a frame that is
+    /// marked completely.
+    std::size_t markedStart() const {
+        const AVFrameSideData* const mark =
+            av_frame_get_side_data(frame_.get(), AV_FRAME_DATA_SKIP_SAMPLES);
+        if (mark == nullptr || mark->size < sizeof(std::uint32_t))
+            return 0;
+        return std::min<std::size_t>(AV_RL32(mark->data), frameLength());
     }
 
     void sendPacket() {
@@ -276,8 +288,8 @@ private:
         }
         if (packet_->stream_index != stream_.index)
             return;
-        packetSeen_ = true;
-        // What is damaged gives no frame; the next packet may.
+        hasSeenPacket_ = true;
+        // Ignore other errors: a damaged packet is skipped.
         if (avcodec_send_packet(codec_.get(), packet_.get()) == AVERROR(ENOMEM))
             throw std::bad_alloc();
     }
@@ -286,6 +298,7 @@ private:
     AVStream& stream_;
     AudioContainer container_;
     Encoding encoding_;
+    bool isOggVorbis_ = false;
     AudioStreamFormat format_;
     ffmpeg::CodecContext codec_;
     ffmpeg::Packet packet_;
@@ -294,8 +307,8 @@ private:
     std::optional<std::uint64_t> declaredFrames_;
     std::optional<std::uint64_t> framesLeft_;
     int codecRate_ = 0; ///< Hz
-    bool rateKnown_ = false;
-    bool packetSeen_ = false;
+    bool isRateKnown_ = false;
+    bool hasSeenPacket_ = false;
     bool isDraining_ = false;
 };
 
