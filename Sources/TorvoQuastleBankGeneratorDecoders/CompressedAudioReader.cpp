@@ -5,6 +5,7 @@
 #include "MediaInput.h"
 
 #include <algorithm>
+#include <array>
 #include <new>
 #include <sstream>
 
@@ -48,6 +49,9 @@ constexpr Encoding encodings[] = {
     {AV_CODEC_ID_WMAV2},
     {AV_CODEC_ID_WAVPACK},
     {AV_CODEC_ID_TTA},
+    {AV_CODEC_ID_MUSEPACK8},
+    {AV_CODEC_ID_GSM_MS},
+    {AV_CODEC_ID_AMR_NB},
 };
 
 const Encoding& encodingOf(AVCodecID codec) {
@@ -104,6 +108,41 @@ std::optional<std::uint64_t> taggedFrameCount(const AVFormatContext& context) {
     return words && count > 0 ? std::optional(count) : std::nullopt;
 }
 
+/// The position of the audio within the decoded frames.
+struct SoundExtent {
+    std::size_t delay = 0; ///< frames before frame 0
+    std::optional<std::uint64_t> frameCount;
+};
+
+/// Reads the exact extent from the Musepack SV8 stream header, because FFmpeg rounds the length to
+/// whole packets. The header consists of "MPCK", "SH", the header size, a checksum, the version,
+/// the sample count and the number of leading silent samples. Numbers are stored with seven bits
+/// per byte, most significant first.
+SoundExtent musepackExtent(const ByteSource& bytes, std::uint64_t offset) {
+    std::array<std::byte, 40> header{};
+    bytes.read(offset, header);
+    std::size_t position = 6;
+    const auto nextNumber = [&] {
+        std::uint64_t value = 0;
+        bool hasMore = true;
+        while (hasMore && position < header.size()) {
+            const auto byte = std::to_integer<std::uint64_t>(header[position++]);
+            value = value << 7 | (byte & 0x7F);
+            hasMore = (byte & 0x80) != 0;
+        }
+        return value;
+    };
+    nextNumber();
+    constexpr std::size_t checksumAndVersion = 5;
+    position += checksumAndVersion;
+    const std::uint64_t sampleCount = nextNumber();
+    const std::uint64_t silence = nextNumber();
+    constexpr std::size_t filterDelay = 481;
+    if (sampleCount == 0 || silence > sampleCount)
+        return {filterDelay, std::nullopt};
+    return {filterDelay + static_cast<std::size_t>(silence), sampleCount - silence};
+}
+
 } // namespace
 
 class CompressedAudioReader::Decoder {
@@ -128,7 +167,13 @@ public:
         if (format_.channels <= 0 || format_.sampleRate < lowestSampleRate ||
             format_.sampleRate > highestSampleRate)
             throw AudioError::invalidData();
-        declaredFrames_ = declaredFrameCount();
+        if (container_ == AudioContainer::musepack) {
+            const SoundExtent extent = musepackExtent(bytes, type.offset);
+            skipFrames(extent.delay);
+            declaredFrames_ = extent.frameCount;
+        } else {
+            declaredFrames_ = declaredFrameCount();
+        }
         framesLeft_ = declaredFrames_;
     }
 

@@ -40,6 +40,10 @@ const char* demuxerName(AudioContainer container) {
         return "wv";
     case AudioContainer::trueAudio:
         return "tta";
+    case AudioContainer::musepack:
+        return "mpc8";
+    case AudioContainer::amr:
+        return "amr";
     case AudioContainer::au:
         return "au";
     case AudioContainer::matroska:

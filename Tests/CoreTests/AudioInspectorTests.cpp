@@ -243,7 +243,22 @@ TEST(AudioInspector, readsTheFactsOfEveryOtherFormat) {
     }
 }
 
-TEST(AudioInspector, findsAudioBehindTagsAndPadding) {
+// FFmpeg's output differs from that of the format's own decoder, or the format cannot be identified
+// reliably.
+TEST(AudioInspector, rejectsFormatsWithoutAFaithfulDecoder) {
+    const TemporaryFolder folder;
+    folder.write("a.wav", wavOf(8000, testSignal(16'000)));
+    runTool(folder.path(), "speexenc --quiet a.wav a.spx 2>/dev/null");
+    runTool(folder.path(), "sox a.wav a.gsm");
+    runTool(folder.path(), "sndfile-convert -gsm610 a.wav gsm.aiff");
+    encode(folder, "a.wav", "-ar 48000", "a.ac3");
+    encode(folder, "a.wav", "-ar 48000 -c:a ac3", "ac3.mka");
+    folder.write("wide.amr", "#!AMR-WB\n" + std::string(500, 'x'));
+    for (const char* const name : {"a.spx", "a.gsm", "gsm.aiff", "a.ac3", "ac3.mka", "wide.amr"})
+        EXPECT_FALSE(isReadable(folder / name)) << name;
+}
+
+TEST(AudioInspector, findsAudioAfterTagsAndPadding) {
     const TemporaryFolder folder;
     folder.write("source.wav", wavOf(44100, testSignal(22050)));
     encode(folder, "source.wav",

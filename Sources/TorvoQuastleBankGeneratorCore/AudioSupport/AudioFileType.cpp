@@ -34,6 +34,8 @@ constexpr std::array magics = {
     Magic{AudioContainer::caf, "caff\0\1"sv},
     Magic{AudioContainer::wavPack, "wvpk"sv},
     Magic{AudioContainer::trueAudio, "TTA1"sv, 0, ""sv, true},
+    Magic{AudioContainer::musepack, "MPCKSH"sv},
+    Magic{AudioContainer::amr, "#!AMR\n"sv},
     Magic{AudioContainer::au, ".snd"sv},
     Magic{AudioContainer::asf,
           "\x30\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C"sv},

@@ -20,6 +20,8 @@ enum class AudioContainer {
     asf, ///< Windows Media Audio
     wavPack,
     trueAudio,
+    musepack, ///< stream version 8
+    amr,      ///< narrowband, one channel
     au,
     matroska,  ///< and WebM
     mpegAudio, ///< layers II and III without a container
