@@ -28,7 +28,9 @@ void stamp(const MemoryFileManager& files) {
 void checkConverted(const MemoryFileManager& files) {
     const auto bytes = files.contentOf(destination.path());
     require(bytes != nullptr, "a converted file is there");
-    const auto data = findDataChunk(MemoryByteSource(*bytes));
+    const auto found = findDataChunk(MemoryByteSource(*bytes));
+    require(std::holds_alternative<RiffChunk>(found), "a converted file has a data chunk");
+    const auto& data = std::get<RiffChunk>(found);
     require(data.payloadEnd() == bytes->size(), "the header tells the size of the file");
     require(data.payloadSize % 2 == 0, "whole frames");
 }
@@ -55,7 +57,7 @@ void prepareAnything(std::span<const std::byte> bytes) {
     if (std::holds_alternative<CompatibleWav>(sample.compatibility)) {
         preparer.prepare(sample, destination);
         stamp(*files);
-        // From here on as if it were damaged elsewhere: converting it must be safe as well.
+        // Converting a compatible file must be safe as well.
         sample.compatibility = RequiresConversion{"any"};
     }
     try {

@@ -31,6 +31,11 @@ bool isDeviceDepth(const AudioFormatDetails& details) {
     return details.bitDepth == 16 || details.bitDepth == 24;
 }
 
+
+bool isStampableFile(const FileManager& fileManager, const FileURL& url) {
+    const auto file = fileManager.open(url.path(), OpenMode::read);
+    return isStampable(FileByteSource(*file));
+}
 } // namespace
 
 AVAudioFileInspector::AVAudioFileInspector(std::shared_ptr<const FileManager> fileManager)
@@ -47,14 +52,8 @@ AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& url) co
         const AudioStreamFormat format = openAudio(bytes, *type)->format();
         AudioFormatDetails details{text::lowercased(url.pathExtension()), format.sampleRate,
                                    format.channels, format.bitDepth, format.isLinearPCM};
-        // It would be copied unchanged, and then its stamp would fail and end the run.
-        if (std::holds_alternative<CompatibleWav>(
-                AudioCompatibilityEvaluator{}.compatibility(details)))
-            findDataChunk(bytes);
         return details;
     } catch (const AudioError&) {
-        throw GenerationError::unsupportedAudio(url);
-    } catch (const GenerationError&) {
         throw GenerationError::unsupportedAudio(url);
     }
 }
@@ -91,11 +90,12 @@ AVAudioSamplePreparer::AVAudioSamplePreparer(std::shared_ptr<const FileManager> 
 
 SamplePreparationMode AVAudioSamplePreparer::prepare(const SampleCandidate& sample,
                                                      const FileURL& destinationURL) const {
-    if (std::holds_alternative<RequiresConversion>(sample.compatibility)) {
+    removeExisting(*fileManager_, destinationURL);
+    if (std::holds_alternative<RequiresConversion>(sample.compatibility) ||
+        !isStampableFile(*fileManager_, sample.sourceURL)) {
         convertFile(*fileManager_, sample.sourceURL, destinationURL);
         return SamplePreparationMode::converted;
     }
-    removeExisting(*fileManager_, destinationURL);
     fileManager_->copyItem(sample.sourceURL.path(), destinationURL.path());
     return SamplePreparationMode::copied;
 }

@@ -58,7 +58,9 @@ public:
     forRun(const std::vector<BankRecipe>& recipes) const;
 };
 
-/// Copies what the device plays and converts everything else to WAV, 44100 Hz, 16-bit, mono.
+/// Copies files that the device plays and converts all others to 44100 Hz, 16-bit mono WAV. Also
+/// converts a compatible WAV file for which `isStampable` is false (truncated, written to a pipe,
+/// or RF64), using the audio that it contains.
 class AVAudioSamplePreparer final : public AudioFilePreparing {
 public:
     explicit AVAudioSamplePreparer(

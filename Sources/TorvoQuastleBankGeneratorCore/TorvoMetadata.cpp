@@ -148,11 +148,26 @@ std::vector<std::byte> chunkWith(const Payload& payload) {
     return chunk;
 }
 
-/// The RIFF size is never touched, also when the file grows: the device does not read it, and files
-/// stamped long ago stay byte for byte what they were.
+RiffChunk dataChunk(const ByteSource& bytes) {
+    const auto found = findDataChunk(bytes);
+    if (const auto* const data = std::get_if<RiffChunk>(&found))
+        return *data;
+    switch (std::get<DataChunkFault>(found)) {
+    case DataChunkFault::notRiffWave:
+        throw GenerationError::exportFailed("Not a RIFF/WAVE file.");
+    case DataChunkFault::invalidChunkSize:
+        throw GenerationError::exportFailed("Invalid WAV chunk size.");
+    case DataChunkFault::noDataChunk:
+        break;
+    }
+    throw GenerationError::exportFailed("WAV data chunk not found.");
+}
+
+/// Intended: the RIFF size is not updated when the file grows. The device ignores it, and files
+/// stamped by earlier versions keep the same bytes.
 Edit busyChunkEdit(const ByteSource& bytes, const TorvoMetadataOptions& options,
                    std::optional<std::int64_t> channel) {
-    const auto data = findDataChunk(bytes);
+    const auto data = dataChunk(bytes);
     const auto busy = findBusyChunk(bytes);
     const bool hasFullPayload = busy && busy->payloadSize == payloadSize;
 

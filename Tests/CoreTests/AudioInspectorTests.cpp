@@ -106,10 +106,6 @@ TEST(AudioInspector, takesTheExtensionFromTheNameAndTheRestFromTheBytes) {
 
 TEST(AudioInspector, rejectsWhatIsNoAudio) {
     const auto frames = testSignal(100);
-    const auto cut = [](Bytes file, std::size_t count) {
-        file.resize(file.size() - count);
-        return file;
-    };
     const auto guidOfAnotherFamily = [] {
         auto tail = extensibleTail(16, 1);
         tail.back() ^= std::byte{1};
@@ -146,12 +142,6 @@ TEST(AudioInspector, rejectsWhatIsNoAudio) {
          riffFile({riffChunk("fmt ", Bytes(14)), riffChunk("data", Bytes(4))})},
         {"no format", "a.wav", riffFile({riffChunk("data", Bytes(4))})},
         {"no data", "a.wav", riffFile({formatChunk(1, 1, 48000, 2, 16)})},
-        // They would be copied unchanged, and could then not be stamped.
-        {"cut short", "a.wav", cut(wavOf(44100, frames), 1)},
-        {"big-endian", "a.wav", bigEndianWav(44100, frames)},
-        {"64-bit sizes", "a.wav", longWav("RF64", 44100, frames)},
-        {"64-bit sizes of broadcasters", "a.wav", longWav("BW64", 44100, frames)},
-        {"AIFF named WAV", "a.wav", aiffFile(44100, frames)},
     };
     const TemporaryFolder folder;
     folder.write("good.wav", wavOf(44100, frames));

@@ -89,7 +89,7 @@ const std::vector<HostileDocument>& documents() {
         sampleInSource("sampleIsAFolder", "Kicks/", "Is a directory"),
         sampleAt("sampleIsADevice", "file:///dev/zero", "Invalid argument"),
         sampleAt("sampleIsMissing", "file:///nowhere/kick.wav", "No such file"),
-        sampleInSource("sampleIsText", "notes.txt", "Not a RIFF/WAVE file."),
+        sampleInSource("sampleIsText", "notes.txt", "Unable to open source audio file notes.txt."),
         sampleAt("sampleOnTheNetwork", "http://example.invalid/kick.wav", "is no file URL"),
         sampleAt("sampleOnAnotherHost", "file://host/kick.wav", "is no file URL"),
         sampleAt("samplePathRelative", "kick.wav", "is no file URL"),

@@ -1,4 +1,3 @@
-#include "Models/GenerationError.h"
 #include "AudioSupport/RiffChunks.h"
 #include "TemporaryFolder.h"
 #include "WavFixture.h"
@@ -6,20 +5,19 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <optional>
 #include <span>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace torvo::test {
 namespace {
 
-std::string errorOf(std::span<const std::byte> file) {
-    try {
-        findDataChunk(MemoryByteSource(file));
-    } catch (const GenerationError& error) {
-        return error.errorDescription();
-    }
-    return "none";
+std::optional<DataChunkFault> faultOf(std::span<const std::byte> file) {
+    const auto found = findDataChunk(MemoryByteSource(file));
+    const auto* const fault = std::get_if<DataChunkFault>(&found);
+    return fault == nullptr ? std::nullopt : std::optional(*fault);
 }
 
 std::vector<std::byte> headerOnly(std::string_view id, std::uint32_t size) {
@@ -29,7 +27,7 @@ std::vector<std::byte> headerOnly(std::string_view id, std::uint32_t size) {
     return chunk;
 }
 
-TEST(RiffChunks, walksOverThePadByteOfAnOddChunk) {
+TEST(RiffChunks, skipsThePadByteOfAnOddChunk) {
     const auto file = riffFile({riffChunk("odd ", bytes("abc")), riffChunk("data", bytes("wxyz"))});
     const MemoryByteSource source(file);
     RiffChunkWalk walk(source);
@@ -46,7 +44,7 @@ TEST(RiffChunks, walksOverThePadByteOfAnOddChunk) {
     EXPECT_FALSE(walk.next());
 }
 
-TEST(RiffChunks, returnsAChunkThatRunsPastTheEndAsTheLast) {
+TEST(RiffChunks, returnsATruncatedChunkAsTheLast) {
     auto file = riffFile({headerOnly("LIST", 9), riffChunk("data", {})});
     const MemoryByteSource source(file);
     RiffChunkWalk walk(source);
@@ -56,7 +54,7 @@ TEST(RiffChunks, returnsAChunkThatRunsPastTheEndAsTheLast) {
     EXPECT_FALSE(walk.next());
 }
 
-TEST(RiffChunks, aChunkMayEndExactlyAtTheEnd) {
+TEST(RiffChunks, acceptsAChunkThatEndsAtTheEndOfTheFile) {
     const auto file = riffFile({headerOnly("LIST", 8), riffChunk("data", {})});
     const MemoryByteSource source(file);
     RiffChunkWalk walk(source);
@@ -64,9 +62,9 @@ TEST(RiffChunks, aChunkMayEndExactlyAtTheEnd) {
     EXPECT_FALSE(walk.next());
 }
 
-TEST(RiffChunks, theLargestSizeDoesNotWrapAround) {
+TEST(RiffChunks, doesNotOverflowOnTheMaximumSize) {
     const auto file = riffFile({headerOnly("LIST", 0xFFFFFFFF), riffChunk("data", {})});
-    EXPECT_EQ(errorOf(file), "Invalid WAV chunk size.");
+    EXPECT_EQ(faultOf(file), DataChunkFault::invalidChunkSize);
 }
 
 TEST(RiffChunks, readsBigEndianSizes) {
@@ -86,7 +84,7 @@ TEST(RiffChunks, readsIntegersInBothOrders) {
     EXPECT_EQ(readUInt16(two, ByteOrder::big), 0x8102U);
 }
 
-TEST(RiffChunks, findsTheDataChunkOrSaysWhatIsWrong) {
+TEST(RiffChunks, findsTheDataChunkOrReturnsTheFault) {
     const auto good = riffFile({riffChunk("data", bytes("abcd"))});
     auto noRiff = good;
     noRiff[0] = std::byte{'X'};
@@ -98,46 +96,73 @@ TEST(RiffChunks, findsTheDataChunkOrSaysWhatIsWrong) {
     struct Row {
         const char* name;
         std::vector<std::byte> file;
-        const char* error;
+        std::optional<DataChunkFault> fault;
     };
     const std::vector<Row> rows = {
-        {"a data chunk", good, "none"},
-        {"an empty data chunk", riffFile({riffChunk("data", {})}), "none"},
+        {"a data chunk", good, std::nullopt},
+        {"an empty data chunk", riffFile({riffChunk("data", {})}), std::nullopt},
         {"a cut chunk behind the data",
-         riffFile({riffChunk("data", bytes("ab")), headerOnly("LIST", 100)}), "none"},
-        {"nothing", {}, "Not a RIFF/WAVE file."},
-        {"eleven bytes", firstBytes(11), "Not a RIFF/WAVE file."},
-        {"another form", noRiff, "Not a RIFF/WAVE file."},
-        {"another type", noWave, "Not a RIFF/WAVE file."},
-        {"twelve bytes", firstBytes(12), "WAV data chunk not found."},
-        {"nineteen bytes", firstBytes(19), "WAV data chunk not found."},
+         riffFile({riffChunk("data", bytes("ab")), headerOnly("LIST", 100)}), std::nullopt},
+        {"nothing", {}, DataChunkFault::notRiffWave},
+        {"eleven bytes", firstBytes(11), DataChunkFault::notRiffWave},
+        {"another form", noRiff, DataChunkFault::notRiffWave},
+        {"another type", noWave, DataChunkFault::notRiffWave},
+        {"twelve bytes", firstBytes(12), DataChunkFault::noDataChunk},
+        {"nineteen bytes", firstBytes(19), DataChunkFault::noDataChunk},
         {"only other chunks", riffFile({riffChunk("fmt ", bytes("ab"))}),
-         "WAV data chunk not found."},
+         DataChunkFault::noDataChunk},
         {"a name that differs in case", riffFile({riffChunk("DATA", bytes("ab"))}),
-         "WAV data chunk not found."},
-        {"a data chunk one byte short", firstBytes(good.size() - 1), "Invalid WAV chunk size."},
+         DataChunkFault::noDataChunk},
+        {"a data chunk one byte short", firstBytes(good.size() - 1),
+         DataChunkFault::invalidChunkSize},
     };
     for (const Row& row : rows)
-        EXPECT_EQ(errorOf(row.file), row.error) << row.name;
+        EXPECT_EQ(faultOf(row.file), row.fault) << row.name;
 }
 
-TEST(RiffChunks, readsAFileBehindItsFirstBlock) {
+TEST(RiffChunks, readsBeyondTheFirstBlock) {
     const TemporaryFolder folder;
     const std::vector<std::byte> padding(5001, std::byte{7});
     const auto path = folder.write(
         "far.wav", riffFile({riffChunk("junk", padding), riffChunk("data", bytes("wxyz"))}));
     const auto file = systemFileManager()->open(path, OpenMode::read);
     const FileByteSource source(*file);
-    const auto data = findDataChunk(source);
+    const auto data = std::get<RiffChunk>(findDataChunk(source));
     std::vector<std::byte> payload(10);
     EXPECT_EQ(source.read(data.payloadOffset(), payload), 4U);
     payload.resize(4);
     EXPECT_EQ(payload, bytes("wxyz"));
     EXPECT_EQ(source.read(source.size() + 5, payload), 0U);
-    // Across the edge of the first block.
+    // Across the end of the first block.
     std::vector<std::byte> across(8);
     EXPECT_EQ(source.read(4092, across), 8U);
     EXPECT_EQ(across, std::vector<std::byte>(8, std::byte{7}));
+}
+
+TEST(RiffChunks, distinguishesChunksFromOtherBytes) {
+    struct Row {
+        const char* name;
+        std::vector<std::byte> file;
+        bool expected;
+    };
+    const auto chunk = riffChunk("LIST", bytes("abc"));
+    const auto bad = headerOnly(std::string_view("LI\x7F"
+                                                 "T",
+                                                 4),
+                                0);
+    const Row rows[] = {
+        {"nothing", {}, true},
+        {"two chunks", riffFile({chunk, chunk}), true},
+        {"seven bytes more", riffFile({chunk, bytes("1234567")}), true},
+        {"eight zeros", riffFile({chunk, std::vector<std::byte>(8)}), false},
+        {"an id that is not printable", riffFile({bad}), false},
+        {"a chunk past the end", riffFile({headerOnly("LIST", 1)}), false},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(isChunkSequence(MemoryByteSource(row.file), 12), row.expected) << row.name;
+    const auto bigEndian = riffFile({headerOnly("abcd", 0x02000000), bytes("xy")});
+    EXPECT_TRUE(isChunkSequence(MemoryByteSource(bigEndian), 12, ByteOrder::big));
+    EXPECT_FALSE(isChunkSequence(MemoryByteSource(bigEndian), 12));
 }
 
 } // namespace

@@ -64,7 +64,30 @@ TEST(SamplePreparer, replacesWhatStandsAtTheDestination) {
     }
 }
 
-TEST(SamplePreparer, noFramesGiveAnEmptyFile) {
+TEST(SamplePreparer, removesTheDestinationBeforeTheSourceIsOpened) {
+    const TemporaryFolder folder;
+    const auto missing = folder / "missing.wav";
+    for (const auto& sample : {sampleToCopy(missing), sampleToConvert(missing)}) {
+        const auto destination = folder.write("b.wav", "old");
+        EXPECT_ANY_THROW(AVAudioSamplePreparer{}.prepare(sample, FileURL(destination)));
+        EXPECT_FALSE(fs::exists(destination));
+    }
+}
+
+TEST(SamplePreparer, removesADanglingLinkAtTheDestination) {
+    const TemporaryFolder folder;
+    const auto source = folder.write("a.wav", wavFile({44100, 1, 16}, 100));
+    for (const auto& sample : {sampleToCopy(source), sampleToConvert(source)}) {
+        fs::remove(folder / "b.wav");
+        fs::create_symlink(folder / "elsewhere.wav", folder / "b.wav");
+        AVAudioSamplePreparer{}.prepare(sample, FileURL(folder / "b.wav"));
+        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder / "b.wav")));
+        EXPECT_EQ(bytesOf(folder / "b.wav"), bytesOf(source));
+        EXPECT_FALSE(fs::exists(folder / "elsewhere.wav"));
+    }
+}
+
+TEST(SamplePreparer, writesAnEmptyFileForNoFrames) {
     const TemporaryFolder folder;
     for (const unsigned rate : {44100U, 48000U}) {
         const auto source = folder.write("a.wav", wavFile({rate, 2, 24}, 0));

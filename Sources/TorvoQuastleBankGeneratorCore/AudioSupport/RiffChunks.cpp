@@ -1,7 +1,5 @@
 #include "AudioSupport/RiffChunks.h"
 
-#include "Models/GenerationError.h"
-
 #include <algorithm>
 
 namespace torvo {
@@ -11,18 +9,19 @@ namespace {
 constexpr std::size_t chunkHeaderSize = 8;
 constexpr std::size_t formHeaderSize = 12;
 
-bool spells(std::span<const std::byte> bytes, std::string_view text) {
+bool matchesText(std::span<const std::byte> bytes, std::string_view text) {
     return std::ranges::equal(bytes, std::as_bytes(std::span(text)));
 }
 
-/// The part of `from` at `offset`, as far as it goes.
-std::size_t copyRange(std::span<const std::byte> from, std::uint64_t offset,
-                      std::span<std::byte> to) {
-    if (offset >= from.size())
+/// Copies bytes of `source` from `offset` on into `destination`. Returns the number of bytes
+/// copied.
+std::size_t copyRange(std::span<const std::byte> source, std::uint64_t offset,
+                      std::span<std::byte> destination) {
+    if (offset >= source.size())
         return 0;
-    const auto part = from.subspan(static_cast<std::size_t>(offset));
-    const std::size_t count = std::min(part.size(), to.size());
-    std::copy_n(part.begin(), count, to.begin());
+    const auto part = source.subspan(static_cast<std::size_t>(offset));
+    const std::size_t count = std::min(part.size(), destination.size());
+    std::copy_n(part.begin(), count, destination.begin());
     return count;
 }
 
@@ -61,23 +60,41 @@ std::optional<RiffChunk> RiffChunkWalk::next() {
     return chunk;
 }
 
-bool beginsAsRiffWave(const ByteSource& bytes) {
+bool isRiffWave(const ByteSource& bytes) {
     std::array<std::byte, formHeaderSize> header;
-    return bytes.read(0, header) == header.size() && spells(std::span(header).first<4>(), "RIFF") &&
-           spells(std::span(header).last<4>(), "WAVE");
+    return bytes.read(0, header) == header.size() &&
+           matchesText(std::span(header).first<4>(), "RIFF") &&
+           matchesText(std::span(header).last<4>(), "WAVE");
 }
 
-RiffChunk findDataChunk(const ByteSource& bytes) {
-    if (!beginsAsRiffWave(bytes))
-        throw GenerationError::exportFailed("Not a RIFF/WAVE file.");
+std::variant<RiffChunk, DataChunkFault> findDataChunk(const ByteSource& bytes) {
+    if (!isRiffWave(bytes))
+        return DataChunkFault::notRiffWave;
     RiffChunkWalk walk(bytes);
     while (const auto chunk = walk.next()) {
         if (!walk.fits(*chunk))
-            throw GenerationError::exportFailed("Invalid WAV chunk size.");
+            return DataChunkFault::invalidChunkSize;
         if (chunk->is("data"))
             return *chunk;
     }
-    throw GenerationError::exportFailed("WAV data chunk not found.");
+    return DataChunkFault::noDataChunk;
+}
+
+bool isChunkSequence(const ByteSource& bytes, std::uint64_t offset, ByteOrder order) {
+    const auto isPrintable = [](char character) { return character >= ' ' && character <= '~'; };
+    RiffChunkWalk walk(bytes, order, offset);
+    while (const auto chunk = walk.next()) {
+        if (!walk.fits(*chunk) || !std::ranges::all_of(chunk->id, isPrintable))
+            return false;
+    }
+    return true;
+}
+
+bool isStampable(const ByteSource& bytes) {
+    const auto found = findDataChunk(bytes);
+    const auto* const data = std::get_if<RiffChunk>(&found);
+    return data != nullptr &&
+           (data->payloadSize > 0 || isChunkSequence(bytes, data->payloadOffset()));
 }
 
 std::uint32_t readUInt32(std::span<const std::byte, 4> bytes, ByteOrder order) {

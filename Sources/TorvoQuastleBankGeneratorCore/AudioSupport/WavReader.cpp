@@ -18,8 +18,8 @@ using Decode = void (*)(std::span<const std::byte>, std::size_t, std::span<doubl
 constexpr std::uint16_t integerTag = 1;
 constexpr std::uint16_t floatTag = 3;
 constexpr std::uint16_t extensibleTag = 0xFFFE;
-constexpr std::uint32_t sizeStandsElsewhere = 0xFFFFFFFF;
-// One frame may have 65,535 channels.
+constexpr std::uint32_t sizeIsInDs64 = 0xFFFFFFFF;
+// Large enough for several frames with the maximum of 65,535 channels in 8 bits.
 constexpr std::size_t blockSize = std::size_t{256} * 1024; // bytes
 
 struct FormatChunk {
@@ -169,9 +169,13 @@ Layout findChunks(const ByteSource& bytes, ByteOrder order) {
         else if (chunk->is("data") && !data)
             data = chunk;
     }
+    const std::uint64_t offset = data->payloadOffset();
+    const std::uint64_t available = bytes.size() - offset;
     const std::uint64_t size =
-        data->payloadSize == sizeStandsElsewhere && longSize ? *longSize : data->payloadSize;
-    return {*format, data->payloadOffset(), std::min(size, bytes.size() - data->payloadOffset())};
+        data->payloadSize == sizeIsInDs64 && longSize ? *longSize : data->payloadSize;
+    // Programs that write to a pipe cannot seek back to fill in the size.
+    const bool isSizeMissing = size == 0 && !isChunkSequence(bytes, offset, order);
+    return {*format, offset, isSizeMissing ? available : std::min(size, available)};
 }
 
 ByteOrder byteOrder(const ByteSource& bytes) {

@@ -7,11 +7,11 @@
 
 namespace torvo {
 
-/// Integer (8 bits unsigned, 16, 24, 32) and float (32, 64) PCM in WAV files: RIFF and RIFX
-/// (Microsoft/IBM, RIFF, 1991), the extensible
-/// format chunk (Microsoft, Multiple Channel Audio Data and WAVE Files), RF64 and BW64 (EBU Tech
-/// 3306, ITU-R BS.2088). The first "fmt " and the first "data" chunk count; a "data" chunk that
-/// runs past the end is read as far as the file goes.
+/// Reads integer (8-bit unsigned; 16, 24 and 32-bit signed) and float (32 and 64-bit) PCM from WAV
+/// files: RIFF and RIFX (Microsoft/IBM, RIFF, 1991), the extensible format chunk (Microsoft,
+/// Multiple Channel Audio Data and WAVE Files), RF64 and BW64 (EBU Tech 3306, ITU-R BS.2088). Uses
+/// the first "fmt " and the first "data" chunk. A "data" chunk that runs past the end of the file,
+/// or whose size was never filled in, is read up to the end of the file.
 class WavReader final : public AudioReader {
 public:
     /// Null when the encoding is none of these; `AudioError` when there is no usable format chunk
