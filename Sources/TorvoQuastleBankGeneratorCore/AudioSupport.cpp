@@ -31,11 +31,17 @@ bool isDeviceDepth(const AudioFormatDetails& details) {
     return details.bitDepth == 16 || details.bitDepth == 24;
 }
 
+bool willBeCopied(const AudioFormatDetails& details, const ByteSource& bytes) {
+    return std::holds_alternative<CompatibleWav>(
+               AudioCompatibilityEvaluator{}.compatibility(details)) &&
+           isStampable(bytes);
+}
 
 bool isStampableFile(const FileManager& fileManager, const FileURL& url) {
     const auto file = fileManager.open(url.path(), OpenMode::read);
     return isStampable(FileByteSource(*file));
 }
+
 } // namespace
 
 AVAudioFileInspector::AVAudioFileInspector(std::shared_ptr<const FileManager> fileManager)
@@ -49,9 +55,13 @@ AudioFormatDetails AVAudioFileInspector::inspectAudioFile(const FileURL& url) co
     if (!type)
         throw GenerationError::unsupportedAudio(url);
     try {
-        const AudioStreamFormat format = openAudio(bytes, *type)->format();
+        const auto reader = openAudio(bytes, *type);
+        const AudioStreamFormat& format = reader->format();
         AudioFormatDetails details{text::lowercased(url.pathExtension()), format.sampleRate,
                                    format.channels, format.bitDepth, format.isLinearPCM};
+        // Reject the file now; otherwise the export would fail halfway.
+        if (isTooLongToConvert(*reader) && !willBeCopied(details, bytes))
+            throw GenerationError::unsupportedAudio(url);
         return details;
     } catch (const AudioError&) {
         throw GenerationError::unsupportedAudio(url);

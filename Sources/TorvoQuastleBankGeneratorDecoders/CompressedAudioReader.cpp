@@ -148,7 +148,8 @@ SoundExtent musepackExtent(const ByteSource& bytes, std::uint64_t offset) {
 class CompressedAudioReader::Decoder {
 public:
     Decoder(const ByteSource& bytes, const AudioFileType& type)
-        : input_(bytes, type),
+        : byteCount_(bytes.size()),
+          input_(bytes, type),
           stream_(chooseStream(input_.context())),
           container_(type.container),
           encoding_(encodingOf(stream_.codecpar->codec_id)),
@@ -164,8 +165,8 @@ public:
             checkPCMLayout();
         else
             decodeFirstFrame();
-        if (format_.channels <= 0 || format_.sampleRate < lowestSampleRate ||
-            format_.sampleRate > highestSampleRate)
+        if (format_.channels <= 0 || format_.sampleRate < minSampleRate ||
+            format_.sampleRate > maxSampleRate)
             throw AudioError::invalidData();
         if (container_ == AudioContainer::musepack) {
             const SoundExtent extent = musepackExtent(bytes, type.offset);
@@ -178,7 +179,26 @@ public:
     }
 
     const AudioStreamFormat& format() const { return format_; }
-    std::optional<std::uint64_t> declaredFrames() const { return declaredFrames_; }
+
+    /// The declared length, limited to what the size of the file allows: programs that write to a
+    /// pipe do not know the length and declare the maximum.
+    std::optional<std::uint64_t> expectedFrames() const {
+        if (isUncompressed(encoding_)) {
+            const auto frameSize =
+                static_cast<std::uint64_t>(format_.channels * encoding_.bitDepth / 8);
+            const std::uint64_t available = byteCount_ / frameSize;
+            return std::min(declaredFrames_.value_or(available), available);
+        }
+        constexpr double minByteRate =
+            100; // bytes per second; even encoded silence has a higher rate
+        const double maxSeconds = static_cast<double>(byteCount_) / minByteRate;
+        constexpr double ordinarySeconds = 48'000;
+        const auto frames = declaredFrames_ ? declaredFrames_ : approximateFrameCount();
+        const bool isCredible =
+            frames && static_cast<double>(*frames) <=
+                          std::max(ordinarySeconds, maxSeconds) * format_.sampleRate;
+        return isCredible ? frames : std::nullopt;
+    }
 
     std::size_t read(std::span<double> frames) {
         if (framesLeft_ && *framesLeft_ < frames.size())
@@ -274,16 +294,21 @@ private:
             if (const auto tagged = taggedFrameCount(input_.context()))
                 return tagged;
         }
-        // A clock of milliseconds cannot tell a frame. (The clock of AAC with spectral band
-        // replication ticks at half the rate.)
-        const AVRational frameTime{1, static_cast<int>(format_.sampleRate)};
-        const bool isExact = av_cmp_q(stream_.time_base, av_mul_q(frameTime, {2, 1})) <= 0;
-        // No length at all is what a header says that was written before its sound.
-        if (stream_.duration == AV_NOPTS_VALUE || stream_.duration <= 0 || !isExact)
+        // A time base in milliseconds is too coarse for a frame count. The factor 2 allows for AAC
+        // with spectral band replication, whose time base has half the sample rate.
+        const bool isExact = av_cmp_q(stream_.time_base, av_mul_q(frameTime(), {2, 1})) <= 0;
+        return isExact ? approximateFrameCount() : std::nullopt;
+    }
+
+    std::optional<std::uint64_t> approximateFrameCount() const {
+        // Headers written before the audio declare no duration or a duration of 0.
+        if (stream_.duration == AV_NOPTS_VALUE || stream_.duration <= 0)
             return std::nullopt;
         return static_cast<std::uint64_t>(
-            av_rescale_q(stream_.duration, stream_.time_base, frameTime));
+            av_rescale_q(stream_.duration, stream_.time_base, frameTime()));
     }
+
+    AVRational frameTime() const { return {1, static_cast<int>(format_.sampleRate)}; }
 
     std::size_t frameLength() const { return static_cast<std::size_t>(frame_->nb_samples); }
 
@@ -339,6 +364,7 @@ private:
             throw std::bad_alloc();
     }
 
+    std::uint64_t byteCount_;
     MediaInput input_;
     AVStream& stream_;
     AudioContainer container_;
@@ -367,13 +393,7 @@ const AudioStreamFormat& CompressedAudioReader::format() const {
 }
 
 std::optional<std::uint64_t> CompressedAudioReader::expectedFrameCount() const {
-    // Who writes into a pipe cannot know how much will come, and claims the most: a claim that no
-    // device file could hold says nothing.
-    constexpr double longestRecording = 48'000; // seconds
-    const auto declared = decoder_->declaredFrames();
-    const bool isCredible =
-        declared && static_cast<double>(*declared) <= longestRecording * format().sampleRate;
-    return isCredible ? declared : std::nullopt;
+    return decoder_->expectedFrames();
 }
 
 std::size_t CompressedAudioReader::read(std::span<double> frames) {

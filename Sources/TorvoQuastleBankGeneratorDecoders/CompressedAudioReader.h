@@ -15,7 +15,7 @@ public:
     ~CompressedAudioReader() override;
 
     const AudioStreamFormat& format() const override;
-    /// As the header tells, if that is credible.
+    /// The declared length. Empty when it is missing or implausible for the size of the file.
     std::optional<std::uint64_t> expectedFrameCount() const override;
     /// Damaged packets are passed over.
     std::size_t read(std::span<double> frames) override;

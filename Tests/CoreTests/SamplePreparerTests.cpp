@@ -117,8 +117,8 @@ TEST(SamplePreparer, namesADestinationThatCannotBeCreated) {
 
 TEST(SamplePreparer, refusesMoreAudioThanTheFormatHolds) {
     const TemporaryFolder folder;
-    // At one frame a second every frame becomes 44,100.
-    const auto source = folder.write("slow.wav", wavFile({1, 1, 8}, 50'000));
+    // At the lowest rate, every frame becomes 441 frames.
+    const auto source = folder.write("slow.wav", wavFile({100, 1, 8}, 4'869'578));
     EXPECT_EQ(failureOf(AVAudioSamplePreparer{}, sampleToConvert(source), folder / "b.wav"),
               "Unable to configure destination audio conversion. (OSStatus -27)");
     EXPECT_EQ(fs::file_size(folder / "b.wav"), 0U);

@@ -10,7 +10,7 @@ namespace torvo {
 
 /// What is stored, before any decoding.
 struct AudioStreamFormat {
-    double sampleRate = 0; ///< Hz, from `lowestSampleRate` to `highestSampleRate`
+    double sampleRate = 0; ///< Hz, from `minSampleRate` to `maxSampleRate`
     std::int64_t channels = 0;
     /// The container's bits for integer and float PCM, 8 for A-law and mu-law, 0 for the rest.
     std::int64_t bitDepth = 0;
@@ -18,9 +18,10 @@ struct AudioStreamFormat {
     bool isLinearPCM = false;
 };
 
-// No recording is outside of these; a file that claims so only costs time or space.
-constexpr double lowestSampleRate = 1;
-constexpr double highestSampleRate = 16'000'000;
+// Headers with a rate outside these limits are treated as damaged: at 1 Hz, a short file would be
+// converted to hours of audio.
+constexpr double minSampleRate = 100;
+constexpr double maxSampleRate = 16'000'000;
 
 /// One audio file being decoded from its first frame to its last, mixed to mono. Functions throw
 /// `AudioError`, or the `FileError` of the bytes below.

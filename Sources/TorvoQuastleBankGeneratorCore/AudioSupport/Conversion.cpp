@@ -18,6 +18,12 @@ std::int16_t rounded(double sample) {
         std::lrint(std::clamp(sample * fullScale, -fullScale, fullScale - 1)));
 }
 
+/// The size of `frames` 16-bit frames in bytes, saturated.
+std::uint64_t dataSizeOf(std::uint64_t frames) {
+    return std::min<std::uint64_t>(frames, UINT64_MAX / sizeof(std::int16_t)) *
+           sizeof(std::int16_t);
+}
+
 } // namespace
 
 ConversionSource::ConversionSource(const FileManager& fileManager, const FileURL& url) {
@@ -37,10 +43,7 @@ void ConversionSource::configure() {
 
 std::optional<std::uint64_t> ConversionSource::expectedDataSize() const {
     const auto frames = resampler_->expectedFrameCount();
-    if (!frames)
-        return std::nullopt;
-    return std::min<std::uint64_t>(*frames, UINT64_MAX / sizeof(std::int16_t)) *
-           sizeof(std::int16_t);
+    return frames ? std::optional(dataSizeOf(*frames)) : std::nullopt;
 }
 
 std::size_t ConversionSource::read(std::span<std::byte> block) {
@@ -55,6 +58,14 @@ std::size_t ConversionSource::read(std::span<std::byte> block) {
         block[2 * i + 1] = static_cast<std::byte>(word >> 8);
     }
     return count * sizeof(std::int16_t);
+}
+
+bool isTooLongToConvert(const AudioReader& reader) {
+    const auto frames = reader.expectedFrameCount();
+    if (!frames)
+        return false;
+    const auto rate = static_cast<std::uint64_t>(std::llround(reader.format().sampleRate));
+    return dataSizeOf(resampledFrameCount(*frames, rate)) > maxConvertedDataSize;
 }
 
 ConvertedAudio convertFile(const FileManager& fileManager, const FileURL& source,

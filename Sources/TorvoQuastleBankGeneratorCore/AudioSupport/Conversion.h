@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioSupport/AudioReader.h"
 #include "AudioSupport/Fingerprint.h"
 #include "AudioSupport/Resampler.h"
 #include "AudioSupport/RiffChunks.h"
@@ -45,6 +46,10 @@ struct ConvertedAudio {
 
     friend bool operator==(const ConvertedAudio&, const ConvertedAudio&) = default;
 };
+
+/// Whether the declared length, after conversion, exceeds the maximum size of a WAV file. False
+/// when the file does not declare its length.
+bool isTooLongToConvert(const AudioReader& reader);
 
 /// Converts a file, block by block. What stood at the destination is removed first; what a failure
 /// leaves there stays.

@@ -13,8 +13,6 @@ namespace torvo {
 namespace {
 
 constexpr std::string_view unableToWrite = "Unable to write converted audio data.";
-// The longest recording that the 32-bit sizes of a WAV file can tell, in bytes of audio.
-constexpr std::uint64_t longestConvertedData = 0xFFFFFFFE - (convertedHeaderSize - 8);
 
 class HeaderBytes {
 public:
@@ -70,7 +68,7 @@ ConvertedFileWriter::ConvertedFileWriter(const FileManager& fileManager,
 void ConvertedFileWriter::configure(std::optional<std::uint64_t> expectedDataSize) {
     checkingStatus("Unable to configure destination audio conversion.", [&] {
         headerDataSize_ = expectedDataSize.value_or(0);
-        if (headerDataSize_ > longestConvertedData)
+        if (headerDataSize_ > maxConvertedDataSize)
             throw AudioError(-EFBIG);
         file_->write(0, convertedHeader(static_cast<std::uint32_t>(headerDataSize_)));
     });
@@ -78,7 +76,7 @@ void ConvertedFileWriter::configure(std::optional<std::uint64_t> expectedDataSiz
 
 void ConvertedFileWriter::write(std::span<const std::byte> data) {
     checkingStatus(unableToWrite, [&] {
-        if (data.size() > longestConvertedData - dataSize_)
+        if (data.size() > maxConvertedDataSize - dataSize_)
             throw AudioError(-EFBIG);
         file_->write(convertedHeaderSize + dataSize_, data);
         dataSize_ += data.size();

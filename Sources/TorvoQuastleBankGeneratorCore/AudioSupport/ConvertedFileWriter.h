@@ -14,6 +14,9 @@ namespace torvo {
 
 /// The header of a converted file: RIFF, one "fmt " chunk, the header of "data".
 constexpr std::size_t convertedHeaderSize = 44; // bytes
+/// The maximum size of the audio data, given the 32-bit RIFF size. The RIFF size must be even and
+/// must not be 0xFFFFFFFF, which means "unknown".
+constexpr std::uint64_t maxConvertedDataSize = 0xFFFFFFFE - (convertedHeaderSize - 8); // bytes
 
 /// The header of a WAV file with `dataSize` bytes at 44100 Hz, 16-bit, mono.
 std::array<std::byte, convertedHeaderSize> convertedHeader(std::uint32_t dataSize);

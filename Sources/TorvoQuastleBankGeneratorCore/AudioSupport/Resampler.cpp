@@ -18,19 +18,18 @@ namespace {
 
 constexpr std::size_t blockFrames = 4096;
 constexpr std::uint64_t outputRate = device::sampleRate;
-constexpr std::uint64_t leadInPerSecond = 50; // at least 1/50 s of silence
+constexpr std::uint64_t leadInPerSecond = 50; // the lead-in is at least 1/50 s
 constexpr std::array<double, blockFrames> silence{};
 
-/// frames × 44100 / rate, rounded half up, without overflow.
-std::uint64_t resampledCount(std::uint64_t frames, std::uint64_t rate) {
+} // namespace
+
+std::uint64_t resampledFrameCount(std::uint64_t frames, std::uint64_t rate) {
     const std::uint64_t whole = frames / rate;
     const std::uint64_t rest = frames % rate;
     if (whole > std::numeric_limits<std::uint64_t>::max() / outputRate - 1)
         return std::numeric_limits<std::uint64_t>::max();
     return whole * outputRate + (2 * rest * outputRate + rate) / (2 * rate);
 }
-
-} // namespace
 
 struct Resampler::Filter {
     explicit Filter(double inputRate) {
@@ -58,13 +57,14 @@ Resampler::Resampler(AudioReader& source)
         return;
     filter_ = std::make_unique<Filter>(static_cast<double>(inputRate_));
     input_.resize(blockFrames);
-    // The library's first outputs are wrong when frame 0 is loud and the ratio is no integer. The
-    // silence is a whole number of both rates' periods, so that it can be taken off again exactly.
+    // The first output frames of soxr are wrong when frame 0 is loud and the ratio is not an
+    // integer. Therefore silence is resampled first and discarded. Its length is an integer number
+    // of frames at both rates, so that it can be removed exactly.
     const std::uint64_t divisor = std::gcd(inputRate_, outputRate);
     const std::uint64_t inputPeriod = inputRate_ / divisor;
-    const std::uint64_t leastLeadIn = inputRate_ / leadInPerSecond + 1;
-    // Two positive numbers have a positive divisor and so a period: NOLINTNEXTLINE(*DivideZero)
-    const std::uint64_t periods = (leastLeadIn + inputPeriod - 1) / inputPeriod;
+    const std::uint64_t minLeadIn = inputRate_ / leadInPerSecond + 1;
+    // Both rates are positive, so inputPeriod is too: NOLINTNEXTLINE(*DivideZero)
+    const std::uint64_t periods = (minLeadIn + inputPeriod - 1) / inputPeriod;
     leadInLeft_ = periods * inputPeriod;
     dropLeft_ = periods * (outputRate / divisor);
 }
@@ -73,7 +73,7 @@ Resampler::~Resampler() = default;
 
 std::optional<std::uint64_t> Resampler::expectedFrameCount() const {
     const auto frames = source_.expectedFrameCount();
-    return frames ? std::optional(resampledCount(*frames, inputRate_)) : std::nullopt;
+    return frames ? std::optional(resampledFrameCount(*frames, inputRate_)) : std::nullopt;
 }
 
 std::span<const double> Resampler::nextInput() {
@@ -83,10 +83,10 @@ std::span<const double> Resampler::nextInput() {
         leadInLeft_ -= count;
         return std::span(silence).first(count);
     }
-    if (!sourceEnded_) {
+    if (!hasSourceEnded_) {
         const std::size_t count = source_.read(input_);
         sourceFrames_ += count;
-        sourceEnded_ = count < input_.size();
+        hasSourceEnded_ = count < input_.size();
         if (count > 0)
             return std::span<const double>(input_).first(count);
     }
@@ -99,11 +99,12 @@ std::size_t Resampler::read(std::span<double> frames) {
     std::size_t done = 0;
     std::array<double, blockFrames> dropped;
     while (done < frames.size()) {
-        // Before the length is judged: this may be where the source ends.
+        // Read input before checking the length, because this call may reach the end of the source.
         if (pendingInput_.empty())
             pendingInput_ = nextInput();
-        if (sourceEnded_) {
-            const std::uint64_t left = resampledCount(sourceFrames_, inputRate_) - outputFrames_;
+        if (hasSourceEnded_) {
+            const std::uint64_t left =
+                resampledFrameCount(sourceFrames_, inputRate_) - outputFrames_;
             frames = frames.first(done + static_cast<std::size_t>(
                                              std::min<std::uint64_t>(left, frames.size() - done)));
             if (done == frames.size())

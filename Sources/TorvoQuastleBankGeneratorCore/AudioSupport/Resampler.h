@@ -10,27 +10,31 @@
 
 namespace torvo {
 
-/// A reader's frames at the device's sample rate, without delay: frame 0 stays frame 0, and
-/// frames × 44100 / rate of them come, rounded half up. At the device's rate already they pass
-/// untouched. The result does not depend on how many are asked for at a time.
+/// The number of frames after resampling `frames` frames from `rate` Hz (at least 1) to 44100 Hz:
+/// frames × 44100 / rate, rounded half up and saturated.
+std::uint64_t resampledFrameCount(std::uint64_t frames, std::uint64_t rate);
+
+/// Resamples a reader's frames to 44100 Hz with soxr, without delay: input frame 0 is output frame
+/// 0, and the output has `resampledFrameCount` frames. Input at 44100 Hz passes through unchanged.
+/// The output does not depend on the sizes of the reads.
 class Resampler {
 public:
-    /// `source` outlives the resampler. Throws `AudioError` when there is no filter for its rate.
+    /// `source` must outlive the resampler. Throws `AudioError` when soxr cannot resample its rate.
     explicit Resampler(AudioReader& source);
     ~Resampler();
     Resampler(const Resampler&) = delete;
     Resampler& operator=(const Resampler&) = delete;
 
-    /// Fills `frames`; fewer than asked for come back only at the end. Throws what the source
-    /// throws.
+    /// Reads the next frames. Returns the number of frames read, which is smaller than requested
+    /// only at the end. Throws the source's errors, and `AudioError` when soxr fails.
     std::size_t read(std::span<double> frames);
-    /// How many frames will come, when the source tells.
+    /// The number of output frames. Empty when the source does not know its length.
     std::optional<std::uint64_t> expectedFrameCount() const;
 
 private:
     struct Filter;
 
-    /// Frames of silence, then the source's, then silence again.
+    /// The next input block: the lead-in silence, then the source's frames, then silence.
     std::span<const double> nextInput();
 
     AudioReader& source_;
@@ -38,11 +42,11 @@ private:
     std::unique_ptr<Filter> filter_;
     std::vector<double> input_;
     std::span<const double> pendingInput_;
-    std::uint64_t leadInLeft_ = 0; ///< frames of silence still to be fed
-    std::uint64_t dropLeft_ = 0;   ///< output frames of that silence
+    std::uint64_t leadInLeft_ = 0; ///< frames of lead-in silence not yet sent to soxr
+    std::uint64_t dropLeft_ = 0;   ///< output frames of the lead-in not yet discarded
     std::uint64_t sourceFrames_ = 0;
     std::uint64_t outputFrames_ = 0;
-    bool sourceEnded_ = false;
+    bool hasSourceEnded_ = false;
 };
 
 } // namespace torvo

@@ -206,8 +206,8 @@ std::unique_ptr<WavReader> WavReader::open(const ByteSource& bytes) {
     const std::uint32_t containerBytes =
         format.channels == 0 ? 0U : std::uint32_t{format.blockAlign} / format.channels;
     if (containerBytes == 0 || format.blockAlign % format.channels != 0 ||
-        format.bitsPerSample > 8 * containerBytes || format.sampleRate < lowestSampleRate ||
-        format.sampleRate > highestSampleRate)
+        format.bitsPerSample > 8 * containerBytes || format.sampleRate < minSampleRate ||
+        format.sampleRate > maxSampleRate)
         throw AudioError::invalidData();
     const Decode decode = order == ByteOrder::big
                               ? decoderFor<ByteOrder::big>(format.tag, containerBytes)
