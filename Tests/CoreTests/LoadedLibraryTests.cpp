@@ -7,28 +7,49 @@
 namespace torvo::test {
 namespace {
 
+/// The function that Tests/CoreTests/StampedLibrary.cpp exports.
+constexpr auto stamp = "1.0.0 of the test";
+
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::ThrowsMessage;
 
-TEST(LoadedLibraryTests, tellsWhichLibraryIsMissing) {
-    EXPECT_THAT([] { symbolOfLibrary("/nowhere/decoders.so", "open"); },
+TEST(LoadedLibraryTests, namesAMissingLibrary) {
+    EXPECT_THAT([] { symbolOfLibrary("/nowhere/decoders.so", "open", "stamp", stamp); },
                 ThrowsMessage<BrokenInstallation>(AllOf(
                     HasSubstr("A part of this program cannot be loaded: /nowhere/decoders.so: "),
                     HasSubstr("No such file or directory. Installing it again may help."))));
 }
 
-TEST(LoadedLibraryTests, tellsWhatALibraryDoesNotHold) {
-    EXPECT_THAT([] { symbolOfLibrary("libc.so.6", "torvoNothing"); },
+TEST(LoadedLibraryTests, namesAMissingSymbol) {
+    EXPECT_THAT([] { symbolOfLibrary(TORVO_STAMPED_LIBRARY, "torvoNothing", "testStamp", stamp); },
                 ThrowsMessage<BrokenInstallation>(
-                    AllOf(HasSubstr("libc.so.6"), HasSubstr("torvoNothing"))));
+                    AllOf(HasSubstr(TORVO_STAMPED_LIBRARY), HasSubstr("torvoNothing"))));
 }
 
-TEST(LoadedLibraryTests, findsLibrariesBesideTheFolderOfTheProgram) {
+TEST(LoadedLibraryTests, findsSymbolsOfALibraryOfTheSameBuild) {
+    auto* const answer = reinterpret_cast<int (*)()>(
+        symbolOfLibrary(TORVO_STAMPED_LIBRARY, "testAnswer", "testStamp", stamp));
+    EXPECT_EQ(answer(), 42);
+}
+
+TEST(LoadedLibraryTests, refusesALibraryOfAnotherBuild) {
+    constexpr auto message =
+        "A part of this program does not fit the rest of it. Start the program again.";
+    EXPECT_THAT(
+        [] {
+            symbolOfLibrary(TORVO_STAMPED_LIBRARY, "testAnswer", "testStamp", "1.1.0 of the test");
+        },
+        ThrowsMessage<BrokenInstallation>(message));
+    EXPECT_THAT([] { symbolOfLibrary("libc.so.6", "malloc", "torvoNoStamp", stamp); },
+                ThrowsMessage<BrokenInstallation>(message));
+}
+
+TEST(LoadedLibraryTests, findsLibrariesRelativeToTheProgramFolder) {
     EXPECT_TRUE(std::filesystem::exists(installedLibrary(".") / "core-tests"));
 }
 
-TEST(LoadedLibraryTests, endsAScanInsteadOfCallingEverySampleUnsupported) {
+TEST(LoadedLibraryTests, failsAScanInsteadOfIgnoringEverySample) {
     const ScanFixture fixture;
     fixture.addAudio("kick.flac");
     const SampleScanner scanner(std::make_shared<const BrokenInspector>(),
@@ -37,7 +58,7 @@ TEST(LoadedLibraryTests, endsAScanInsteadOfCallingEverySampleUnsupported) {
                 ThrowsMessage<BrokenInstallation>("decoders.so is gone."));
 }
 
-TEST(LoadedLibraryTests, isToldToTheUserAsItIs) {
+TEST(LoadedLibraryTests, isShownToTheUserUnchanged) {
     EXPECT_EQ(userFacingDescription(BrokenInstallation("decoders.so is gone.")),
               "decoders.so is gone.");
 }

@@ -1,5 +1,6 @@
 #include "AudioSupport/CompressedAudio.h"
 
+#include "BuildStamp.h"
 #include "Platform/LoadedLibrary.h"
 
 namespace torvo {
@@ -7,7 +8,8 @@ namespace torvo {
 std::unique_ptr<AudioReader> openCompressedAudio(const ByteSource& bytes,
                                                  const AudioFileType& type) {
     static const auto open = reinterpret_cast<decltype(&torvoOpenCompressedAudio)>(
-        symbolOfLibrary(installedLibrary(TORVO_DECODERS), "torvoOpenCompressedAudio"));
+        symbolOfLibrary(installedLibrary(TORVO_DECODERS), "torvoOpenCompressedAudio",
+                        "torvoBuildStamp", TORVO_BUILD_STAMP));
     return std::unique_ptr<AudioReader>(open(bytes, type));
 }
 

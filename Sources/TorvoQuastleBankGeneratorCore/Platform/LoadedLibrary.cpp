@@ -24,10 +24,17 @@ std::filesystem::path installedLibrary(const std::filesystem::path& relative) {
     return program.parent_path() / relative;
 }
 
-void* symbolOfLibrary(const std::filesystem::path& library, const char* name) {
+void* symbolOfLibrary(const std::filesystem::path& library, const char* name, const char* stampName,
+                      std::string_view stamp) {
     void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr)
         throwLoadError();
+    const auto readStamp = reinterpret_cast<const char* (*)()>(dlsym(handle, stampName));
+    if (readStamp == nullptr || readStamp() != stamp) {
+        dlclose(handle);
+        throw BrokenInstallation("A part of this program does not fit the rest of it. "
+                                 "Start the program again.");
+    }
     void* const symbol = dlsym(handle, name);
     if (symbol == nullptr)
         throwLoadError();

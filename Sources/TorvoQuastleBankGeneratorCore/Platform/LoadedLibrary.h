@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 
 namespace torvo {
 
@@ -15,7 +16,11 @@ public:
 /// Throws `BrokenInstallation`.
 std::filesystem::path installedLibrary(const std::filesystem::path& relative);
 
-/// Loads a library, once and for good, and finds what it exports. Throws `BrokenInstallation`.
-void* symbolOfLibrary(const std::filesystem::path& library, const char* name);
+/// Loads a shared library, which is never unloaded, and returns the address of its symbol `name`.
+/// The library exports a function `stampName` returning a C string, which must equal `stamp`: a
+/// package upgrade may replace the file while the program runs, and the new library may have
+/// another interface. Throws `BrokenInstallation`.
+void* symbolOfLibrary(const std::filesystem::path& library, const char* name, const char* stampName,
+                      std::string_view stamp);
 
 } // namespace torvo
