@@ -2,6 +2,7 @@
 
 #include "Models/GenerationError.h"
 #include "Platform/LoadedLibrary.h"
+#include "Platform/NotFound.h"
 #include "Platform/TaskOrder.h"
 #include "Platform/UnicodeText.h"
 #include "RoleClassifier.h"
@@ -82,8 +83,8 @@ private:
 struct ClassifiedFile {
     FileURL url;
     ChannelRole role = ChannelRole::kick;
-    bool mayBeOpened = true;  ///< false for pipes, sockets and devices
-    std::size_t position = 0; ///< in the order of the walk
+    bool mayBeOpened = true;  ///< false for pipes, sockets, devices and dead links
+    std::size_t position = 0; ///< in the order of the enumeration
     std::optional<AudioFormatDetails> format = std::nullopt;
 };
 
@@ -100,13 +101,21 @@ bool isHiddenOrSidecar(const FileURL& url) {
     return extension == "asd" || extension == "ds_store";
 }
 
-/// The item with its link followed. A dead link is an error.
+/// Resolves an item that is a symbolic link. A broken link, which some editors use as a lock file,
+/// is returned as a file of kind `other`. Throws `FileError` when the target cannot be inspected
+/// for another reason.
 EnumeratedItem followed(const FileManager& fileManager, EnumeratedItem item) {
     if (item.kind != FileKind::symbolicLink)
-        return item; // the walk starts at the resolved root and enters no link
-    const FileURL target(fileManager.resolve(item.url.path()));
-    const auto status = fileManager.status(target.path());
-    return {target, status ? status->kind : FileKind::other};
+        return item; // the enumeration starts at the resolved root and follows no links
+    try {
+        const FileURL target(fileManager.resolve(item.url.path()));
+        const auto status = fileManager.status(target.path());
+        return {target, status ? status->kind : FileKind::other};
+    } catch (const FileError& error) {
+        if (!isNotFound(error))
+            throw;
+        return {std::move(item.url), FileKind::other};
+    }
 }
 
 /// By path; files that are shown by the same path (two links' targets) in the order of the walk,

@@ -16,9 +16,10 @@ public:
                   AudioCompatibilityEvaluator evaluator,
                   std::shared_ptr<const FileManager> fileManager);
 
-    /// Blocks while it walks and opens files, on all cores; the report does not depend on their
-    /// number. Throws `GenerationError` when the folder cannot be read and `FileError` when an item
-    /// cannot be (a dead link); a file that is no sample is never an error.
+    /// Scans the folder and blocks until the scan is finished. Opens files on all cores; the report
+    /// does not depend on the number of cores. Throws `GenerationError` when the folder cannot be
+    /// read, `FileError` when an item cannot be inspected, and `BrokenInstallation`. Unsupported
+    /// files and broken links are not errors.
     ScanReport scan(const FileURL& sourceFolder, GenerationMode mode) const;
 
 private:

@@ -1,3 +1,4 @@
+#include "ForwardingFileManager.h"
 #include "LockedFolderFileManager.h"
 #include "Models/GenerationError.h"
 #include "ScanFixture.h"
@@ -7,8 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
+#include <map>
+#include <optional>
 #include <string>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -96,34 +100,87 @@ TEST(SampleScannerLinks, linksToFoldersAreNotEntered) {
     EXPECT_THAT(report.ignoredFiles, IsEmpty());
 }
 
-TEST(SampleScannerLinks, aDeadOrCircularLinkEndsTheScanByItsName) {
-    for (const auto* name : {"dead.wav", ".dead", "notes"}) {
-        const ScanFixture kit;
-        kit.addAudio("Kicks/a.wav");
-        fs::create_symlink(kit.at("missing"), kit.at(name));
-        const auto error = thrown<FileError>([&] { kit.scan(); });
-        ASSERT_TRUE(error) << name;
-        EXPECT_EQ(error->errorDescription(),
-                  "Unable to read " + kit.at(name).string() + ": No such file or directory.");
-    }
+TEST(SampleScannerLinks, listsADanglingLinkAsAnUnreadableFile) {
     const ScanFixture kit;
-    fs::create_symlink("b", kit.at("a"));
-    fs::create_symlink("a", kit.at("b"));
-    const auto error = thrown<FileError>([&] { kit.scan(); });
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->path(), kit.at("a"));
-    EXPECT_EQ(error->code(), std::errc::too_many_symbolic_link_levels);
+    kit.addAudio("Kicks/a.wav");
+    kit.addAudio("Crash/a.wav");
+    fs::create_symlink(kit.at("missing"), kit.at("Kicks/dead.wav"));
+    fs::create_symlink("b", kit.at("Kicks/b"));
+    fs::create_symlink(kit.at("Kicks/a.wav") / "x.wav", kit.at("Snare through a file"));
+    fs::create_symlink(kit.at("missing"), kit.at(".#Kick.wav"));
+    fs::create_symlink(kit.at("missing"), kit.at("Kick.asd"));
+    fs::create_symlink(kit.at("missing"), kit.at("notes"));
+    fs::create_symlink(kit.at("missing"), kit.at("Crash/dead.wav"));
+    const auto drums = kit.scan();
+    EXPECT_THAT(pathsOf(drums, ChannelRole::kick), ElementsAre("Kicks/a.wav"));
+    EXPECT_THAT(
+        texts(drums.ignoredFiles),
+        ElementsAre(".#Kick.wav: Ignored hidden or sidecar file",
+                    "Kick.asd: Ignored hidden or sidecar file", "Kicks/b: Unsupported audio file",
+                    "Kicks/dead.wav: Unsupported audio file",
+                    "Snare through a file: Unsupported audio file", "notes: Unclassified sample"));
+    EXPECT_THAT(texts(drums.ignoredFolders), ElementsAre("Crash: Ignored v1 folder"));
+    EXPECT_THAT(texts(kit.scan(GenerationMode::stabs).ignoredFiles),
+                testing::IsSupersetOf(
+                    {"notes: Unsupported audio file", "Crash/dead.wav: Unsupported audio file"}));
+    EXPECT_THAT(kit.inspector->inspected(),
+                testing::Each(testing::AnyOf(kit.at("Kicks/a.wav"), kit.at("Crash/a.wav"))));
 }
 
-// The walk goes on while files are being opened, and may fail then.
-TEST(SampleScannerLinks, aDeadLinkBehindManyFilesEndsTheScanByItsName) {
+/// Fails with the given error in one of the two steps of following a link.
+class UnreadableLinks final : public ForwardingFileManager {
+public:
+    enum class Step { resolve, status };
+    UnreadableLinks(Step step, int errorNumber) : step_(step), errorNumber_(errorNumber) {}
+
+    fs::path resolve(const fs::path& path) const override {
+        if (step_ == Step::resolve && fs::is_symlink(path))
+            throw FileError(FileOperation::inspect, path, errorNumber_);
+        return behind().resolve(path);
+    }
+    std::optional<FileStatus> status(const fs::path& path) const override {
+        if (step_ == Step::status)
+            throw FileError(FileOperation::inspect, path, errorNumber_);
+        return behind().status(path);
+    }
+
+private:
+    Step step_;
+    int errorNumber_;
+};
+
+TEST(SampleScannerLinks, failsOnOtherErrorsWhileFollowingALink) {
+    const ScanFixture kit;
+    kit.addAudio("Kicks/a.wav");
+    fs::create_symlink(kit.at("Kicks/a.wav"), kit.at("Kicks/link.wav"));
+    using Step = UnreadableLinks::Step;
+    for (const auto step : {Step::resolve, Step::status}) {
+        for (const int errorNumber : {EACCES, EIO, ENAMETOOLONG, ENOMEM}) {
+            const auto files = std::make_shared<UnreadableLinks>(step, errorNumber);
+            const auto error = thrown<FileError>([&] { kit.scan(GenerationMode::drums, files); });
+            ASSERT_TRUE(error) << errorNumber;
+            EXPECT_EQ(error->path(),
+                      kit.at(step == Step::resolve ? "Kicks/link.wav" : "Kicks/a.wav"));
+            EXPECT_EQ(error->code().value(), errorNumber);
+        }
+    }
+    for (const int errorNumber : {ENOENT, ENOTDIR, ELOOP}) {
+        const auto files = std::make_shared<UnreadableLinks>(Step::resolve, errorNumber);
+        EXPECT_THAT(texts(kit.scan(GenerationMode::drums, files).ignoredFiles),
+                    ElementsAre("Kicks/link.wav: Unsupported audio file"));
+    }
+}
+
+// The walk continues while files are being opened, and may fail then.
+TEST(SampleScannerLinks, namesTheFailedItemAfterManyFiles) {
     const ScanFixture kit;
     for (int i = 0; i < 300; ++i)
         kit.addAudio("Kicks/" + std::to_string(i) + ".wav");
-    fs::create_symlink(kit.at("missing"), kit.at("zzz"));
+    fs::create_symlink(kit.at("Kicks/0.wav"), kit.at("zzz"));
+    const auto files = std::make_shared<UnreadableLinks>(UnreadableLinks::Step::resolve, EIO);
     for (const auto& inspector : std::initializer_list<std::shared_ptr<const AudioFileInspecting>>{
              kit.inspector, std::make_shared<BrokenInspector>()}) {
-        const SampleScanner scanner(inspector, {}, systemFileManager());
+        const SampleScanner scanner(inspector, {}, files);
         const auto error =
             thrown<FileError>([&] { scanner.scan(kit.root, GenerationMode::drums); });
         ASSERT_TRUE(error);

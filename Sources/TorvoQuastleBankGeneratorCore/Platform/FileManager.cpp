@@ -1,5 +1,6 @@
 #include "Platform/FileManager.h"
 
+#include "Platform/NotFound.h"
 #include "Platform/TemporaryName.h"
 #include "Platform/UnicodeText.h"
 
@@ -27,12 +28,6 @@ std::vector<DirectoryEntry> sortedContents(const FileManager& fileManager, const
     auto entries = fileManager.contentsOfDirectory(folder);
     std::ranges::sort(entries, {}, &DirectoryEntry::name);
     return entries;
-}
-
-bool saysNothingIsThere(const FileError& error) {
-    return error.code() == std::errc::no_such_file_or_directory ||
-           error.code() == std::errc::not_a_directory ||
-           error.code() == std::errc::too_many_symbolic_link_levels;
 }
 
 /// Depth first with an explicit stack: folders may be nested deeper than the call stack is.
@@ -169,8 +164,8 @@ FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
                     resolved = resolved.appendingPathComponent(name, kind);
                 return resolved.standardized();
             } catch (const FileError& error) {
-                // A dead link is as far as the path goes; it stays in the result by its own name.
-                if (!saysNothingIsThere(error))
+                // A broken link is kept in the result under its own name.
+                if (!isNotFound(error))
                     throw;
             }
         }
