@@ -106,8 +106,13 @@ TEST(BankExporter, infoIsASCII) {
         const char* shortName;
         const char* info;
     };
-    const Row rows[] = {
-        {"Élanvi001", "Elanvi001"}, {"ドラム001", "???001"}, {"🥁", "?"}, {"", ""}};
+    const Row rows[] = {{"Élanvi001", "Elanvi001"},
+                        {"ドラム001", "???001"},
+                        {"🥁", "?"},
+                        {"", ""},
+                        // One Hangul syllable, composed or decomposed.
+                        {"\uAC01001", "?001"},
+                        {"\u1100\u1161\u11A8001", "?001"}};
     for (const auto& row : rows) {
         ExportFixture fixture;
         fixture.job.recipes = {{1, row.shortName, {}, 7, false}};
@@ -279,6 +284,15 @@ TEST(BankExporter, whateverStandsInTheDeviceFoldersPlaceIsRemoved) {
         ExportFixture fixture;
         fixture.folder.write("card/Kit/QZT508", "a file");
         fixture.run();
+        EXPECT_TRUE(fs::is_directory(fixture.inDevice("Pool")));
+    }
+    for (const auto* target : {"missing", "QZT508"}) {
+        // A dangling link, and a link to itself.
+        ExportFixture fixture;
+        fixture.folder.createFolder("card/Kit");
+        fs::create_symlink(target, fixture.folder / "card/Kit/QZT508");
+        fixture.run();
+        EXPECT_TRUE(fs::is_directory(fs::symlink_status(fixture.folder / "card/Kit/QZT508")));
         EXPECT_TRUE(fs::is_directory(fixture.inDevice("Pool")));
     }
     ExportFixture fixture;

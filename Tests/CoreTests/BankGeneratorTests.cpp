@@ -260,7 +260,38 @@ TEST(BankGenerator, aTemplateMayHaveFewerSlots) {
     }
 }
 
-TEST(BankGeneratorDeathTest, aRunWithoutBanksEndsTheProcess) {
+TEST(BankGenerator, makesBanksWithoutChannelsForATemplateWithoutSlots) {
+    for (const auto mode : {GenerationMode::drums, GenerationMode::loops}) {
+        auto buckets = drumBuckets(percOnly);
+        buckets.loop = bucketOf(ChannelRole::loop, 8);
+        const auto recipes = make(buckets, mode, 2, 5, GenerationTemplate{"None", {}});
+        EXPECT_EQ(recipes, (std::vector<BankRecipe>{{1, "Kit001", {}, 5, false},
+                                                    {2, "Kit002", {}, 5, false}}));
+    }
+}
+
+TEST(BankGenerator, usesAFileInTwoBucketsOncePerBank) {
+    auto buckets = drumBuckets({.kick = 1, .clap = 1, .snare = 1, .perc = 5});
+    const auto shared = sampleAt("/Kit/both.wav", "both");
+    // The same file under a different spelling of its path.
+    auto again = shared;
+    again.sourceURL = FileURL("/Kit/Snares/../both.wav");
+    buckets.clap.push_back(shared);
+    buckets.snare.push_back(again);
+    constexpr std::int64_t bankCount = 50;
+    std::int64_t uses = 0;
+    for (const auto& recipe : make(buckets, GenerationMode::drums, bankCount, 11)) {
+        std::set<std::string> paths;
+        for (const auto& [channel, sample] : recipe.channels)
+            paths.insert(sample.sourceURL.standardized().nativePath());
+        EXPECT_EQ(paths.size(), 8U) << recipe.bankIndex;
+        uses += paths.contains("/Kit/both.wav") ? 1 : 0;
+    }
+    // It recurs in later banks: the rule applies within one bank.
+    EXPECT_GT(uses, bankCount / 2);
+}
+
+TEST(BankGeneratorDeathTest, abortsOnABankCountOfZero) {
     EXPECT_DEATH(make(loops(8), GenerationMode::loops, 0, 1),
                  "Broken precondition: a run has at least one bank");
 }

@@ -36,7 +36,10 @@ TEST(BankNameScheme, derivesThePrefixFromTheFolderName) {
         // A letter and its combining accents count as one character.
         {"e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301",
          "E\u0301e\u0301e\u0301e\u0301e\u0301e\u0301"},
-        // An emoji is no letter.
+        // A leading accent of a word combines with the preceding letter, so six characters are
+        // reached later.
+        {"ab \u0301cde fgh", "Ab\u0301cdef"},
+        // An emoji is not a letter.
         {"🥁 drums", "Drums"},
     };
     for (const auto& row : rows) {

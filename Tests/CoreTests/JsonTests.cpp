@@ -273,13 +273,17 @@ TEST(Json, metadataOptionsHaveFiveKeys) {
               "cvAssignedChannels[1]: not an integer");
 }
 
-TEST(Json, decodedOptionsAreNotCorrected) {
-    // Intended: the record holds what the document holds; only the constructor clamps and filters.
-    const auto options = json::parse(R"({"bits":40,"rate":44,"filterType":0,)"
-                                     R"("cvAssignmentsEnabled":false,"cvAssignedChannels":[9,0]})")
-                             .get<TorvoMetadataOptions>();
-    EXPECT_EQ(options.bits, 40);
-    EXPECT_EQ(options.cvAssignedChannels, (std::set<std::int64_t>{0, 9}));
+TEST(Json, doesNotCorrectDecodedOptions) {
+    // Intended: the record keeps the values of the document; only the constructor clamps and
+    // filters.
+    for (const std::int64_t bits : {40, 0, -3}) {
+        auto document = json::parse(R"({"bits":0,"rate":44,"filterType":0,)"
+                                    R"("cvAssignmentsEnabled":false,"cvAssignedChannels":[9,0]})");
+        document["bits"] = bits;
+        const auto options = document.get<TorvoMetadataOptions>();
+        EXPECT_EQ(options.bits, bits);
+        EXPECT_EQ(options.cvAssignedChannels, (std::set<std::int64_t>{0, 9}));
+    }
 }
 
 } // namespace

@@ -26,7 +26,36 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(SampleScannerLinks, aLinkToAFileOutsideIsFollowed) {
+void bindSocket(const fs::path& path) {
+    const int number = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_GE(number, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.native().size(), sizeof address.sun_path);
+    std::ranges::copy(path.native(), address.sun_path);
+    const auto bound = ::bind(number, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    ::close(number);
+    ASSERT_EQ(bound, 0);
+}
+
+/// Lists folders with the given entries only.
+class ListedFolders final : public ForwardingFileManager {
+public:
+    ListedFolders(const fs::path& folder, const std::string& name, FileKind kind) {
+        add(folder, name, kind);
+    }
+    void add(const fs::path& folder, const std::string& name, FileKind kind) {
+        entries_[folder].push_back({name, kind});
+    }
+    std::vector<DirectoryEntry> contentsOfDirectory(const fs::path& path) const override {
+        return entries_.at(path);
+    }
+
+private:
+    std::map<fs::path, std::vector<DirectoryEntry>> entries_;
+};
+
+TEST(SampleScannerLinks, followsALinkToAFileOutside) {
     const ScanFixture kit;
     const auto kick = kit.folder.write("outside/Kicks/Kick 9.wav", "audio");
     const auto plain = kit.folder.write("outside/Kicks/plain.wav", "audio");
@@ -203,16 +232,7 @@ TEST(SampleScannerLinks, theSourceFolderMayItselfBeALink) {
 TEST(SampleScannerExotic, pipesSocketsAndDevicesAreNeverOpened) {
     const ScanFixture kit;
     ASSERT_EQ(::mkfifo(kit.at("Kick pipe.wav").c_str(), 0600), 0);
-    const int number = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    ASSERT_GE(number, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const auto path = kit.at("Kick socket").string();
-    ASSERT_LT(path.size(), sizeof address.sun_path);
-    std::ranges::copy(path, address.sun_path);
-    const auto bound = ::bind(number, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    ::close(number);
-    ASSERT_EQ(bound, 0);
+    bindSocket(kit.at("Kick socket"));
     fs::create_symlink("/dev/zero", kit.at("Kick device"));
     const auto report = kit.scan(GenerationMode::loops);
     EXPECT_THAT(texts(report.ignoredFiles),
@@ -221,7 +241,61 @@ TEST(SampleScannerExotic, pipesSocketsAndDevicesAreNeverOpened) {
     EXPECT_THAT(kit.inspector->inspected(), IsEmpty());
 }
 
-TEST(SampleScannerExotic, packagesAreNotEntered) {
+TEST(SampleScannerExotic, ignoresHiddenPipesSocketsAndDevicesAsHiddenFiles) {
+    const ScanFixture kit;
+    kit.folder.createFolder("Kit/Kicks");
+    ASSERT_EQ(::mkfifo(kit.at("Kicks/.pipe").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo(kit.at("Kick.asd").c_str(), 0600), 0);
+    bindSocket(kit.at(".Kick socket"));
+    for (const auto mode : {GenerationMode::drums, GenerationMode::loops, GenerationMode::stabs}) {
+        EXPECT_THAT(texts(kit.scan(mode).ignoredFiles),
+                    ElementsAre(".Kick socket: Ignored hidden or sidecar file",
+                                "Kick.asd: Ignored hidden or sidecar file",
+                                "Kicks/.pipe: Ignored hidden or sidecar file"));
+    }
+    // Only root can create a device, so this one merely reports the kind.
+    const auto device = std::make_shared<ListedFolders>("/", ".device", FileKind::other);
+    const SampleScanner scanner(kit.inspector, {}, device);
+    EXPECT_THAT(texts(scanner.scan(FileURL::directory("/"), GenerationMode::loops).ignoredFiles),
+                ElementsAre(".device: Ignored hidden or sidecar file"));
+}
+
+TEST(SampleScannerExotic, acceptsTheRootOfTheFileSystemAsTheSource) {
+    const auto folders = std::make_shared<ListedFolders>("/", "Kicks", FileKind::directory);
+    folders->add("/Kicks", "a.wav", FileKind::regular);
+    folders->add("/Kicks", "notes.txt", FileKind::regular);
+    folders->add("/Kicks", ".hidden", FileKind::regular);
+    class OnlyWav final : public AudioFileInspecting {
+        AudioFormatDetails inspectAudioFile(const FileURL& at) const override {
+            if (at.pathExtension() != "wav")
+                throw GenerationError::unsupportedAudio(at);
+            return {"wav", 44100, 1, 16, true};
+        }
+    };
+    const SampleScanner scanner(std::make_shared<OnlyWav>(), {}, folders);
+    const auto report = scanner.scan(FileURL::directory("/"), GenerationMode::drums);
+    EXPECT_EQ(report.sourceFolder.path(), "/");
+    ASSERT_EQ(report.buckets.kick.size(), 1U);
+    EXPECT_EQ(report.buckets.kick[0].sourceURL.path(), "/Kicks/a.wav");
+    EXPECT_THAT(texts(report.ignoredFiles),
+                ElementsAre("Kicks/.hidden: Ignored hidden or sidecar file",
+                            "Kicks/notes.txt: Unsupported audio file"));
+}
+
+TEST(SampleScannerExotic, marksFilesThatTheInspectorCannotReadAsUnsupported) {
+    class FailingInspector final : public AudioFileInspecting {
+        AudioFormatDetails inspectAudioFile(const FileURL& at) const override {
+            throw FileError(FileOperation::read, at.path(), EIO);
+        }
+    };
+    const ScanFixture kit;
+    kit.addAudio("Kicks/a.wav");
+    const SampleScanner scanner(std::make_shared<FailingInspector>(), {}, systemFileManager());
+    EXPECT_THAT(texts(scanner.scan(kit.root, GenerationMode::drums).ignoredFiles),
+                ElementsAre("Kicks/a.wav: Unsupported audio file"));
+}
+
+TEST(SampleScannerExotic, doesNotEnterPackages) {
     const ScanFixture kit;
     for (const auto* extension : {"app", "bundle", "framework", "plugin", "kext", "component",
                                   "vst", "vst3", "logicx", "band", "APP"})

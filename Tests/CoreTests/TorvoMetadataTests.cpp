@@ -112,6 +112,17 @@ TEST(TorvoMetadata, writesEveryRateFilterAndBitDepth) {
     }
 }
 
+TEST(TorvoMetadata, writesADecodedBitDepthUnchanged) {
+    for (const unsigned bits : {0U, 17U, 255U}) {
+        TorvoMetadataOptions options;
+        options.bits = bits;
+        auto file = smallWav();
+        TorvoWAVMetadataWriter().updateBusyChunk(file, options, 1);
+        const auto expected = freshBusyPayload({.dataSize = 10, .bits = bits});
+        EXPECT_EQ(differences(lastBytes(file, 1936), expected), std::vector<std::size_t>{}) << bits;
+    }
+}
+
 TEST(TorvoMetadata, writesTheChannelIndex) {
     struct Row {
         Channel channel;
@@ -205,15 +216,21 @@ TEST(TorvoMetadata, replacesAForeignBusyChunkInPlace) {
         const char* name;
         Bytes old;
     };
-    auto otherSignature = freshBusyPayload({.dataSize = 99});
-    otherSignature[0] = std::byte{0x78};
+    const auto otherSignature = [](std::size_t changedByte) {
+        auto payload = freshBusyPayload({.dataSize = 99});
+        payload[changedByte] ^= std::byte{1};
+        return payload;
+    };
     const Row rows[] = {
         {"empty", {}},
         {"shorter", Bytes(100, std::byte{1})},
         {"two bytes shorter", Bytes(1934, std::byte{1})},
         {"two bytes longer", Bytes(1938, std::byte{1})},
         {"much longer", Bytes(20'000, std::byte{1})},
-        {"another signature", otherSignature},
+        {"another first byte of the signature", otherSignature(0)},
+        {"another second byte", otherSignature(1)},
+        {"another third byte", otherSignature(2)},
+        {"another fourth byte", otherSignature(3)},
     };
     const auto head = joined(
         {bytes("RIFF"), bytes("\1\2\3\4"), bytes("WAVE"), riffChunk("data", bytes("0123456789"))});
