@@ -1,5 +1,6 @@
 #include "BankExporter.h"
 
+#include "ExportChecks.h"
 #include "Models/BankNameScheme.h"
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
@@ -53,72 +54,6 @@ public:
 private:
     std::set<std::string> taken_;
 };
-
-/// The run folder lies directly in the export folder, or nothing is touched.
-void requirePlainRunFolder(const FileManager& fileManager, const FileURL& runFolder,
-                           const std::string& name) {
-    if (name.empty() || name == "." || name == ".." ||
-        name.find_first_of(std::string_view("/\0", 2)) != std::string::npos) {
-        throw GenerationError::exportFailed("\"" + name +
-                                            "\" cannot be the name of an export folder.");
-    }
-    const auto status = fileManager.linkStatus(runFolder.path());
-    if (status && status->kind == FileKind::symbolicLink) {
-        throw GenerationError::exportFailed(runFolder.shownPath() +
-                                            " is a link to another place. Nothing was written.");
-    }
-}
-
-/// Whether a folder lies in the device folder, by identity and not by name: links and file systems
-/// without case give one folder many names.
-class DeviceFolderGuard {
-public:
-    DeviceFolderGuard(const FileManager& fileManager, FileIdentity deviceFolder)
-        : fileManager_(fileManager), deviceFolder_(deviceFolder) {}
-
-    bool holds(const FileURL& folder) {
-        const auto& path = folder.nativePath();
-        if (const auto known = answers_.find(path); known != answers_.end())
-            return known->second;
-        const auto status = fileManager_.status(folder.path());
-        const bool answer = (status && status->identity == deviceFolder_) ||
-                            (path != "/" && holds(folder.deletingLastPathComponent()));
-        answers_.emplace(path, answer);
-        return answer;
-    }
-
-private:
-    const FileManager& fileManager_;
-    FileIdentity deviceFolder_;
-    std::unordered_map<std::string, bool> answers_;
-};
-
-/// Replacing the device folder must not delete what the run reads.
-void requireSourceOutside(const FileManager& fileManager, const FileURL& deviceFolder,
-                          const ExportJob& job) {
-    const auto status = fileManager.linkStatus(deviceFolder.path());
-    if (!status || status->kind != FileKind::directory)
-        return;
-    DeviceFolderGuard guard(fileManager, status->identity);
-    if (guard.holds(resolvingSymlinks(fileManager, job.sourceFolder))) {
-        throw GenerationError::exportFailed("The source folder " + job.sourceFolder.shownPath() +
-                                            " lies inside " + deviceFolder.shownPath() +
-                                            ", which this export would replace.");
-    }
-    for (const auto& recipe : job.recipes) {
-        for (const auto& [channel, sample] : recipe.channels) {
-            // Also a link in the device folder to a sample outside would be gone.
-            const auto named = sample.sourceURL.standardized();
-            const auto resolved = resolvingSymlinks(fileManager, sample.sourceURL);
-            if (guard.holds(named.deletingLastPathComponent()) ||
-                guard.holds(resolved.deletingLastPathComponent())) {
-                throw GenerationError::exportFailed(
-                    "The sample " + sample.sourceURL.lastPathComponent() + " lies inside " +
-                    deviceFolder.shownPath() + ", which this export would replace.");
-            }
-        }
-    }
-}
 
 void writeInfo(const FileManager& fileManager, const FileURL& bankFolder,
                const std::string& shortName) {
@@ -221,7 +156,7 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
     const auto& name = job.naming.exportFolderName();
     const auto runFolder = folderIn(job.exportFolder, name);
     const auto deviceFolder = folderIn(runFolder, device::folderName);
-    requirePlainRunFolder(*fileManager_, runFolder, name);
+    requireValidRunFolder(*fileManager_, runFolder, name);
     requireSourceOutside(*fileManager_, deviceFolder, job);
 
     fileManager_->createDirectory(runFolder.path());
