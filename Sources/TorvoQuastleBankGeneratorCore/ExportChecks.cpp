@@ -42,10 +42,14 @@ void requireValidRunFolder(const FileManager& fileManager, const FileURL& runFol
         throw GenerationError::exportFailed("\"" + name +
                                             "\" cannot be the name of an export folder.");
     }
-    const auto status = fileManager.linkStatus(runFolder.path());
-    if (status && status->kind == FileKind::symbolicLink) {
+    const auto own = fileManager.linkStatus(runFolder.path());
+    if (!own || own->kind != FileKind::symbolicLink)
+        return;
+    const auto target = fileManager.status(runFolder.path());
+    if (!target || target->kind != FileKind::directory) {
         throw GenerationError::exportFailed(runFolder.shownPath() +
-                                            " is a link to another place. Nothing was written.");
+                                            " is a link that leads to no folder. Nothing was "
+                                            "written.");
     }
 }
 

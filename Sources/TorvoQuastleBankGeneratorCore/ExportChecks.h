@@ -15,7 +15,7 @@ namespace torvo {
 /// or `FileError` when the export must not continue.
 
 /// Requires that `name` is a valid name for the run folder, and that the run folder is not a
-/// symbolic link.
+/// symbolic link to something other than a folder.
 void requireValidRunFolder(const FileManager& fileManager, const FileURL& runFolder,
                            const std::string& name);
 

@@ -1,4 +1,5 @@
 #include "ExportFixture.h"
+#include "ForwardingFileManager.h"
 #include "LockedFolderFileManager.h"
 #include "Models/GenerationError.h"
 #include "Thrown.h"
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace torvo::test {
 namespace {
@@ -55,19 +57,33 @@ TEST(BankExporterRefusal, aNameThatOnlyLooksOddIsNone) {
     }
 }
 
-TEST(BankExporterRefusal, aRunFolderThatIsALinkIsRefused) {
+TEST(BankExporterRefusal, refusesARunFolderLinkThatDoesNotPointToAFolder) {
     FilledCard card;
-    fs::create_directory_symlink(card.folder / "card/Kit", card.folder / "card/Linked");
+    fs::create_symlink(card.source, card.folder / "card/File");
     fs::create_symlink(card.folder / "missing", card.folder / "card/Dead");
+    fs::create_symlink(card.folder / "card/Circle", card.folder / "card/Circle");
     card.before = snapshotOf(card.folder.path());
-    for (const auto* name : {"Linked", "Dead"}) {
+    for (const auto* name : {"File", "Dead", "Circle"}) {
         card.job.naming.sourceFolderName = name;
         EXPECT_EQ(card.refusal(), (card.folder / "card" / name).string() +
-                                      " is a link to another place. Nothing was written.");
+                                      " is a link that leads to no folder. Nothing was written.");
     }
 }
 
-TEST(BankExporterRefusal, aLinkedExportFolderIsNone) {
+TEST(BankExporterRefusal, usesARunFolderThatIsALinkToAFolder) {
+    FilledCard card;
+    fs::create_directory_symlink(card.folder / "card/Kit", card.folder / "card/Linked");
+    card.job.naming.sourceFolderName = "Linked";
+    card.job.recipes = {card.bank(1, {"New"})};
+    const auto summary = card.run();
+    EXPECT_EQ(summary.rootFolder, FileURL::directory(card.folder / "card/Linked/QZT508"));
+    EXPECT_TRUE(fs::is_symlink(card.folder / "card/Linked"));
+    EXPECT_TRUE(fs::exists(card.folder / "card/Kit/QZT508/Bank 1/1/New.wav"));
+    EXPECT_FALSE(fs::exists(card.folder / "card/Kit/QZT508/Bank 1/1/Old.wav"));
+    EXPECT_EQ(textOf(card.folder / "card/Kit/notes.txt"), "kept");
+}
+
+TEST(BankExporterRefusal, acceptsALinkedExportFolder) {
     ExportFixture fixture;
     fs::create_directory_symlink(fixture.card.path(), fixture.folder / "link");
     fixture.job.exportFolder = FileURL::directory(fixture.folder / "link");
@@ -133,8 +149,50 @@ TEST_F(SampleInside, isRefusedWhenTheExportFolderIsNamedByALink) {
                   ", which this export would replace.");
 }
 
-TEST_F(SampleInside, aHardLinkElsewhereIsASampleOfItsOwn) {
-    // Its bytes stay when the device folder's name for them goes.
+TEST_F(SampleInside, isRefusedWhenTheRunFolderIsALink) {
+    fs::create_directory_symlink(card.folder / "card/Kit", card.folder / "card/Linked");
+    card.job.naming.sourceFolderName = "Linked";
+    EXPECT_EQ(refusalOf(card.folder / "card/Kit/QZT508/Bank 1/1/Old.wav"),
+              "The sample Old.wav lies inside " + (card.folder / "card/Linked/QZT508").string() +
+                  ", which this export would replace.");
+}
+
+/// The real file system, except that one folder reports a different identity.
+class WithIdentity final : public ForwardingFileManager {
+public:
+    WithIdentity(fs::path folder, FileIdentity identity)
+        : folder_(std::move(folder)), identity_(identity) {}
+
+    std::optional<FileStatus> status(const fs::path& path) const override {
+        auto found = behind().status(path);
+        if (found && path == folder_)
+            found->identity = identity_;
+        return found;
+    }
+
+private:
+    fs::path folder_;
+    FileIdentity identity_;
+};
+
+TEST_F(SampleInside, isDetectedByDeviceAndInode) {
+    card.job.recipes = {card.bank(1, {"New"})};
+    const auto deviceFolder = systemFileManager()->status(card.inDevice(""))->identity;
+    const auto refusal = [&](FileIdentity identity) {
+        const auto fileManager =
+            std::make_shared<WithIdentity>(card.source.parent_path(), identity);
+        return thrown<GenerationError>([&] { card.run(fileManager); }).has_value();
+    };
+    // Like a bind mount: a different path to the same folder.
+    EXPECT_TRUE(refusal(deviceFolder));
+    EXPECT_THAT(differences(card.before, snapshotOf(card.folder.path())), testing::IsEmpty());
+    EXPECT_FALSE(refusal({.device = deviceFolder.device + 1, .node = deviceFolder.node}))
+        << "another volume counts its inodes for itself";
+    EXPECT_FALSE(refusal({.device = deviceFolder.device, .node = deviceFolder.node + 1}));
+}
+
+TEST_F(SampleInside, isNotDetectedThroughAHardLinkOutside) {
+    // The content survives when the hard link in the device folder is deleted.
     fs::create_hard_link(card.inDevice("Bank 1/1/Old.wav"), card.folder / "source/same.wav");
     card.job.recipes = {card.bank(1, {"New"})};
     card.job.recipes[0].channels.at(1) = sampleAt(card.folder / "source/same.wav", "Same");

@@ -80,9 +80,9 @@ const std::vector<HostileDocument>& documents() {
         exportFolderName("climbingName", "../precious"),
         exportFolderName("nestedName", "a/b"),
         exportFolderName("nameWithNul", std::string("a\0b", 3)),
-        {"nameOfALinkToAnotherPlace",
+        {"nameOfALinkToAFile",
          [](json& document) { document["naming"]["sourceFolderName"] = "link"; },
-         "is a link to another place"},
+         "is a link that leads to no folder"},
         {"nameTooLong",
          [](json& document) { document["naming"]["sourceFolderName"] = std::string(300, 'n'); },
          "File name too long"},
@@ -177,7 +177,7 @@ protected:
         out_ = folder_.createFolder("out");
         folder_.write("out/neighbour.txt", "not ours");
         folder_.write("out/Old/QZT508/Bank 1/1/old.wav", wavFile(WavFormat{}, std::size_t{50}));
-        fs::create_directory_symlink(folder_ / "precious", out_ / "link");
+        fs::create_symlink(folder_ / "precious/kept.wav", out_ / "link");
         document_ = json(services_.run(source_, folder_.createFolder("first"), 1, 3));
     }
 

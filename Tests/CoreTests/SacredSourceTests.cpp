@@ -54,7 +54,14 @@ const std::vector<Entanglement>& entanglements() {
              fs::create_directory_symlink(folder / "Kit", folder.createFolder("out") / "Kit");
              return folder / "out";
          },
-         "is a link to another place"},
+         std::nullopt},
+        {"runFolderIsALinkToASample",
+         [](const TemporaryFolder& folder) {
+             fs::create_symlink(folder / "Kit/Kicks/kick one.wav",
+                                folder.createFolder("out") / "Kit");
+             return folder / "out";
+         },
+         "is a link that leads to no folder"},
         {"deviceFolderIsALinkToTheSource",
          [](const TemporaryFolder& folder) {
              fs::create_directory_symlink(folder / "Kit",
