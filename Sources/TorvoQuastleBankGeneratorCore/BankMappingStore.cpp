@@ -64,7 +64,7 @@ BankMappingDocument BankMappingStore::importDocument(const FileURL& from) const 
     try {
         return parsed(bytes).get<BankMappingDocument>();
     } catch (const DecodingError& error) {
-        throw error.in(from.lastPathComponent());
+        throw error.withDocumentName(from.lastPathComponent());
     }
 }
 

@@ -24,9 +24,9 @@ TEST(UserFacingDescription, saysEveryFailureInOneSentence) {
          "Unable to write /card/info.txt: No space left on device."},
         {std::make_exception_ptr(missing),
          "The mapping document cannot be used: recipes[3].channels.2.sourceURL: missing."},
-        {std::make_exception_ptr(missing.in("Kit001.json")),
+        {std::make_exception_ptr(missing.withDocumentName("Kit001.json")),
          "Kit001.json cannot be used: recipes[3].channels.2.sourceURL: missing."},
-        {std::make_exception_ptr(DecodingError("", "not an object").in("a.json")),
+        {std::make_exception_ptr(DecodingError("", "not an object").withDocumentName("a.json")),
          "a.json cannot be used: not an object."},
         {std::make_exception_ptr(
              DecodingError("compatibility", "Invalid number of keys found, expected one.")),
@@ -74,7 +74,7 @@ TEST(DecodingError, joinsKeyPathAndReason) {
     EXPECT_STREQ(error.what(), "seed: missing");
     EXPECT_EQ(error.errorDescription(), "seed: missing");
     EXPECT_EQ(error.documentName(), "");
-    const auto named = error.in("x.json");
+    const auto named = error.withDocumentName("x.json");
     EXPECT_EQ(named.documentName(), "x.json");
     EXPECT_EQ(named.keyPath(), "seed");
     EXPECT_EQ(named.reason(), "missing");

@@ -1,18 +1,18 @@
 #pragma once
 
 #include "Models/GenerationMode.h"
+#include "Platform/Error.h"
 #include "Platform/FileURL.h"
 
 #include <cstdint>
-#include <exception>
 #include <string>
 #include <variant>
 
 namespace torvo {
 
-/// The one error type of the core. Errors of the file system and of the document reader are passed
-/// on beside it.
-class GenerationError : public std::exception {
+/// A failed scan, generation or export. File system errors are `FileError`, and errors in mapping
+/// documents are `DecodingError`.
+class GenerationError final : public Error {
 public:
     struct RequiredRoleMissing {
         ChannelRole role;
@@ -59,6 +59,7 @@ public:
     const Case& value() const { return value_; }
     /// The text for the user.
     const std::string& errorDescription() const { return description_; }
+    std::string userFacingDescription() const override { return description_; }
     const char* what() const noexcept override { return description_.c_str(); }
 
     friend bool operator==(const GenerationError& left, const GenerationError& right) {

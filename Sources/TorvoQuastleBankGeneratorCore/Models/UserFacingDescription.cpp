@@ -1,9 +1,6 @@
 #include "Models/UserFacingDescription.h"
 
-#include "Models/DecodingError.h"
-#include "Models/GenerationError.h"
-#include "Platform/FileError.h"
-#include "Platform/LoadedLibrary.h"
+#include "Platform/Error.h"
 
 #include <new>
 
@@ -17,22 +14,11 @@ std::string asSentence(std::string text) {
     return text;
 }
 
-std::string documentName(const DecodingError& error) {
-    return error.documentName().empty() ? "The mapping document" : error.documentName();
-}
-
 } // namespace
 
 std::string userFacingDescription(const std::exception& error) {
-    if (const auto* generation = dynamic_cast<const GenerationError*>(&error))
-        return generation->errorDescription();
-    if (const auto* file = dynamic_cast<const FileError*>(&error))
-        return file->errorDescription();
-    if (const auto* decoding = dynamic_cast<const DecodingError*>(&error))
-        return asSentence(documentName(*decoding) +
-                          " cannot be used: " + decoding->errorDescription());
-    if (const auto* installation = dynamic_cast<const BrokenInstallation*>(&error))
-        return installation->what();
+    if (const auto* known = dynamic_cast<const Error*>(&error))
+        return known->userFacingDescription();
     if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
         return "There is not enough memory.";
     return asSentence(std::string("Something unexpected went wrong: ") + error.what());

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <exception>
+#include "Platform/Error.h"
+
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -20,8 +21,8 @@ enum class FileOperation {
     inspect,
 };
 
-/// A failure of the file system, with the path it happened at and the system's reason.
-class FileError : public std::exception {
+/// A file system error with its path and system error code.
+class FileError final : public Error {
 public:
     FileError(FileOperation operation, std::filesystem::path path, std::error_code code);
     /// From the value of `errno`.
@@ -33,6 +34,7 @@ public:
 
     /// One sentence: "Unable to write /card/Kit/QZT508/Bank 1/info.txt: No space left on device."
     std::string errorDescription() const { return description_; }
+    std::string userFacingDescription() const override { return description_; }
     const char* what() const noexcept override { return description_.c_str(); }
 
 private:

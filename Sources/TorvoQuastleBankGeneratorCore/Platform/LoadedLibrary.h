@@ -1,15 +1,24 @@
 #pragma once
 
+#include "Platform/Error.h"
+
 #include <filesystem>
-#include <stdexcept>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace torvo {
 
-/// A part of the program is missing or does not fit the rest.
-class BrokenInstallation final : public std::runtime_error {
+/// A library of the program is missing or belongs to another build.
+class BrokenInstallation final : public Error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit BrokenInstallation(std::string description) : description_(std::move(description)) {}
+
+    std::string userFacingDescription() const override { return description_; }
+    const char* what() const noexcept override { return description_.c_str(); }
+
+private:
+    std::string description_;
 };
 
 /// Where a library of the program itself lies: `relative` to the folder of the running program.
