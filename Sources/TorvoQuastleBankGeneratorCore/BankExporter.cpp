@@ -130,7 +130,9 @@ private:
             break;
         }
         const auto file = fileManager_.open(destination.path(), OpenMode::update);
-        metadataWriter_.updateBusyChunk(*file, job_.metadataOptions, channel);
+        withFileInErrors(destination.path(), [&] {
+            metadataWriter_.updateBusyChunk(*file, job_.metadataOptions, channel);
+        });
         file->close();
     }
 

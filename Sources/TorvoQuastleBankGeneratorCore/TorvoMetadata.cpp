@@ -228,7 +228,7 @@ void TorvoWAVMetadataWriter::rewrite(const FileURL& file, const TorvoMetadataOpt
                                      std::optional<std::int64_t> channel) const {
     const auto status = fileManager_->status(file.path());
     auto bytes = readFile(*fileManager_, file.path());
-    updateBusyChunk(bytes, options, channel);
+    withFileInErrors(file.path(), [&] { updateBusyChunk(bytes, options, channel); });
     writeFileAtomically(*fileManager_, file.path(), bytes,
                         status ? std::optional(status->permissions) : std::nullopt);
 }

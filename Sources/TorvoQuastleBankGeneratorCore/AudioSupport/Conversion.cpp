@@ -18,6 +18,13 @@ std::int16_t rounded(double sample) {
         std::lrint(std::clamp(sample * fullScale, -fullScale, fullScale - 1)));
 }
 
+/// Runs a step of opening `url` and reports its failure.
+template <typename Step>
+void withOpeningStatus(const FileURL& url, Step step) {
+    withStatus("Unable to open source audio file " + url.lastPathComponent() + ".", url.path(),
+               step);
+}
+
 /// The size of `frames` 16-bit frames in bytes, saturated.
 std::uint64_t dataSizeOf(std::uint64_t frames) {
     return std::min<std::uint64_t>(frames, UINT64_MAX / sizeof(std::int16_t)) *
@@ -26,9 +33,16 @@ std::uint64_t dataSizeOf(std::uint64_t frames) {
 
 } // namespace
 
-ConversionSource::ConversionSource(const FileManager& fileManager, const FileURL& url) {
-    checkingStatus("Unable to open source audio file " + url.lastPathComponent() + ".", [&] {
-        file_ = fileManager.open(url.path(), OpenMode::read);
+std::unique_ptr<const File> openConversionSource(const FileManager& fileManager,
+                                                 const FileURL& url) {
+    std::unique_ptr<const File> file;
+    withOpeningStatus(url, [&] { file = fileManager.open(url.path(), OpenMode::read); });
+    return file;
+}
+
+ConversionSource::ConversionSource(const FileManager& fileManager, const FileURL& url)
+    : path_(url.path()), file_(openConversionSource(fileManager, url)) {
+    withOpeningStatus(url, [&] {
         bytes_ = std::make_unique<FileByteSource>(*file_);
         reader_ = openAudio(*bytes_, audioNameHint(url));
     });
@@ -37,8 +51,8 @@ ConversionSource::ConversionSource(const FileManager& fileManager, const FileURL
 ConversionSource::~ConversionSource() = default;
 
 void ConversionSource::configure() {
-    checkingStatus("Unable to configure source audio conversion.",
-                   [&] { resampler_.emplace(*reader_); });
+    withStatus("Unable to configure source audio conversion.", path_,
+               [&] { resampler_.emplace(*reader_); });
 }
 
 std::optional<std::uint64_t> ConversionSource::expectedDataSize() const {
@@ -51,7 +65,8 @@ std::size_t ConversionSource::read(std::span<std::byte> block) {
     const auto wanted =
         std::span(frames).first(std::min(frames.size(), block.size() / sizeof(std::int16_t)));
     std::size_t count = 0;
-    checkingStatus("Unable to read source audio data.", [&] { count = resampler_->read(wanted); });
+    withStatus("Unable to read source audio data.", path_,
+               [&] { count = resampler_->read(wanted); });
     for (std::size_t i = 0; i < count; ++i) {
         const auto word = static_cast<std::uint16_t>(rounded(frames[i]));
         block[2 * i] = static_cast<std::byte>(word & 0xFF);

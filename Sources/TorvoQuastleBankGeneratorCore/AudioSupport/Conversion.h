@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <span>
@@ -33,11 +34,16 @@ public:
     std::size_t read(std::span<std::byte> block);
 
 private:
+    std::filesystem::path path_;
     std::unique_ptr<const File> file_;
     std::unique_ptr<const FileByteSource> bytes_;
     std::unique_ptr<AudioReader> reader_;
     std::optional<Resampler> resampler_;
 };
+
+/// Opens a sample file without reading its content. Throws as `ConversionSource` does.
+std::unique_ptr<const File> openConversionSource(const FileManager& fileManager,
+                                                 const FileURL& url);
 
 /// What tells one conversion's audio from another's.
 struct ConvertedAudio {

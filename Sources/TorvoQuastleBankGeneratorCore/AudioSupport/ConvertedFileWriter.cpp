@@ -59,14 +59,14 @@ void removeExisting(const FileManager& fileManager, const FileURL& destination) 
         fileManager.removeItem(destination.path());
 }
 
-ConvertedFileWriter::ConvertedFileWriter(const FileManager& fileManager,
-                                         const FileURL& destination) {
-    checkingStatus("Unable to create destination WAV file " + destination.lastPathComponent() + ".",
-                   [&] { file_ = fileManager.open(destination.path(), OpenMode::create); });
+ConvertedFileWriter::ConvertedFileWriter(const FileManager& fileManager, const FileURL& destination)
+    : path_(destination.path()) {
+    withStatus("Unable to create destination WAV file " + destination.lastPathComponent() + ".",
+               path_, [&] { file_ = fileManager.open(path_, OpenMode::create); });
 }
 
 void ConvertedFileWriter::configure(std::optional<std::uint64_t> expectedDataSize) {
-    checkingStatus("Unable to configure destination audio conversion.", [&] {
+    withStatus("Unable to configure destination audio conversion.", path_, [&] {
         headerDataSize_ = expectedDataSize.value_or(0);
         if (headerDataSize_ > maxConvertedDataSize)
             throw AudioError(-EFBIG);
@@ -75,7 +75,7 @@ void ConvertedFileWriter::configure(std::optional<std::uint64_t> expectedDataSiz
 }
 
 void ConvertedFileWriter::write(std::span<const std::byte> data) {
-    checkingStatus(unableToWrite, [&] {
+    withStatus(unableToWrite, path_, [&] {
         if (data.size() > maxConvertedDataSize - dataSize_)
             throw AudioError(-EFBIG);
         file_->write(convertedHeaderSize + dataSize_, data);
@@ -84,14 +84,14 @@ void ConvertedFileWriter::write(std::span<const std::byte> data) {
 }
 
 void ConvertedFileWriter::writeWhole(std::span<const std::byte> file) {
-    checkingStatus(unableToWrite, [&] {
+    withStatus(unableToWrite, path_, [&] {
         file_->write(0, file);
         file_->close();
     });
 }
 
 void ConvertedFileWriter::finish() {
-    checkingStatus(unableToWrite, [&] {
+    withStatus(unableToWrite, path_, [&] {
         if (headerDataSize_ != dataSize_)
             file_->write(0, convertedHeader(static_cast<std::uint32_t>(dataSize_)));
         file_->close();

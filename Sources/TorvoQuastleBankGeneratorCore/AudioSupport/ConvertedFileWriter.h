@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <span>
@@ -41,6 +42,7 @@ public:
     void finish();
 
 private:
+    std::filesystem::path path_;
     std::unique_ptr<File> file_;
     std::uint64_t dataSize_ = 0;       ///< bytes
     std::uint64_t headerDataSize_ = 0; ///< bytes, as the header tells now

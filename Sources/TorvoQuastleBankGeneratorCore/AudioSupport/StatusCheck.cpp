@@ -8,20 +8,21 @@ namespace torvo {
 
 namespace {
 
-[[noreturn]] void fail(std::string_view message, int status) {
+[[noreturn]] void fail(std::string_view message, int status, const std::filesystem::path& file) {
     throw GenerationError::exportFailed(std::string(message) + " (OSStatus " +
-                                        std::to_string(status) + ")");
+                                        std::to_string(status) + ")")
+        .withFile(file);
 }
 
 } // namespace
 
-void throwWithStatus(std::string_view message) {
+void throwWithStatus(std::string_view message, const std::filesystem::path& file) {
     try {
         throw;
     } catch (const AudioError& error) {
-        fail(message, error.status());
+        fail(message, error.status(), file);
     } catch (const FileError& error) {
-        fail(message, -error.code().value());
+        fail(message, -error.code().value(), file);
     }
 }
 

@@ -1,22 +1,24 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace torvo {
 
-/// Throws `GenerationError::exportFailed` for the failure being handled: the message, then the
-/// status behind it (the media library's, or a negated `errno`). Failures that carry no status
-/// pass.
-[[noreturn]] void throwWithStatus(std::string_view message);
+/// Converts the exception being handled to `GenerationError::exportFailed` with `message`, its
+/// status (an FFmpeg error code or a negated `errno`) and `file`. Rethrows exceptions without a
+/// status. Must be called from a catch block.
+[[noreturn]] void throwWithStatus(std::string_view message, const std::filesystem::path& file);
 
-/// Runs one step of a conversion under its message.
+/// Runs one step of a conversion and reports its failure with `message`, as `throwWithStatus` does.
+/// `file` is the file that the step reads or writes.
 template <typename Step>
-void checkingStatus(std::string_view message, Step step) {
+void withStatus(std::string_view message, const std::filesystem::path& file, Step step) {
     try {
         step();
     } catch (...) {
-        throwWithStatus(message);
+        throwWithStatus(message, file);
     }
 }
 

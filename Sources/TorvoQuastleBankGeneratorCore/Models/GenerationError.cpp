@@ -41,6 +41,13 @@ struct Description {
 GenerationError::GenerationError(Case value)
     : value_(std::move(value)), description_(std::visit(Description{}, value_)) {}
 
+GenerationError GenerationError::withFile(std::filesystem::path file) const {
+    auto error = *this;
+    if (!error.file_)
+        error.file_ = std::move(file);
+    return error;
+}
+
 GenerationError GenerationError::requiredRoleMissing(ChannelRole role) {
     return GenerationError(RequiredRoleMissing{role});
 }
@@ -58,7 +65,7 @@ GenerationError GenerationError::insufficientStabs(std::int64_t found) {
 }
 
 GenerationError GenerationError::unsupportedAudio(const FileURL& url) {
-    return GenerationError(UnsupportedAudio{url});
+    return GenerationError(UnsupportedAudio{url}).withFile(url.path());
 }
 
 GenerationError GenerationError::exportFailed(std::string message) {

@@ -5,6 +5,8 @@
 #include "Platform/FileURL.h"
 
 #include <cstdint>
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -62,6 +64,12 @@ public:
     std::string userFacingDescription() const override { return description_; }
     const char* what() const noexcept override { return description_.c_str(); }
 
+    /// The source file when reading failed, the destination file when writing failed. Ignored by
+    /// operator==.
+    std::optional<std::filesystem::path> file() const override { return file_; }
+    /// The same error with this file, unless it already has one.
+    GenerationError withFile(std::filesystem::path file) const;
+
     friend bool operator==(const GenerationError& left, const GenerationError& right) {
         return left.value_ == right.value_;
     }
@@ -71,6 +79,17 @@ private:
 
     Case value_;
     std::string description_;
+    std::optional<std::filesystem::path> file_;
 };
+
+/// Runs `step` and adds `file` to a `GenerationError` that it throws.
+template <typename Step>
+void withFileInErrors(const std::filesystem::path& file, Step step) {
+    try {
+        step();
+    } catch (const GenerationError& error) {
+        throw error.withFile(file);
+    }
+}
 
 } // namespace torvo

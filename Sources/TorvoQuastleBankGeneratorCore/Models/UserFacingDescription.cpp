@@ -1,6 +1,7 @@
 #include "Models/UserFacingDescription.h"
 
 #include "Platform/Error.h"
+#include "Platform/UnicodeText.h"
 
 #include <new>
 
@@ -31,6 +32,25 @@ std::string userFacingDescription(const std::exception_ptr& error) {
         return userFacingDescription(known);
     } catch (...) {
         return "Something unexpected went wrong.";
+    }
+}
+
+std::optional<std::filesystem::path> failedFile(const std::exception& error) {
+    const auto* const known = dynamic_cast<const Error*>(&error);
+    auto file = known != nullptr ? known->file() : std::nullopt;
+    if (file &&
+        userFacingDescription(error).find(text::validUTF8(file->native())) != std::string::npos)
+        file.reset();
+    return file;
+}
+
+std::optional<std::filesystem::path> failedFile(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const std::exception& known) {
+        return failedFile(known);
+    } catch (...) {
+        return std::nullopt;
     }
 }
 

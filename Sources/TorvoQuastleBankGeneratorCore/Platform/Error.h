@@ -1,6 +1,8 @@
 #pragma once
 
 #include <exception>
+#include <filesystem>
+#include <optional>
 #include <string>
 
 namespace torvo {
@@ -10,6 +12,8 @@ class Error : public std::exception {
 public:
     /// One sentence for the user.
     virtual std::string userFacingDescription() const = 0;
+    /// The file that caused the failure, if known.
+    virtual std::optional<std::filesystem::path> file() const { return std::nullopt; }
 };
 
 } // namespace torvo

@@ -35,6 +35,7 @@ public:
     /// One sentence: "Unable to write /card/Kit/QZT508/Bank 1/info.txt: No space left on device."
     std::string errorDescription() const { return description_; }
     std::string userFacingDescription() const override { return description_; }
+    std::optional<std::filesystem::path> file() const override { return path_; }
     const char* what() const noexcept override { return description_.c_str(); }
 
 private:
