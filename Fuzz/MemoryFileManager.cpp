@@ -112,4 +112,8 @@ std::unique_ptr<File> MemoryFileManager::open(const fs::path& path, OpenMode mod
 
 void MemoryFileManager::flushVolume(const fs::path&) const {}
 
+std::optional<std::uint64_t> MemoryFileManager::availableSpace(const fs::path&) const {
+    return std::nullopt;
+}
+
 } // namespace torvo::fuzz

@@ -163,8 +163,12 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
 
     fileManager_->createDirectory(runFolder.path());
     const WrittenFolder written(fileManager_, runFolder.path());
-    if (fileManager_->linkStatus(deviceFolder.path()))
+    if (const auto earlier = fileManager_->linkStatus(deviceFolder.path())) {
+        // Do not delete the existing banks for a run that cannot succeed.
+        const auto neededSpace = openSamples(*fileManager_, job.recipes);
+        requireSpace(*fileManager_, deviceFolder, *earlier, neededSpace);
         fileManager_->removeItem(deviceFolder.path());
+    }
     fileManager_->createDirectory(deviceFolder.path());
 
     const auto runPreparer = preparer_->forRun(job.recipes);

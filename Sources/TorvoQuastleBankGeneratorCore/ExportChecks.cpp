@@ -1,7 +1,11 @@
 #include "ExportChecks.h"
 
+#include "AudioSupport/Conversion.h"
+#include "AudioSupport/RiffChunks.h"
+#include "Models/Device.h"
 #include "Models/GenerationError.h"
 
+#include <algorithm>
 #include <string_view>
 #include <unordered_map>
 
@@ -32,6 +36,39 @@ private:
     FileIdentity deviceFolder_;
     std::unordered_map<std::string, bool> answers_;
 };
+
+/// Opens the sample in the same way as its preparation. Returns the size of its copy in bytes, 0
+/// when it is converted.
+std::uint64_t openSample(const FileManager& fileManager, const SampleCandidate& sample) {
+    if (std::holds_alternative<RequiresConversion>(sample.compatibility)) {
+        openConversionSource(fileManager, sample.sourceURL);
+        return 0;
+    }
+    const auto file = fileManager.open(sample.sourceURL.path(), OpenMode::read);
+    // A compatible file that is not stampable is converted.
+    return isStampable(FileByteSource(*file)) ? file->size() : 0;
+}
+
+std::uint64_t saturatingSum(std::uint64_t left, std::uint64_t right) {
+    return left > UINT64_MAX - right ? UINT64_MAX : left + right;
+}
+
+/// The maximum number of bytes that deleting the item frees.
+std::uint64_t spaceOf(const FileManager& fileManager, const FileURL& item,
+                      const FileStatus& status) {
+    // Some file systems report 0 allocated blocks.
+    auto space = std::max(status.size, status.allocatedSize);
+    if (status.kind != FileKind::directory)
+        return space;
+    enumerateDeep(fileManager, item, EnumerationOptions::skipNothing, UnreadableFolders::fail,
+                  [&](const EnumeratedItem& below) {
+                      if (const auto found = fileManager.linkStatus(below.url.path()))
+                          space = saturatingSum(space, std::max(found->size, found->allocatedSize));
+                  });
+    return space;
+}
+
+constexpr std::uint64_t megabyte = 1'000'000; // bytes
 
 } // namespace
 
@@ -78,6 +115,43 @@ void requireSourceOutside(const FileManager& fileManager, const FileURL& deviceF
             }
         }
     }
+}
+
+std::uint64_t openSamples(const FileManager& fileManager, const std::vector<BankRecipe>& recipes) {
+    constexpr std::uint64_t copiesOfASample = 2; // a channel's file and its copy in the pool
+    std::unordered_map<std::string, std::uint64_t> sizes; // by path
+    std::uint64_t needed = 0;
+    for (const auto& recipe : recipes) {
+        for (std::int64_t channel = 1; channel <= device::channelCount; ++channel) {
+            const auto found = recipe.channels.find(channel);
+            if (found == recipe.channels.end())
+                continue; // the export reports the missing channel
+            const auto& sample = found->second;
+            const auto& path = sample.sourceURL.nativePath();
+            auto known = sizes.find(path);
+            if (known == sizes.end())
+                known = sizes.emplace(path, openSample(fileManager, sample)).first;
+            for (std::uint64_t copy = 0; copy < copiesOfASample; ++copy)
+                needed = saturatingSum(needed, known->second);
+        }
+    }
+    return needed;
+}
+
+void requireSpace(const FileManager& fileManager, const FileURL& deviceFolder,
+                  const FileStatus& earlier, std::uint64_t neededSpace) {
+    const auto available =
+        fileManager.availableSpace(deviceFolder.deletingLastPathComponent().path());
+    if (!available || neededSpace <= *available)
+        return;
+    const auto free = saturatingSum(*available, spaceOf(fileManager, deviceFolder, earlier));
+    if (neededSpace <= free)
+        return;
+    // Round up the needed and round down the free space, so that the numbers differ.
+    throw GenerationError::exportFailed(
+        "Not enough space for " + deviceFolder.shownPath() + ": " +
+        std::to_string(neededSpace / megabyte + (neededSpace % megabyte == 0 ? 0 : 1)) +
+        " MB needed, " + std::to_string(free / megabyte) + " MB free. Nothing was deleted.");
 }
 
 } // namespace torvo

@@ -79,4 +79,8 @@ void ForwardingFileManager::flushVolume(const fs::path& path) const {
     behind_->flushVolume(path);
 }
 
+std::optional<std::uint64_t> ForwardingFileManager::availableSpace(const fs::path& folder) const {
+    return behind_->availableSpace(folder);
+}
+
 } // namespace torvo::test

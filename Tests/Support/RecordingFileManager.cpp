@@ -156,4 +156,9 @@ void RecordingFileManager::flushVolume(const fs::path& path) const {
     behind().flushVolume(path);
 }
 
+std::optional<std::uint64_t> RecordingFileManager::availableSpace(const fs::path& folder) const {
+    log_->add("availableSpace", folder);
+    return behind().availableSpace(folder);
+}
+
 } // namespace torvo::test

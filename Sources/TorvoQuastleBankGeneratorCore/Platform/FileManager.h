@@ -27,7 +27,8 @@ struct FileIdentity {
 
 struct FileStatus {
     FileKind kind = FileKind::regular;
-    std::uint64_t size = 0; ///< bytes
+    std::uint64_t size = 0;          ///< bytes
+    std::uint64_t allocatedSize = 0; ///< bytes of the blocks on disk
     FileIdentity identity;
     std::filesystem::perms permissions = std::filesystem::perms::none;
 };
@@ -98,6 +99,11 @@ public:
 
     /// Waits until everything written to the volume that holds `path` is on the medium.
     virtual void flushVolume(const std::filesystem::path& path) const = 0;
+
+    /// The number of bytes that can still be written to the volume that holds `folder`. Empty when
+    /// it is unknown, and on file systems where a copy may take up less than its size.
+    virtual std::optional<std::uint64_t>
+    availableSpace(const std::filesystem::path& folder) const = 0;
 };
 
 /// The operating system's file system.
@@ -149,8 +155,9 @@ struct EnumeratedItem {
 };
 
 enum class EnumerationOptions {
-    skipPackageContents, ///< folders that are shown as one item are not entered
-    skipHidden,          ///< names that begin with a dot are left out, folders with their content
+    skipPackageContents, ///< does not enter folders that the desktop shows as one item
+    skipHidden,          ///< omits names that begin with a dot, and the contents of such folders
+    skipNothing,
 };
 
 /// What becomes of a folder below the root that cannot be read.

@@ -1,11 +1,16 @@
 #include "Platform/FileManager.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <memory>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 #include <utility>
 
@@ -60,6 +65,7 @@ FileKind kindOf(mode_t mode) {
 FileStatus statusOf(const struct stat& details) {
     return {.kind = kindOf(details.st_mode),
             .size = static_cast<std::uint64_t>(details.st_size),
+            .allocatedSize = static_cast<std::uint64_t>(details.st_blocks) * S_BLKSIZE,
             .identity = {.device = details.st_dev, .node = details.st_ino},
             .permissions = static_cast<fs::perms>(details.st_mode) & fs::perms::mask};
 }
@@ -208,6 +214,19 @@ Descriptor openNew(const fs::path& path, int flags) {
     return descriptor;
 }
 
+/// Whether the file system compresses data, or copy_file_range() may share blocks with the source
+/// on it. True when statfs() fails.
+bool mayStoreLessThanSize(const fs::path& folder) {
+    // <linux/magic.h> does not define ZFS and bcachefs.
+    constexpr std::array<std::uint32_t, 10> types{
+        BTRFS_SUPER_MAGIC,  XFS_SUPER_MAGIC,  F2FS_SUPER_MAGIC, OCFS2_SUPER_MAGIC,
+        NFS_SUPER_MAGIC,    CIFS_SUPER_MAGIC, SMB2_SUPER_MAGIC, CEPH_SUPER_MAGIC,
+        0x2FC12FC1 /*ZFS*/, 0xCA451A4E /*bcachefs*/};
+    struct statfs details {};
+    return ::statfs(folder.c_str(), &details) != 0 ||
+           std::ranges::find(types, static_cast<std::uint32_t>(details.f_type)) != types.end();
+}
+
 class SystemFileManager final : public FileManager {
 public:
     std::optional<FileStatus> linkStatus(const fs::path& path) const override {
@@ -295,6 +314,17 @@ public:
         // that cannot flush a folder says so with EINVAL.
         if (::fsync(descriptor.number()) != 0 && errno != EINVAL)
             throw FileError(FileOperation::flush, path, errno);
+    }
+
+    std::optional<std::uint64_t> availableSpace(const fs::path& folder) const override {
+        struct statvfs details {};
+        // Some network file systems report 0 blocks.
+        if (::statvfs(folder.c_str(), &details) != 0 || details.f_blocks == 0 ||
+            mayStoreLessThanSize(folder))
+            return std::nullopt;
+        // Only the superuser may use the reserved blocks.
+        const std::uint64_t blocks = ::geteuid() == 0 ? details.f_bfree : details.f_bavail;
+        return blocks * details.f_frsize;
     }
 
 private:
