@@ -112,6 +112,10 @@ std::unique_ptr<File> MemoryFileManager::open(const fs::path& path, OpenMode mod
 
 void MemoryFileManager::flushVolume(const fs::path&) const {}
 
+std::unique_ptr<FolderLock> MemoryFileManager::lockFolder(const fs::path&) const {
+    return std::make_unique<FolderLock>();
+}
+
 std::optional<std::uint64_t> MemoryFileManager::availableSpace(const fs::path&) const {
     return std::nullopt;
 }

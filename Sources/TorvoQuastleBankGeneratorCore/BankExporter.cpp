@@ -5,6 +5,7 @@
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/UnicodeText.h"
+#include "WriterLock.h"
 
 #include <algorithm>
 #include <set>
@@ -162,6 +163,7 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
     requireSourceOutside(*fileManager_, deviceFolder, job);
 
     fileManager_->createDirectory(runFolder.path());
+    const auto lock = lockForWriting(*fileManager_, runFolder);
     const WrittenFolder written(fileManager_, runFolder.path());
     if (const auto earlier = fileManager_->linkStatus(deviceFolder.path())) {
         // Do not delete the existing banks for a run that cannot succeed.

@@ -5,6 +5,7 @@
 #include "Models/GenerationError.h"
 #include "Platform/Precondition.h"
 #include "Platform/UnicodeText.h"
+#include "WriterLock.h"
 
 #include <algorithm>
 #include <array>
@@ -202,6 +203,8 @@ void TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options, const Fi
 
 std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
                                            const FileURL& toWAVsUnder) const {
+    const auto lock =
+        lockForWriting(*fileManager_, folderToLockForStamping(*fileManager_, toWAVsUnder));
     // The list is complete before the first file is written: a walk over a folder that is being
     // rewritten may meet a file twice.
     std::vector<EnumeratedItem> items;

@@ -23,11 +23,12 @@ public:
     void apply(const TorvoMetadataOptions& options, const FileURL& to,
                std::optional<std::int64_t> channel) const;
 
-    /// Rewrites every visible WAV file below a folder, each with the channel that its own folder's
-    /// name gives; returns how many once they are on the medium. The first failure ends the walk,
-    /// files already written stay. Throws as above; a folder that cannot be
-    /// listed gives 0.
-    std::int64_t apply(const TorvoMetadataOptions& options, const FileURL& toWAVsUnder) const;
+    /// Rewrites every visible WAV file below a folder, each with the channel number given by its
+    /// parent folder. Returns the number of files once they have reached the storage medium, 0 when
+    /// the folder cannot be listed. Stops at the first failure; files already written stay. Throws
+    /// as above, and `GenerationError` while another program writes into the folder that contains
+    /// the device folder.
+    std::int64_t apply(const TorvoMetadataOptions& options, const FileURL& folder) const;
 
     /// The same change to a file's bytes in memory. They are left alone when it throws.
     void updateBusyChunk(std::vector<std::byte>& in, const TorvoMetadataOptions& options,

@@ -1,5 +1,5 @@
-// The checks before an export changes anything: every sample can be opened, and there is enough
-// space.
+// The checks before an export or a stamp changes anything: every sample can be opened, there is
+// enough space, and no other program is writing to the same folder.
 
 #include "AudioFixtures.h"
 #include "ExportFixture.h"
@@ -11,8 +11,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <optional>
 #include <string>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,15 +23,22 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// The real file system with preset answers where the volume decides.
 class FakeVolume final : public ForwardingFileManager {
 public:
     std::optional<std::uint64_t> available; ///< bytes
+    int lockError = 0;                      ///< value of `errno`, 0 for a lock that is taken
 
     std::optional<std::uint64_t> availableSpace(const fs::path&) const override {
         return available;
+    }
+    std::unique_ptr<FolderLock> lockFolder(const fs::path& folder) const override {
+        if (lockError != 0)
+            throw FileError(FileOperation::lock, folder, lockError);
+        return behind().lockFolder(folder);
     }
 };
 
@@ -151,7 +160,7 @@ TEST(ExportSafety, opensEveryFileOnceAndOneAtATime) {
     });
     EXPECT_TRUE(thrown<FileError>([&] { banks.run(std::make_shared<RecordingFileManager>(log)); }));
     EXPECT_EQ(log->described(banks.folder.path(), {"open read"}), expected);
-    EXPECT_LE(mostOpen, 1);
+    EXPECT_LE(mostOpen, 2) << "one sample and the lock";
 }
 
 /// An upper bound of the bytes that deleting the tree frees.
@@ -239,6 +248,188 @@ TEST(AvailableSpace, isKnownOnlyWhereTheFileSystemReportsIt) {
     const auto inMemory = systemFileManager()->availableSpace("/dev/shm");
     ASSERT_TRUE(inMemory);
     EXPECT_LE(*inMemory, fs::space("/dev/shm").capacity);
+}
+
+/// Stands in for another program: flock() locks of two descriptors exclude each other even within
+/// one process.
+class HeldLock {
+public:
+    explicit HeldLock(const fs::path& folder)
+        : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+          isHeld_(::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) {}
+    ~HeldLock() { ::close(descriptor_); }
+    HeldLock(const HeldLock&) = delete;
+    HeldLock& operator=(const HeldLock&) = delete;
+
+    bool isHeld() const { return isHeld_; }
+
+private:
+    int descriptor_;
+    bool isHeld_;
+};
+
+GenerationError anotherProgram(const fs::path& folder) {
+    return GenerationError::exportFailed("Another program is writing into " + folder.string() +
+                                         ". Nothing was changed.");
+}
+
+TEST(WriterLock, anExportIsRefusedWhileAnotherProgramWrites) {
+    EarlierBanks banks;
+    const auto runFolder = banks.folder / "card/Kit";
+    {
+        const HeldLock other(runFolder);
+        ASSERT_TRUE(other.isHeld());
+        EXPECT_EQ(thrown<GenerationError>([&] { banks.run(); }), anotherProgram(runFolder));
+        banks.expectNothingChanged();
+    }
+    EXPECT_EQ(banks.run().banksWritten, 2);
+    EXPECT_TRUE(HeldLock(runFolder).isHeld()) << "an export that has ended holds no lock";
+}
+
+TEST(WriterLock, aStampIsRefusedWhileAnotherProgramWrites) {
+    EarlierBanks banks;
+    const auto runFolder = banks.folder / "card/Kit";
+    const auto stamp = [&] {
+        return TorvoWAVMetadataWriter().apply({}, FileURL::directory(runFolder / "QZT508"));
+    };
+    {
+        const HeldLock other(runFolder);
+        EXPECT_EQ(thrown<GenerationError>(stamp), anotherProgram(runFolder));
+        banks.expectNothingChanged();
+    }
+    EXPECT_EQ(stamp(), 32);
+    EXPECT_TRUE(HeldLock(runFolder).isHeld());
+}
+
+TEST(WriterLock, isHeldFromTheDeletionToTheLastFlush) {
+    EarlierBanks banks;
+    const auto runFolder = banks.folder / "card/Kit";
+    std::vector<std::string> unlocked;
+    std::size_t checked = 0;
+    const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
+        if (call.operation != "removeItem" && call.operation != "flushVolume" &&
+            call.operation != "write" && call.operation != "replaceItem")
+            return;
+        ++checked;
+        if (HeldLock(runFolder).isHeld())
+            unlocked.push_back(call.operation);
+    });
+    const auto fileManager = std::make_shared<RecordingFileManager>(log);
+    banks.run(fileManager);
+    EXPECT_GE(checked, 1U + 32U + 1U);
+    checked = 0;
+    TorvoWAVMetadataWriter(fileManager).apply({}, FileURL::directory(runFolder / "QZT508"));
+    EXPECT_GE(checked, 32U + 1U);
+    EXPECT_THAT(unlocked, IsEmpty());
+}
+
+TEST(WriterLock, onlyALockOfAnotherProgramFailsARun) {
+    for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS, EBADF, EACCES, EINVAL, EIO}) {
+        EarlierBanks banks;
+        const auto volume = std::make_shared<FakeVolume>();
+        volume->lockError = error;
+        EXPECT_EQ(banks.run(volume).banksWritten, 2) << error;
+        EXPECT_EQ(TorvoWAVMetadataWriter(volume).apply(
+                      {}, FileURL::directory(banks.folder / "card/Kit/QZT508")),
+                  32)
+            << error;
+    }
+    EarlierBanks banks;
+    const auto volume = std::make_shared<FakeVolume>();
+    volume->lockError = EWOULDBLOCK;
+    EXPECT_EQ(thrown<GenerationError>([&] { banks.run(volume); }),
+              anotherProgram(banks.folder / "card/Kit"));
+    banks.expectNothingChanged();
+}
+
+TEST(WriterLock, aStampLocksTheParentOfTheDeviceFolder) {
+    const TemporaryFolder folder;
+    folder.createFolder("card/Kit/QZT508/Bank 1/3");
+    folder.createFolder("card/Other");
+    fs::create_directory_symlink(folder / "card/Kit/QZT508", folder / "link");
+    fs::create_directory_symlink(folder / "card/Other", folder / "QZT508");
+    const std::vector<std::pair<std::string, std::string>> rows{
+        {"card/Kit/QZT508", "card/Kit"},
+        {"card/Kit/QZT508/Bank 1/3", "card/Kit"},
+        {"link", "card/Kit"},
+        {"QZT508", "card/Other"},
+        {"card/Kit", "card/Kit"},
+        {"card/Other", "card/Other"}};
+    for (const auto& [stamped, locked] : rows) {
+        const auto log = std::make_shared<FileCallLog>();
+        TorvoWAVMetadataWriter(std::make_shared<RecordingFileManager>(log))
+            .apply({}, FileURL::directory(folder / stamped));
+        EXPECT_THAT(log->described(folder.path(), {"lockFolder"}),
+                    ElementsAre("lockFolder " + locked))
+            << stamped;
+    }
+}
+
+TEST(ExportOrder, closesEveryFileBeforeFlushingAndCheckingTheVolume) {
+    ExportFixture fixture;
+    const auto log = std::make_shared<FileCallLog>();
+    const auto fileManager = std::make_shared<RecordingFileManager>(log);
+    fixture.job.recipes = {fixture.bank(1, {"a"}), fixture.bank(2, {"a"})};
+    BankExporter(fileManager, std::make_shared<AVAudioSamplePreparer>(fileManager),
+                 TorvoWAVMetadataWriter(fileManager))
+        .exportBanks(fixture.job);
+
+    std::vector<std::string> expected{"createDirectory .", "lockFolder .", "status .",
+                                      "createDirectory QZT508", "createDirectory QZT508/Pool"};
+    const auto expect = [&](const std::string& line) { expected.push_back(line); };
+    for (const std::string number : {"1", "2"}) {
+        const auto bank = "QZT508/Bank " + number;
+        const auto pool = "QZT508/Pool/Bank 0" + number;
+        expect("status ."); // still the same volume
+        expect("createDirectory " + bank);
+        for (const std::string call : {"open create", "write", "close"})
+            expect(call + " " + bank + "/info.txt");
+        expect("createDirectory " + pool);
+        for (int channel = 1; channel <= 8; ++channel) {
+            const auto folder = bank + "/" + std::to_string(channel);
+            const auto pooled = channel == 1 ? "a.wav" : "a-00" + std::to_string(channel) + ".wav";
+            expect("createDirectory " + folder);
+            for (const auto& file : {folder + "/a.wav", pool + "/" + pooled}) {
+                for (const std::string call : {"copyItem", "open update", "write", "close"})
+                    expect(call + " " + file);
+            }
+        }
+    }
+    expect("flushVolume .");
+    expect("status .");
+    EXPECT_EQ(log->described(fixture.folder / "card/Kit",
+                             {"createDirectory", "lockFolder", "status", "open create", "write",
+                              "close", "copyItem", "open update", "flushVolume", "flush",
+                              "replaceItem", "removeItem"}),
+              expected);
+}
+
+TEST(ExportOrder, reportsAFailedClose) {
+    for (const std::string name : {"info.txt", "a.wav"}) {
+        ExportFixture fixture;
+        fixture.job.recipes = {fixture.bank(1, {"a"})};
+        const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
+            if (call.operation == "close" && call.path.filename() == name)
+                throw FileError(FileOperation::flush, call.path, EDQUOT);
+        });
+        const auto error =
+            thrown<FileError>([&] { fixture.run(std::make_shared<RecordingFileManager>(log)); });
+        ASSERT_TRUE(error) << name;
+        EXPECT_EQ(error->path().filename(), name);
+        EXPECT_EQ(error->code(), std::errc(EDQUOT));
+    }
+}
+
+TEST(ExportOrder, reportsACardRemovedAfterTheLastFlush) {
+    ExportFixture fixture;
+    bool isFlushed = false;
+    const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
+        isFlushed = isFlushed || call.operation == "flushVolume";
+        if (isFlushed && call.operation == "status")
+            throw FileError(FileOperation::inspect, call.path, ENODEV);
+    });
+    EXPECT_TRUE(
+        thrown<FileError>([&] { fixture.run(std::make_shared<RecordingFileManager>(log)); }));
 }
 
 } // namespace

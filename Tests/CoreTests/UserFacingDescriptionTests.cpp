@@ -56,6 +56,7 @@ TEST(FileError, namesTheOperationThePathAndTheReason) {
         {FileOperation::replace, "Unable to replace /a b: Permission denied."},
         {FileOperation::flush, "Unable to finish writing /a b: Permission denied."},
         {FileOperation::inspect, "Unable to look at /a b: Permission denied."},
+        {FileOperation::lock, "Unable to lock /a b: Permission denied."},
     };
     for (const auto& row : rows) {
         const FileError error(row.operation, "/a b", EACCES);

@@ -141,4 +141,9 @@ void FaultyFileManager::flushVolume(const fs::path& path) const {
     plan_->check(FileOperation::flush, path);
 }
 
+std::unique_ptr<FolderLock> FaultyFileManager::lockFolder(const fs::path& folder) const {
+    plan_->check(FileOperation::lock, folder);
+    return behind().lockFolder(folder);
+}
+
 } // namespace torvo::test

@@ -79,6 +79,10 @@ void ForwardingFileManager::flushVolume(const fs::path& path) const {
     behind_->flushVolume(path);
 }
 
+std::unique_ptr<FolderLock> ForwardingFileManager::lockFolder(const fs::path& folder) const {
+    return behind_->lockFolder(folder);
+}
+
 std::optional<std::uint64_t> ForwardingFileManager::availableSpace(const fs::path& folder) const {
     return behind_->availableSpace(folder);
 }

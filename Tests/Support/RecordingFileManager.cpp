@@ -156,6 +156,11 @@ void RecordingFileManager::flushVolume(const fs::path& path) const {
     behind().flushVolume(path);
 }
 
+std::unique_ptr<FolderLock> RecordingFileManager::lockFolder(const fs::path& folder) const {
+    log_->add("lockFolder", folder);
+    return behind().lockFolder(folder);
+}
+
 std::optional<std::uint64_t> RecordingFileManager::availableSpace(const fs::path& folder) const {
     log_->add("availableSpace", folder);
     return behind().availableSpace(folder);

@@ -61,6 +61,7 @@ public:
                      const std::filesystem::path& source) const override;
     std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;
     void flushVolume(const std::filesystem::path& path) const override;
+    std::unique_ptr<FolderLock> lockFolder(const std::filesystem::path& folder) const override;
     std::optional<std::uint64_t> availableSpace(const std::filesystem::path& folder) const override;
 
 private:

@@ -28,6 +28,8 @@ std::string_view verb(FileOperation operation) {
         return "finish writing";
     case FileOperation::inspect:
         return "look at";
+    case FileOperation::lock:
+        return "lock";
     }
     return "use";
 }

@@ -19,6 +19,7 @@ enum class FileOperation {
     replace,
     flush,
     inspect,
+    lock,
 };
 
 /// A file system error with its path and system error code.

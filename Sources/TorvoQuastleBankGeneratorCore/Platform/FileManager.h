@@ -59,6 +59,12 @@ public:
     virtual void close() = 0;
 };
 
+/// An exclusive lock on a folder, released by the destructor.
+class FolderLock {
+public:
+    virtual ~FolderLock() = default;
+};
+
 enum class OpenMode {
     read,         ///< an existing regular file
     update,       ///< an existing regular file, read and written in place
@@ -99,6 +105,11 @@ public:
 
     /// Waits until everything written to the volume that holds `path` is on the medium.
     virtual void flushVolume(const std::filesystem::path& path) const = 0;
+
+    /// Takes an advisory lock on an existing folder (flock()); the operating system releases it
+    /// when the process ends. Does not wait: throws `FileError` with the code EWOULDBLOCK when
+    /// another process holds the lock, and with any other code when the folder cannot be locked.
+    virtual std::unique_ptr<FolderLock> lockFolder(const std::filesystem::path& folder) const = 0;
 
     /// The number of bytes that can still be written to the volume that holds `folder`. Empty when
     /// it is unknown, and on file systems where a copy may take up less than its size.

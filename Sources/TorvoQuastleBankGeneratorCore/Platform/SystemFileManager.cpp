@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <linux/magic.h>
 #include <memory>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/vfs.h>
@@ -214,6 +215,14 @@ Descriptor openNew(const fs::path& path, int flags) {
     return descriptor;
 }
 
+class SystemFolderLock final : public FolderLock {
+public:
+    explicit SystemFolderLock(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
+
+private:
+    Descriptor descriptor_; ///< closing it releases the lock
+};
+
 /// Whether the file system compresses data, or copy_file_range() may share blocks with the source
 /// on it. True when statfs() fails.
 bool mayStoreLessThanSize(const fs::path& folder) {
@@ -314,6 +323,13 @@ public:
         // that cannot flush a folder says so with EINVAL.
         if (::fsync(descriptor.number()) != 0 && errno != EINVAL)
             throw FileError(FileOperation::flush, path, errno);
+    }
+
+    std::unique_ptr<FolderLock> lockFolder(const fs::path& folder) const override {
+        Descriptor descriptor(openDescriptor(folder, O_RDONLY | O_DIRECTORY));
+        if (!descriptor.isValid() || ::flock(descriptor.number(), LOCK_EX | LOCK_NB) != 0)
+            throw FileError(FileOperation::lock, folder, errno);
+        return std::make_unique<SystemFolderLock>(std::move(descriptor));
     }
 
     std::optional<std::uint64_t> availableSpace(const fs::path& folder) const override {
