@@ -2,12 +2,16 @@
 #include "ForwardingFileManager.h"
 #include "LockedFolderFileManager.h"
 #include "Platform/FileManager.h"
+#include "RecordingFileManager.h"
 #include "Thrown.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <iomanip>
+#include <memory>
+#include <new>
 #include <sstream>
 #include <string>
 #include <unistd.h>
@@ -219,6 +223,83 @@ TEST(RemoveAbandonedTemporaries, leavesWhatThisProcessIsWriting) {
     const TemporaryFolder folder;
     writeFileAtomically(TidyingFileManager(systemFileManager()), folder / "whole", bytes("all"));
     EXPECT_EQ(textOf(folder / "whole"), "all");
+}
+
+std::vector<std::string> namesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : files().contentsOfDirectory(folder))
+        names.push_back(entry.name);
+    return names;
+}
+
+TEST(WriteFileAtomically, leavesNoTemporaryFileOnBadAlloc) {
+    for (const auto* operation : {"open createUnique", "linkStatus", "setPermissions", "write",
+                                  "flush", "close", "replaceItem"}) {
+        const TemporaryFolder folder;
+        const auto path = folder.write("file", "old");
+        const auto log = std::make_shared<FileCallLog>([=](const FileCall& call) {
+            if (call.operation == operation)
+                throw std::bad_alloc();
+        });
+        EXPECT_THROW(
+            writeFileAtomically(RecordingFileManager(log), path, bytes("new"), fs::perms(0604)),
+            std::bad_alloc)
+            << operation;
+        EXPECT_THAT(namesIn(folder.path()), ElementsAre("file")) << operation;
+        EXPECT_EQ(textOf(path), "old");
+    }
+}
+
+/// Creates the file, then throws std::bad_alloc.
+class ForgetfulFileManager final : public ForwardingFileManager {
+public:
+    std::unique_ptr<File> open(const fs::path& path, OpenMode mode) const override {
+        ForwardingFileManager::open(path, mode);
+        throw std::bad_alloc();
+    }
+};
+
+TEST(WriteFileAtomically, leavesNoTemporaryFileOnBadAllocWhileOpening) {
+    const TemporaryFolder folder;
+    EXPECT_THROW(writeFileAtomically(ForgetfulFileManager(), folder / "file", bytes("new")),
+                 std::bad_alloc);
+    EXPECT_THAT(namesIn(folder.path()), IsEmpty());
+}
+
+TEST(WriteFileAtomically, changesPermissionsOnlyWhereTheyDiffer) {
+    const TemporaryFolder folder;
+    const auto log = std::make_shared<FileCallLog>();
+    const RecordingFileManager recording(log);
+    writeFileAtomically(recording, folder / "file", bytes("x"), ordinaryFilePermissions());
+    EXPECT_THAT(log->described(folder.path(), {"setPermissions"}), IsEmpty());
+    writeFileAtomically(recording, folder / "file", bytes("x"), fs::perms(0600));
+    EXPECT_THAT(log->described(folder.path(), {"setPermissions"}),
+                ElementsAre("setPermissions .tmp"));
+    EXPECT_EQ(fs::status(folder / "file").permissions(), fs::perms(0600));
+}
+
+TEST(WriteFileAtomically, succeedsOnFileSystemsWithoutPermissions) {
+    struct Row {
+        int errorNumber;
+        bool goesOn;
+    };
+    const Row rows[] = {{EPERM, true},   {EACCES, true}, {ENOTSUP, true}, {ENOSYS, true},
+                        {EROFS, false},  {EIO, false},   {ENOSPC, false}, {EDQUOT, false},
+                        {ENODEV, false}, {ENOENT, false}};
+    for (const auto& row : rows) {
+        const TemporaryFolder folder;
+        const auto path = folder.write("file", "old");
+        const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
+            if (call.operation == "setPermissions")
+                throw FileError(FileOperation::write, call.path, row.errorNumber);
+        });
+        const auto error = thrown<FileError>([&] {
+            writeFileAtomically(RecordingFileManager(log), path, bytes("new"), fs::perms(0604));
+        });
+        EXPECT_EQ(!error, row.goesOn) << row.errorNumber;
+        EXPECT_EQ(textOf(path), row.goesOn ? "new" : "old") << row.errorNumber;
+        EXPECT_THAT(namesIn(folder.path()), ElementsAre("file"));
+    }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "BusyPayload.h"
 #include "LockedFolderFileManager.h"
 #include "Models/GenerationError.h"
+#include "RecordingFileManager.h"
 #include "TemporaryFolder.h"
 #include "Thrown.h"
 #include "TorvoMetadata.h"
@@ -8,7 +9,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <sys/stat.h>
 
@@ -179,6 +184,22 @@ TEST(TorvoMetadataFolder, keepsThePermissionsOfAFile) {
     TorvoWAVMetadataWriter().apply(plain, FileURL(path), 1);
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
     EXPECT_EQ(bytesOf(path), stampedWav(0));
+}
+
+TEST(TorvoMetadataFolder, stampsWhenPermissionsCannotBeSet) {
+    const TemporaryFolder folder;
+    const auto path = folder.write("1/a.wav", smallWav());
+    fs::permissions(path, fs::perms(0640));
+    folder.write("2/b.wav", smallWav());
+    const auto log = std::make_shared<FileCallLog>([](const FileCall& call) {
+        if (call.operation == "setPermissions")
+            throw FileError(FileOperation::write, call.path, EPERM);
+    });
+    const TorvoWAVMetadataWriter writer(std::make_shared<RecordingFileManager>(log));
+    EXPECT_EQ(writer.apply(plain, folder.url()), 2);
+    EXPECT_EQ(bytesOf(path), stampedWav(0));
+    EXPECT_EQ(log->described(folder.path(), {"setPermissions"}).size(), 1U)
+        << "asked for where they differ";
 }
 
 TEST(TorvoMetadataFolder, aHardLinkElsewhereKeepsTheOldContent) {

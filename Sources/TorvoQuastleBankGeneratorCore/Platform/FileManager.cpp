@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <exception>
 #include <string_view>
+#include <utility>
 
 namespace torvo {
 
@@ -29,6 +31,79 @@ std::vector<DirectoryEntry> sortedContents(const FileManager& fileManager, const
     std::ranges::sort(entries, {}, &DirectoryEntry::name);
     return entries;
 }
+
+/// A new file that the destructor removes unless `replace` succeeded.
+class TemporaryFile {
+public:
+    TemporaryFile(const FileManager& fileManager, fs::path path)
+        : fileManager_(fileManager),
+          path_(std::move(path)),
+          removal_(fileManager_, path_),
+          file_(fileManager_.open(path_, OpenMode::createUnique)) {}
+
+    File& content() { return *file_; }
+
+    FileStatus status() const {
+        const auto status = fileManager_.linkStatus(path_);
+        if (!status)
+            throw FileError(FileOperation::inspect, path_, ENOENT);
+        return *status;
+    }
+
+    /// Ignores the error of file systems without permissions, such as FAT and many network shares.
+    void setPermissions(fs::perms permissions) {
+        if (status().permissions == permissions)
+            return;
+        try {
+            file_->setPermissions(permissions);
+        } catch (const FileError& error) {
+            if (!isUnsupported(error))
+                throw;
+        }
+    }
+
+    void replace(const fs::path& destination) {
+        fileManager_.replaceItem(destination, path_);
+        removal_.cancel();
+    }
+
+private:
+    /// Constructed before the file is opened, because open() may create the file and still fail.
+    class Removal {
+    public:
+        Removal(const FileManager& fileManager, const fs::path& path)
+            : fileManager_(fileManager), path_(path) {}
+        ~Removal() {
+            if (isCancelled_)
+                return;
+            try {
+                fileManager_.removeItem(path_);
+            } catch (const std::exception&) {
+                // The original error is reported instead.
+            }
+        }
+        Removal(const Removal&) = delete;
+        Removal& operator=(const Removal&) = delete;
+        void cancel() { isCancelled_ = true; }
+
+    private:
+        const FileManager& fileManager_;
+        const fs::path& path_;
+        bool isCancelled_ = false;
+    };
+
+    static bool isUnsupported(const FileError& error) {
+        return error.code() == std::errc::operation_not_permitted ||
+               error.code() == std::errc::permission_denied ||
+               error.code() == std::errc::operation_not_supported ||
+               error.code() == std::errc::function_not_supported;
+    }
+
+    const FileManager& fileManager_;
+    fs::path path_;
+    Removal removal_;
+    std::unique_ptr<File> file_;
+};
 
 /// Depth first with an explicit stack: folders may be nested deeper than the call stack is.
 class DeepEnumeration {
@@ -100,19 +175,14 @@ void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
     const TemporaryName name;
     const auto temporary = path.parent_path() / name.text();
     try {
-        const auto file = fileManager.open(temporary, OpenMode::createUnique);
-        file->write(0, bytes);
+        TemporaryFile file(fileManager, temporary);
         if (permissions)
-            file->setPermissions(*permissions);
-        file->flush();
-        file->close();
-        fileManager.replaceItem(path, temporary);
+            file.setPermissions(*permissions);
+        file.content().write(0, bytes);
+        file.content().flush();
+        file.content().close();
+        file.replace(path);
     } catch (const FileError& error) {
-        try {
-            fileManager.removeItem(temporary);
-        } catch (const FileError&) {
-            // The first failure is the one to report.
-        }
         // The user knows the file's own name, not the hidden one beside it.
         throw FileError(FileOperation::write, path, error.code());
     }

@@ -281,6 +281,9 @@ public:
     }
 
     void removeItem(const fs::path& path) const override {
+        // Files are removed without remove_all(), which allocates memory.
+        if (::unlink(path.c_str()) == 0)
+            return;
         std::error_code code;
         fs::remove_all(path, code);
         if (code)
