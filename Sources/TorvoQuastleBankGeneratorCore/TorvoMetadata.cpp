@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <ranges>
 #include <span>
@@ -141,7 +142,7 @@ struct Edit {
     std::vector<std::byte> bytes;
 };
 
-std::vector<std::byte> chunkWith(const Payload& payload) {
+std::vector<std::byte> makeBusyChunk(const Payload& payload) {
     std::vector<std::byte> chunk(chunkHeaderSize + payload.size());
     std::ranges::copy(std::as_bytes(std::span(std::string_view("busy"))), chunk.begin());
     writeUInt32(wordAt(chunk, 4), static_cast<std::uint32_t>(payload.size()));
@@ -186,8 +187,26 @@ Edit busyChunkEdit(const ByteSource& bytes, const TorvoMetadataOptions& options,
         return {busy->payloadOffset(), payloadSize, std::move(payload)};
     // The pad byte of an odd old payload is not part of the range and stays, on purpose.
     if (busy)
-        return {busy->headerOffset, busy->payloadEnd() - busy->headerOffset, chunkWith(payload)};
-    return {bytes.size(), 0, chunkWith(payload)};
+        return {busy->headerOffset, busy->payloadEnd() - busy->headerOffset,
+                makeBusyChunk(payload)};
+    return {bytes.size(), 0, makeBusyChunk(payload)};
+}
+
+/// Copies `size` bytes of a file from `offset` on, in blocks, because a recording may be larger
+/// than the available memory.
+void copyBytes(const ByteSource& source, std::uint64_t offset, std::uint64_t size,
+               const FileURL& file, File& destination, std::uint64_t destinationOffset) {
+    constexpr std::uint64_t maxPieceSize = std::uint64_t{1} << 20U;
+    std::vector<std::byte> piece(static_cast<std::size_t>(std::min(size, maxPieceSize)));
+    for (std::uint64_t done = 0; done < size;) {
+        const auto part = std::span(piece).first(
+            static_cast<std::size_t>(std::min<std::uint64_t>(size - done, piece.size())));
+        // The file was truncated after it was opened.
+        if (source.read(offset + done, part) < part.size())
+            throw FileError(FileOperation::read, file.path(), EIO);
+        destination.write(destinationOffset + done, part);
+        done += part.size();
+    }
 }
 
 } // namespace
@@ -230,9 +249,18 @@ std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
 void TorvoWAVMetadataWriter::rewrite(const FileURL& file, const TorvoMetadataOptions& options,
                                      std::optional<std::int64_t> channel) const {
     const auto status = fileManager_->status(file.path());
-    auto bytes = readFile(*fileManager_, file.path());
-    withFileInErrors(file.path(), [&] { updateBusyChunk(bytes, options, channel); });
-    writeFileAtomically(*fileManager_, file.path(), bytes,
+    const auto original = fileManager_->open(file.path(), OpenMode::read);
+    const FileByteSource source(*original);
+    Edit edit;
+    withFileInErrors(file.path(), [&] { edit = busyChunkEdit(source, options, channel); });
+    const auto write = [&](File& stamped) {
+        const auto replacedEnd = edit.offset + edit.replacedSize;
+        copyBytes(source, 0, edit.offset, file, stamped, 0);
+        stamped.write(edit.offset, edit.bytes);
+        copyBytes(source, replacedEnd, source.size() - replacedEnd, file, stamped,
+                  edit.offset + edit.bytes.size());
+    };
+    writeFileAtomically(*fileManager_, file.path(), write,
                         status ? std::optional(status->permissions) : std::nullopt);
 }
 

@@ -41,7 +41,7 @@ TEST(WriteFileAtomically, replacesAndLeavesNothingBeside) {
     writeFileAtomically(files(), longest, bytes("two"), fs::perms(0604));
     EXPECT_EQ(textOf(longest), "two");
     EXPECT_EQ(fs::status(longest).permissions(), fs::perms(0604));
-    writeFileAtomically(files(), longest, {});
+    writeFileAtomically(files(), longest, bytes(""));
     EXPECT_EQ(textOf(longest), "");
     EXPECT_EQ(files().contentsOfDirectory(folder.path()).size(), 1U);
 }

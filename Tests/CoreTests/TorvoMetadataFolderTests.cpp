@@ -16,6 +16,7 @@
 #include <memory>
 #include <string>
 #include <sys/stat.h>
+#include <utility>
 
 namespace torvo::test {
 namespace {
@@ -200,6 +201,81 @@ TEST(TorvoMetadataFolder, stampsWhenPermissionsCannotBeSet) {
     EXPECT_EQ(bytesOf(path), stampedWav(0));
     EXPECT_EQ(log->described(folder.path(), {"setPermissions"}).size(), 1U)
         << "asked for where they differ";
+}
+
+/// Records the maximum size of a single read or write.
+class MeasuringFileManager final : public ForwardingFileManager {
+public:
+    std::size_t maxSize() const { return *maxSize_; }
+
+    std::unique_ptr<File> open(const fs::path& path, OpenMode mode) const override {
+        return std::make_unique<MeasuringFile>(ForwardingFileManager::open(path, mode), maxSize_);
+    }
+
+private:
+    class MeasuringFile final : public ForwardingFile {
+    public:
+        MeasuringFile(std::unique_ptr<File> behind, std::shared_ptr<std::size_t> maxSize)
+            : ForwardingFile(std::move(behind)), maxSize_(std::move(maxSize)) {}
+        std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
+            *maxSize_ = std::max(*maxSize_, bytes.size());
+            return behind().read(offset, bytes);
+        }
+        void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
+            *maxSize_ = std::max(*maxSize_, bytes.size());
+            behind().write(offset, bytes);
+        }
+
+    private:
+        std::shared_ptr<std::size_t> maxSize_;
+    };
+
+    std::shared_ptr<std::size_t> maxSize_ = std::make_shared<std::size_t>(0);
+};
+
+TEST(TorvoMetadataFolder, stampsALargeFileInBlocks) {
+    Bytes samples(5'000'001);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<std::byte>(i * 7 + i / 251);
+    const Bytes longTail = riffChunk("list", samples);
+    struct Row {
+        const char* name;
+        Bytes file;
+    };
+    const Row rows[] = {
+        {"without a stamp", riffFile({riffChunk("data", samples)})},
+        {"a stamp of another length in front",
+         riffFile({riffChunk("busy", bytes("12345")), riffChunk("data", samples)})},
+        {"a full stamp in the middle",
+         riffFile({riffChunk("data", samples), riffChunk("busy", Bytes(1936)), longTail})},
+    };
+    for (const auto& row : rows) {
+        const TemporaryFolder folder;
+        const auto path = folder.write("3/a.wav", row.file);
+        const auto measuring = std::make_shared<MeasuringFileManager>();
+        const TorvoWAVMetadataWriter writer(measuring);
+        EXPECT_EQ(writer.apply(plain, folder.url()), 1) << row.name;
+        auto expected = row.file;
+        writer.updateBusyChunk(expected, plain, 3);
+        EXPECT_TRUE(bytesOf(path) == expected) << row.name;
+        EXPECT_LE(measuring->maxSize(), std::size_t{1} << 20U) << row.name;
+    }
+}
+
+TEST(TorvoMetadataFolder, leavesAFileThatShrinksMeanwhileUnchanged) {
+    const TemporaryFolder folder;
+    const auto path = folder.write("3/a.wav", riffFile({riffChunk("data", Bytes(3'000'000))}));
+    const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
+        if (call.operation == "open createUnique")
+            fs::resize_file(path, 2'000'000);
+    });
+    const TorvoWAVMetadataWriter writer(std::make_shared<RecordingFileManager>(log));
+    const auto error = thrown<FileError>([&] { writer.apply(plain, FileURL(path), 3); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->operation(), FileOperation::read);
+    EXPECT_EQ(error->path(), path);
+    EXPECT_EQ(fs::file_size(path), 2'000'000U);
+    EXPECT_EQ(std::distance(fs::directory_iterator(path.parent_path()), {}), 1);
 }
 
 TEST(TorvoMetadataFolder, aHardLinkElsewhereKeepsTheOldContent) {

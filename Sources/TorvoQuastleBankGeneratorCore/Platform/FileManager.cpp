@@ -171,21 +171,31 @@ std::vector<std::byte> readFile(const FileManager& fileManager, const fs::path& 
 }
 
 void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
-                         std::span<const std::byte> bytes, std::optional<fs::perms> permissions) {
+                         const std::function<void(File&)>& write,
+                         std::optional<fs::perms> permissions) {
     const TemporaryName name;
     const auto temporary = path.parent_path() / name.text();
     try {
         TemporaryFile file(fileManager, temporary);
         if (permissions)
             file.setPermissions(*permissions);
-        file.content().write(0, bytes);
+        write(file.content());
         file.content().flush();
         file.content().close();
         file.replace(path);
     } catch (const FileError& error) {
-        // The user knows the file's own name, not the hidden one beside it.
+        // Replace the path of the temporary file, which the user does not know. Errors of files
+        // that `write` reads keep their own path.
+        if (error.path() != temporary && error.operation() != FileOperation::replace)
+            throw;
         throw FileError(FileOperation::write, path, error.code());
     }
+}
+
+void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
+                         std::span<const std::byte> bytes, std::optional<fs::perms> permissions) {
+    writeFileAtomically(
+        fileManager, path, [bytes](File& file) { file.write(0, bytes); }, permissions);
 }
 
 WrittenFolder::WrittenFolder(std::shared_ptr<const FileManager> fileManager, fs::path path)

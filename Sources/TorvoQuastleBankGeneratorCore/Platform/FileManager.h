@@ -123,9 +123,14 @@ std::shared_ptr<const FileManager> systemFileManager();
 /// The whole file.
 std::vector<std::byte> readFile(const FileManager& fileManager, const std::filesystem::path& path);
 
-/// Writes a hidden file beside the target, flushes it and puts it in the target's place: under the
-/// target's name stands the old content or the new, never a part. The hidden file is removed when
-/// anything fails. `permissions` absent means those of an ordinary new file.
+/// Writes a hidden temporary file in the folder of `path`, flushes it and renames it to `path`, so
+/// that `path` has either the old or the new content, never a part of it. On failure the temporary
+/// file is removed and the `FileError` names `path`. `write` is called with the empty file. Without
+/// `permissions` the file has the default permissions of a new file; otherwise they are set before
+/// any content is written, except on file systems without permissions.
+void writeFileAtomically(const FileManager& fileManager, const std::filesystem::path& path,
+                         const std::function<void(File&)>& write,
+                         std::optional<std::filesystem::perms> permissions = std::nullopt);
 void writeFileAtomically(const FileManager& fileManager, const std::filesystem::path& path,
                          std::span<const std::byte> bytes,
                          std::optional<std::filesystem::perms> permissions = std::nullopt);
