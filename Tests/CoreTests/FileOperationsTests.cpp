@@ -9,12 +9,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <iomanip>
+#include <chrono>
 #include <memory>
 #include <new>
-#include <sstream>
 #include <string>
-#include <unistd.h>
 
 namespace torvo::test {
 namespace {
@@ -165,64 +163,9 @@ TEST(EnumerateDeep, aRootThatCannotBeReadHasNoItems) {
     }
 }
 
-TEST(RemoveAbandonedTemporaries, removesItsOwnFilesAndNoOthers) {
-    const TemporaryFolder folder;
-    folder.write(".torvo-0123456789abcdef.tmp", "");
-    folder.write(".torvo-ffffffffffffffff.tmp", "");
-    const std::vector<std::string> kept{
-        ".torvo-0123456789abcde.tmp",  ".torvo-0123456789abcdefa.tmp",
-        ".torvo-0123456789ABCDEF.tmp", "xtorvo-0123456789abcdef.tmp",
-        ".torvo-0123456789abcdef.wav", ".torvo-1111111111111111.tmp"};
-    for (const auto& name : kept) {
-        if (name == kept.back())
-            folder.createFolder(name); // a folder of the name is none of its files
-        else
-            folder.write(name, "");
-    }
-    removeAbandonedTemporaries(files(), folder.path());
-    std::vector<std::string> left;
-    for (const auto& entry : files().contentsOfDirectory(folder.path()))
-        left.push_back(entry.name);
-    EXPECT_THAT(left, testing::UnorderedElementsAreArray(kept));
-    // What cannot be listed stays, without an error.
-    removeAbandonedTemporaries(files(), folder / "missing");
-}
-
-std::string temporaryOf(pid_t process) {
-    std::ostringstream name;
-    name << ".torvo-" << std::hex << std::setw(8) << std::setfill('0') << process << "89abcdef.tmp";
-    return name.str();
-}
-
-TEST(RemoveAbandonedTemporaries, leavesWhatAnotherProcessMayBeWriting) {
-    const TemporaryFolder folder;
-    folder.write(temporaryOf(::getppid()), "");
-    removeAbandonedTemporaries(files(), folder.path());
-    EXPECT_TRUE(std::filesystem::exists(folder / temporaryOf(::getppid())));
-}
-
-TEST(RemoveAbandonedTemporaries, removesWhatThisProcessCouldNotRemove) {
-    const TemporaryFolder folder;
-    folder.write(temporaryOf(::getpid()), "");
-    removeAbandonedTemporaries(files(), folder.path());
-    EXPECT_FALSE(std::filesystem::exists(folder / temporaryOf(::getpid())));
-}
-
-/// Tidies up in the middle of every write, as another thread may.
-class TidyingFileManager final : public ForwardingFileManager {
-public:
-    using ForwardingFileManager::ForwardingFileManager;
-
-    void replaceItem(const fs::path& destination, const fs::path& source) const override {
-        removeAbandonedTemporaries(*this, source.parent_path());
-        ForwardingFileManager::replaceItem(destination, source);
-    }
-};
-
-TEST(RemoveAbandonedTemporaries, leavesWhatThisProcessIsWriting) {
-    const TemporaryFolder folder;
-    writeFileAtomically(TidyingFileManager(systemFileManager()), folder / "whole", bytes("all"));
-    EXPECT_EQ(textOf(folder / "whole"), "all");
+/// Backdates the modification time of a file.
+void age(const fs::path& path, std::chrono::seconds by) {
+    fs::last_write_time(path, fs::last_write_time(path) - by);
 }
 
 std::vector<std::string> namesIn(const fs::path& folder) {
@@ -230,6 +173,83 @@ std::vector<std::string> namesIn(const fs::path& folder) {
     for (const auto& entry : files().contentsOfDirectory(folder))
         names.push_back(entry.name);
     return names;
+}
+
+constexpr auto oneDay = std::chrono::hours(24);
+const std::string temporary = ".torvo-0123456789abcdef.tmp";
+
+TEST(RemoveAbandonedTemporaries, removesItsOwnFilesAndNoOthers) {
+    const TemporaryFolder folder;
+    const std::vector<std::string> kept{
+        ".torvo-0123456789abcde.tmp",  ".torvo-0123456789abcdefa.tmp",
+        ".torvo-0123456789ABCDEF.tmp", "xtorvo-0123456789abcdef.tmp",
+        ".torvo-0123456789abcdef.wav", ".torvo-1111111111111111.tmp"};
+    for (const auto& name : kept) {
+        if (name == kept.back())
+            folder.createFolder(name); // a folder with a matching name
+        else
+            folder.write(name, "");
+        age(folder / name, 2 * oneDay);
+    }
+    for (const auto& name : {temporary, std::string(".torvo-ffffffffffffffff.tmp")})
+        age(folder.write(name, ""), 2 * oneDay);
+    removeAbandonedTemporaries(files(), folder.path());
+    EXPECT_THAT(namesIn(folder.path()), testing::UnorderedElementsAreArray(kept));
+    // A folder that cannot be listed is not an error.
+    removeAbandonedTemporaries(files(), folder / "missing");
+}
+
+TEST(RemoveAbandonedTemporaries, keepsFilesModifiedWithinADay) {
+    // This process, another one or another machine may still be writing it.
+    struct Row {
+        std::chrono::seconds age;
+        bool isLeft;
+    };
+    using namespace std::chrono_literals;
+    for (const auto& row : {Row{0s, true}, Row{oneDay - 60s, true}, Row{oneDay + 60s, false}}) {
+        const TemporaryFolder folder;
+        age(folder.write(temporary, ""), row.age);
+        removeAbandonedTemporaries(files(), folder.path());
+        EXPECT_EQ(namesIn(folder.path()).size(), row.isLeft ? 1U : 0U) << row.age.count();
+    }
+}
+
+/// A file system whose clock differs from the local one, as on a file server.
+class ShiftedClock final : public ForwardingFileManager {
+public:
+    explicit ShiftedClock(std::chrono::seconds by) : by_(by) {}
+
+    std::optional<FileStatus> linkStatus(const fs::path& path) const override {
+        auto status = ForwardingFileManager::linkStatus(path);
+        if (status)
+            status->modified += by_;
+        return status;
+    }
+
+private:
+    std::chrono::seconds by_;
+};
+
+TEST(RemoveAbandonedTemporaries, usesTheClockOfTheFileSystem) {
+    for (const auto shift : {-400 * oneDay, 400 * oneDay}) {
+        const TemporaryFolder folder;
+        const std::string young = ".torvo-1111111111111111.tmp";
+        folder.write(young, "");
+        age(folder.write(temporary, ""), 2 * oneDay);
+        removeAbandonedTemporaries(ShiftedClock(shift), folder.path());
+        EXPECT_THAT(namesIn(folder.path()), ElementsAre(young));
+    }
+}
+
+TEST(RemoveAbandonedTemporaries, keepsAllFilesWhenTheTimeIsUnknown) {
+    const TemporaryFolder folder;
+    age(folder.write(temporary, ""), 2 * oneDay);
+    const auto log = std::make_shared<FileCallLog>([](const FileCall& call) {
+        if (call.operation == "open createUnique")
+            throw FileError(FileOperation::write, call.path, EROFS);
+    });
+    removeAbandonedTemporaries(RecordingFileManager(log), folder.path());
+    EXPECT_THAT(namesIn(folder.path()), ElementsAre(temporary));
 }
 
 TEST(WriteFileAtomically, leavesNoTemporaryFileOnBadAlloc) {

@@ -278,7 +278,27 @@ TEST(TorvoMetadataFolder, leavesAFileThatShrinksMeanwhileUnchanged) {
     EXPECT_EQ(std::distance(fs::directory_iterator(path.parent_path()), {}), 1);
 }
 
-TEST(TorvoMetadataFolder, aHardLinkElsewhereKeepsTheOldContent) {
+TEST(TorvoMetadataFolder, removesTemporaryFilesOfAnEarlierStamp) {
+    const auto leaveBehind = [](const TemporaryFolder& folder, const std::string& relative) {
+        const auto path = folder.write(relative, "part");
+        fs::last_write_time(path, fs::last_write_time(path) - std::chrono::hours(48));
+        return path;
+    };
+    const TemporaryFolder folder;
+    const auto file = folder.write("Bank 1/3/a.wav", smallWav());
+    std::vector<fs::path> left;
+    for (const auto* where : {"", "Bank 1/", "Bank 1/3/", "empty/"})
+        left.push_back(leaveBehind(folder, std::string(where) + ".torvo-0123456789abcdef.tmp"));
+    EXPECT_EQ(stampFolder(folder), 1);
+    for (const auto& path : left)
+        EXPECT_FALSE(fs::exists(path)) << path;
+
+    const auto beside = leaveBehind(folder, "Bank 1/3/.torvo-0123456789abcdef.tmp");
+    TorvoWAVMetadataWriter().apply(plain, FileURL(file), 3);
+    EXPECT_FALSE(fs::exists(beside)) << "beside a single file";
+}
+
+TEST(TorvoMetadataFolder, keepsTheOldContentOfAHardLinkElsewhere) {
     // The file is replaced, not rewritten.
     const TemporaryFolder folder;
     const auto path = folder.write("1/a.wav", smallWav());

@@ -105,6 +105,12 @@ private:
     std::unique_ptr<File> file_;
 };
 
+/// The current time by the clock of the file system that holds `folder`. The clock of a file server
+/// may differ from the local clock.
+std::chrono::sys_seconds fileSystemTime(const FileManager& fileManager, const fs::path& folder) {
+    return TemporaryFile(fileManager, folder / temporaryName()).status().modified;
+}
+
 /// Depth first with an explicit stack: folders may be nested deeper than the call stack is.
 class DeepEnumeration {
 public:
@@ -173,8 +179,7 @@ std::vector<std::byte> readFile(const FileManager& fileManager, const fs::path& 
 void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
                          const std::function<void(File&)>& write,
                          std::optional<fs::perms> permissions) {
-    const TemporaryName name;
-    const auto temporary = path.parent_path() / name.text();
+    const auto temporary = path.parent_path() / temporaryName();
     try {
         TemporaryFile file(fileManager, temporary);
         if (permissions)
@@ -219,13 +224,23 @@ void WrittenFolder::flush() const {
 }
 
 void removeAbandonedTemporaries(const FileManager& fileManager, const fs::path& folder) {
+    constexpr std::chrono::hours minAge{24}; // newer files may be in use, also by another computer
     try {
+        std::vector<fs::path> temporaries;
         for (const auto& entry : fileManager.contentsOfDirectory(folder)) {
-            if (entry.kind == FileKind::regular && isAbandonedTemporary(entry.name))
-                fileManager.removeItem(folder / entry.name);
+            if (entry.kind == FileKind::regular && isTemporaryName(entry.name))
+                temporaries.push_back(folder / entry.name);
+        }
+        if (temporaries.empty())
+            return;
+        const auto now = fileSystemTime(fileManager, folder);
+        for (const auto& path : temporaries) {
+            const auto status = fileManager.linkStatus(path);
+            if (status && now - status->modified >= minAge)
+                fileManager.removeItem(path);
         }
     } catch (const FileError&) {
-        // Tidying up after an earlier accident is no part of what was asked for.
+        // A failed cleanup must not fail the caller's operation.
     }
 }
 

@@ -3,6 +3,7 @@
 #include "Platform/FileError.h"
 #include "Platform/FileURL.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -31,6 +32,7 @@ struct FileStatus {
     std::uint64_t allocatedSize = 0; ///< bytes of the blocks on disk
     FileIdentity identity;
     std::filesystem::perms permissions = std::filesystem::perms::none;
+    std::chrono::sys_seconds modified; ///< by the file system's clock
 };
 
 /// A name in a folder. `kind` is the entry's own: a link is a link, whatever it points to.
@@ -155,8 +157,9 @@ private:
     std::uint64_t volume_;
 };
 
-/// Removes from a folder the hidden files that `writeFileAtomically` leaves when the program is
-/// killed or the card pulled out in the middle. What cannot be listed or removed stays.
+/// Removes the temporary files that `writeFileAtomically` left in a folder when the program was
+/// killed or the card was removed. Only files not modified for 24 hours are removed. Errors are
+/// ignored.
 void removeAbandonedTemporaries(const FileManager& fileManager,
                                 const std::filesystem::path& folder);
 

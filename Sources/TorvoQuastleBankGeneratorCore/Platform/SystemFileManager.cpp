@@ -68,7 +68,8 @@ FileStatus statusOf(const struct stat& details) {
             .size = static_cast<std::uint64_t>(details.st_size),
             .allocatedSize = static_cast<std::uint64_t>(details.st_blocks) * S_BLKSIZE,
             .identity = {.device = details.st_dev, .node = details.st_ino},
-            .permissions = static_cast<fs::perms>(details.st_mode) & fs::perms::mask};
+            .permissions = static_cast<fs::perms>(details.st_mode) & fs::perms::mask,
+            .modified = std::chrono::sys_seconds(std::chrono::seconds(details.st_mtim.tv_sec))};
 }
 
 std::optional<FileStatus> statusAt(const fs::path& path, int flags) {

@@ -5,23 +5,12 @@
 
 namespace torvo {
 
-/// A name for a file that is written beside another one and then takes its place. It counts as
-/// being written as long as this lives.
-class TemporaryName {
-public:
-    TemporaryName();
-    ~TemporaryName();
-    TemporaryName(const TemporaryName&) = delete;
-    TemporaryName& operator=(const TemporaryName&) = delete;
+/// A random name for a temporary file that later replaces another file. It begins with a dot, so
+/// that the device and the scanner ignore the file, and has a fixed short length, so that it is
+/// valid even when the other file's name has the maximum length.
+std::string temporaryName();
 
-    const std::string& text() const { return text_; }
-
-private:
-    std::string text_;
-};
-
-/// The name of a temporary file whose writer is gone or has failed, and not of one that somebody
-/// writes now: another window of this program, or this one itself.
-bool isAbandonedTemporary(std::string_view name);
+/// Whether `name` has the form that `temporaryName` returns.
+bool isTemporaryName(std::string_view name);
 
 } // namespace torvo
