@@ -23,7 +23,7 @@ namespace {
 
 static_assert(sizeof(off_t) == sizeof(std::uint64_t), "files may be larger than 2 GiB");
 
-/// A file descriptor that closes itself.
+/// Owns a file descriptor.
 class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
@@ -44,13 +44,21 @@ private:
     int number_;
 };
 
+/// Repeats a system call that was interrupted by a signal (EINTR). Not for close(): Linux releases
+/// the descriptor even when close() is interrupted.
+template <typename Call>
+auto retryOnInterrupt(const Call& call) {
+    for (;;) {
+        const auto result = call();
+        if (result >= 0 || errno != EINTR)
+            return result;
+    }
+}
+
 int openDescriptor(const fs::path& path, int flags) {
-    constexpr mode_t ordinary = 0666;
-    int number = -1;
-    do {
-        number = ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, ordinary);
-    } while (number < 0 && errno == EINTR);
-    return number;
+    constexpr mode_t defaultPermissions = 0666;
+    return retryOnInterrupt(
+        [&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, defaultPermissions); });
 }
 
 FileKind kindOf(mode_t mode) {
@@ -76,21 +84,26 @@ std::optional<FileStatus> statusAt(const fs::path& path, int flags) {
     struct stat details {};
     if (::fstatat(AT_FDCWD, path.c_str(), &details, flags) == 0)
         return statusOf(details);
-    // Links that lead in a circle lead nowhere, like a dead link.
+    // A loop of symbolic links (ELOOP) is treated as a broken link.
     if (errno == ENOENT || errno == ENOTDIR || errno == ELOOP)
         return std::nullopt;
     throw FileError(FileOperation::inspect, path, errno);
 }
 
 void closeChecked(Descriptor& descriptor, const fs::path& path) {
-    // After EINTR the descriptor is gone all the same (close(2)).
+    // EINTR is not an error: Linux has released the descriptor (close(2)).
     if (::close(descriptor.release()) != 0 && errno != EINTR)
         throw FileError(FileOperation::flush, path, errno);
 }
 
+/// Returns false and sets `errno` when the file or folder could not be flushed.
+bool fsyncDescriptor(const Descriptor& descriptor) {
+    return retryOnInterrupt([&] { return ::fsync(descriptor.number()); }) == 0;
+}
+
 class SystemFile final : public File {
 public:
-    /// `readOnlySize` tells the size of a file that is opened for reading only.
+    /// `readOnlySize` is the size in bytes of a file opened read-only.
     SystemFile(const fs::path& path, Descriptor descriptor,
                std::optional<std::uint64_t> readOnlySize = std::nullopt)
         : path_(path.native()), descriptor_(std::move(descriptor)), readOnlySize_(readOnlySize) {}
@@ -98,14 +111,15 @@ public:
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
         std::size_t done = 0;
         while (done < bytes.size()) {
-            const auto count = ::pread(descriptor_.number(), bytes.data() + done,
-                                       bytes.size() - done, static_cast<off_t>(offset + done));
+            const auto count = retryOnInterrupt([&] {
+                return ::pread(descriptor_.number(), bytes.data() + done, bytes.size() - done,
+                               static_cast<off_t>(offset + done));
+            });
             if (count == 0)
                 break;
-            if (count > 0)
-                done += static_cast<std::size_t>(count);
-            else if (errno != EINTR)
+            if (count < 0)
                 throw FileError(FileOperation::read, path_, errno);
+            done += static_cast<std::size_t>(count);
         }
         return done;
     }
@@ -113,12 +127,13 @@ public:
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         std::size_t done = 0;
         while (done < bytes.size()) {
-            const auto count = ::pwrite(descriptor_.number(), bytes.data() + done,
-                                        bytes.size() - done, static_cast<off_t>(offset + done));
-            if (count >= 0)
-                done += static_cast<std::size_t>(count);
-            else if (errno != EINTR)
+            const auto count = retryOnInterrupt([&] {
+                return ::pwrite(descriptor_.number(), bytes.data() + done, bytes.size() - done,
+                                static_cast<off_t>(offset + done));
+            });
+            if (count < 0)
                 throw FileError(FileOperation::write, path_, errno);
+            done += static_cast<std::size_t>(count);
         }
     }
 
@@ -132,42 +147,47 @@ public:
     }
 
     void resize(std::uint64_t size) override {
-        if (::ftruncate(descriptor_.number(), static_cast<off_t>(size)) != 0)
+        const auto result = retryOnInterrupt(
+            [&] { return ::ftruncate(descriptor_.number(), static_cast<off_t>(size)); });
+        if (result != 0)
             throw FileError(FileOperation::write, path_, errno);
     }
 
     void setPermissions(fs::perms permissions) override {
-        if (::fchmod(descriptor_.number(), static_cast<mode_t>(permissions)) != 0)
+        const auto result = retryOnInterrupt(
+            [&] { return ::fchmod(descriptor_.number(), static_cast<mode_t>(permissions)); });
+        if (result != 0)
             throw FileError(FileOperation::write, path_, errno);
     }
 
     void flush() override {
-        if (::fsync(descriptor_.number()) != 0)
+        if (!fsyncDescriptor(descriptor_))
             throw FileError(FileOperation::flush, path_, errno);
     }
 
     void close() override { closeChecked(descriptor_, path_); }
 
 private:
-    std::string path_; ///< as text, which is cheaper to keep
+    std::string path_; ///< a string takes less memory than a path
     Descriptor descriptor_;
     std::optional<std::uint64_t> readOnlySize_;
 };
 
-/// The kernel copies where it can; across volumes or on a file system that cannot, bytes go through
-/// a buffer.
-void copyBytes(const Descriptor& from, const Descriptor& to, const fs::path& source,
+/// Copies with copy_file_range() where the file systems support it, otherwise through a buffer.
+void copyBytes(const Descriptor& input, const Descriptor& output, const fs::path& source,
                const fs::path& destination) {
-    constexpr std::size_t atOnce = std::size_t{1} << 30U;
+    constexpr std::size_t maxCopySize = std::size_t{1} << 30U;
     for (bool hasCopied = false;;) {
-        const auto count =
-            ::copy_file_range(from.number(), nullptr, to.number(), nullptr, atOnce, 0);
+        const auto count = retryOnInterrupt([&] {
+            return ::copy_file_range(input.number(), nullptr, output.number(), nullptr, maxCopySize,
+                                     0);
+        });
         if (count == 0 && hasCopied)
             return;
         hasCopied = hasCopied || count > 0;
-        if (count > 0 || (count < 0 && errno == EINTR))
+        if (count > 0)
             continue;
-        // Some file systems say that a file is at its end instead of refusing.
+        // Some file systems return 0 instead of an error when they do not support the call.
         if (count == 0 || errno == EXDEV || errno == ENOSYS || errno == EINVAL ||
             errno == EOPNOTSUPP || errno == EPERM)
             break;
@@ -175,27 +195,26 @@ void copyBytes(const Descriptor& from, const Descriptor& to, const fs::path& sou
     }
     std::vector<std::byte> buffer(std::size_t{256} * 1024);
     for (;;) {
-        const auto count = ::read(from.number(), buffer.data(), buffer.size());
+        const auto count =
+            retryOnInterrupt([&] { return ::read(input.number(), buffer.data(), buffer.size()); });
         if (count == 0)
             return;
-        if (count < 0) {
-            if (errno == EINTR)
-                continue;
+        if (count < 0)
             throw FileError(FileOperation::read, source, errno);
-        }
         for (ssize_t done = 0; done < count;) {
-            const auto written =
-                ::write(to.number(), buffer.data() + done, static_cast<std::size_t>(count - done));
-            if (written >= 0)
-                done += written;
-            else if (errno != EINTR)
+            const auto written = retryOnInterrupt([&] {
+                return ::write(output.number(), buffer.data() + done,
+                               static_cast<std::size_t>(count - done));
+            });
+            if (written < 0)
                 throw FileError(FileOperation::copy, destination, errno);
+            done += written;
         }
     }
 }
 
-/// The descriptor of an existing regular file. Opened without waiting, so that a pipe that appears
-/// under the name cannot hold the program.
+/// Opens an existing regular file and returns its descriptor and size in bytes. O_NONBLOCK keeps
+/// open() from blocking on a named pipe.
 std::pair<Descriptor, std::uint64_t> openRegular(const fs::path& path, int flags) {
     Descriptor descriptor(openDescriptor(path, flags | O_NONBLOCK));
     if (!descriptor.isValid())
@@ -256,9 +275,12 @@ public:
     }
 
     std::vector<DirectoryEntry> contentsOfDirectory(const fs::path& path) const override {
-        const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(path.c_str()), &::closedir);
+        Descriptor descriptor(openDescriptor(path, O_RDONLY | O_DIRECTORY));
+        const std::unique_ptr<DIR, int (*)(DIR*)> directory(
+            descriptor.isValid() ? ::fdopendir(descriptor.number()) : nullptr, &::closedir);
         if (!directory)
             throw FileError(FileOperation::list, path, errno);
+        descriptor.release();
         std::vector<DirectoryEntry> entries;
         for (;;) {
             errno = 0;
@@ -286,16 +308,18 @@ public:
         if (::unlink(path.c_str()) == 0)
             return;
         std::error_code code;
-        fs::remove_all(path, code);
+        do {
+            fs::remove_all(path, code);
+        } while (code == std::errc::interrupted);
         if (code)
             throw FileError(FileOperation::remove, path, code);
     }
 
     void copyItem(const fs::path& source, const fs::path& destination) const override {
-        const auto from = openRegular(source, O_RDONLY).first;
-        auto to = openNew(destination, O_EXCL);
-        copyBytes(from, to, source, destination);
-        closeChecked(to, destination);
+        const auto input = openRegular(source, O_RDONLY).first;
+        auto output = openNew(destination, O_EXCL);
+        copyBytes(input, output, source, destination);
+        closeChecked(output, destination);
     }
 
     void replaceItem(const fs::path& destination, const fs::path& source) const override {
@@ -321,11 +345,12 @@ public:
 
     void flushVolume(const fs::path& path) const override {
         const Descriptor descriptor(openDescriptor(path, O_RDONLY));
-        if (!descriptor.isValid() || ::syncfs(descriptor.number()) != 0)
+        if (!descriptor.isValid() ||
+            retryOnInterrupt([&] { return ::syncfs(descriptor.number()); }) != 0)
             throw FileError(FileOperation::flush, path, errno);
-        // A file system outside the kernel hears nothing of the call above, but of this one; one
-        // that cannot flush a folder says so with EINVAL.
-        if (::fsync(descriptor.number()) != 0 && errno != EINVAL)
+        // FUSE file systems do not see syncfs(); they do see fsync(). A file system that cannot
+        // flush a folder refuses with EINVAL.
+        if (!fsyncDescriptor(descriptor) && errno != EINVAL)
             throw FileError(FileOperation::flush, path, errno);
     }
 
@@ -348,7 +373,7 @@ public:
     }
 
 private:
-    /// Some file systems leave the kind out of the folder; then the entry itself is asked.
+    /// Some file systems return DT_UNKNOWN; the type is then read with fstatat().
     static FileKind kindOf(DIR* directory, const dirent& entry) {
         switch (entry.d_type) {
         case DT_REG:
