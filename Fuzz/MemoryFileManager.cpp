@@ -84,6 +84,10 @@ fs::path MemoryFileManager::resolve(const fs::path& path) const {
     return path;
 }
 
+fs::path MemoryFileManager::linkTarget(const fs::path& link) const {
+    throw FileError(FileOperation::inspect, link, EINVAL);
+}
+
 std::vector<DirectoryEntry> MemoryFileManager::contentsOfDirectory(const fs::path&) const {
     return {};
 }
@@ -108,6 +112,10 @@ std::unique_ptr<File> MemoryFileManager::open(const fs::path& path, OpenMode mod
     if (isNew)
         files_[path] = std::make_shared<Bytes>();
     return std::make_unique<MemoryFile>(existing(path));
+}
+
+bool MemoryFileManager::flushDirectory(const fs::path&) const {
+    return true;
 }
 
 void MemoryFileManager::flushVolume(const fs::path&) const {}

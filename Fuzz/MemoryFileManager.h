@@ -21,6 +21,7 @@ public:
     std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
     std::optional<FileStatus> status(const std::filesystem::path& path) const override;
     std::filesystem::path resolve(const std::filesystem::path& path) const override;
+    std::filesystem::path linkTarget(const std::filesystem::path& link) const override;
     std::vector<DirectoryEntry>
     contentsOfDirectory(const std::filesystem::path& path) const override;
     void createDirectory(const std::filesystem::path& path) const override;
@@ -30,6 +31,7 @@ public:
     void replaceItem(const std::filesystem::path& destination,
                      const std::filesystem::path& source) const override;
     std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;
+    bool flushDirectory(const std::filesystem::path& path) const override;
     void flushVolume(const std::filesystem::path& path) const override;
     std::unique_ptr<FolderLock> lockFolder(const std::filesystem::path& folder) const override;
     std::optional<std::uint64_t> availableSpace(const std::filesystem::path& folder) const override;

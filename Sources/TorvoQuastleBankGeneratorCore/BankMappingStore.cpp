@@ -53,10 +53,7 @@ BankMappingDocument BankMappingStore::document(const FileURL& sourceFolder,
 void BankMappingStore::exportDocument(const BankMappingDocument& document,
                                       const FileURL& to) const {
     const auto text = nlohmann::json(document).dump(2) + "\n";
-    const auto folder = to.path().parent_path();
-    removeAbandonedTemporaries(*fileManager_, folder);
-    writeFileAtomically(*fileManager_, to.path(), std::as_bytes(std::span(text)));
-    fileManager_->flushVolume(folder);
+    saveDocument(*fileManager_, to.path(), std::as_bytes(std::span(text)));
 }
 
 BankMappingDocument BankMappingStore::importDocument(const FileURL& from) const {

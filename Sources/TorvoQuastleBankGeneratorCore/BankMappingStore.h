@@ -19,8 +19,9 @@ public:
                                  const GenerationTemplate& generationTemplate,
                                  std::vector<BankRecipe> recipes) const;
 
-    /// Replaces the file at `to` in one step, and removes what an earlier attempt that was killed
-    /// left beside it. Throws `FileError`.
+    /// Atomically replaces `to` and returns once it has reached the storage medium. An existing
+    /// file keeps its permissions; a symbolic link is kept and its target is written. Also removes
+    /// temporary files of interrupted exports from the folder. Throws `FileError`.
     void exportDocument(const BankMappingDocument& document, const FileURL& to) const;
 
     /// Throws `FileError` or `DecodingError`.

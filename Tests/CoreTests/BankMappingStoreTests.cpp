@@ -1,19 +1,25 @@
 #include "BankMappingStore.h"
+#include "FileZoo.h"
 #include "Json.h"
 #include "LockedFolderFileManager.h"
 #include "Models/DecodingError.h"
 #include "Samples.h"
 #include "TemporaryFolder.h"
 #include "Thrown.h"
+#include "TreeSnapshot.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace torvo::test {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using std::chrono::sys_seconds;
 
@@ -27,7 +33,6 @@ BankMappingDocument smallDocument() {
             .exportedAt = sys_seconds(1772373909s)}; // 2026-03-01T14:05:09Z
 }
 
-/// The document's JSON, changed and read by the store.
 class Reading {
 public:
     BankMappingDocument operator()(const std::string& text) const {
@@ -134,7 +139,108 @@ TEST(BankMappingStore, replacesWhatStoodThereAndLeavesNothingBeside) {
     EXPECT_EQ(systemFileManager()->contentsOfDirectory(folder.path()).size(), 1U);
 }
 
-TEST(BankMappingStore, anEarlierDocumentLacksVersionModeAndDate) {
+TEST(BankMappingStore, keepsThePermissionsOfAnExistingDocument) {
+    const TemporaryFolder folder;
+    const FileURL url(folder.write("Kit001.json", "old"));
+    // Neither mode is that of a new file under any common umask.
+    for (const auto permissions : {fs::perms(0600), fs::perms(0444)}) {
+        fs::permissions(url.path(), permissions);
+        BankMappingStore().exportDocument(smallDocument(), url);
+        EXPECT_EQ(fs::status(url.path()).permissions(), permissions);
+        EXPECT_EQ(BankMappingStore().importDocument(url), smallDocument());
+    }
+    const FileURL fresh(folder / "new.json");
+    BankMappingStore().exportDocument(smallDocument(), fresh);
+    EXPECT_EQ(fs::status(fresh.path()).permissions(), ordinaryFilePermissions());
+}
+
+TEST(BankMappingStore, writesThroughALinkToItsTarget) {
+    struct Row {
+        const char* link;
+        const char* says;
+        const char* target;
+        bool isDead;
+    };
+    const Row rows[] = {
+        {"a.json", "elsewhere/target.json", "elsewhere/target.json", false},
+        {"elsewhere/deep/b.json", "../target.json", "elsewhere/target.json", false},
+        {"chain.json", "elsewhere/deep/b.json", "elsewhere/target.json", false},
+        {"dead.json", "elsewhere/new.json", "elsewhere/new.json", true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.link);
+        const TemporaryFolder folder;
+        folder.createFolder("elsewhere/deep");
+        const auto target = folder / row.target;
+        if (!row.isDead)
+            folder.write(row.target, "old");
+        if (std::string_view(row.link) == "chain.json")
+            fs::create_symlink("../target.json", folder / row.says);
+        fs::create_symlink(row.says, folder / row.link);
+        if (!row.isDead)
+            fs::permissions(target, fs::perms(0600));
+
+        BankMappingStore().exportDocument(smallDocument(), FileURL(folder / row.link));
+        EXPECT_EQ(fs::read_symlink(folder / row.link), row.says);
+        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
+        EXPECT_EQ(BankMappingStore().importDocument(FileURL(target)), smallDocument());
+        EXPECT_EQ(fs::status(target).permissions(),
+                  row.isDead ? ordinaryFilePermissions() : fs::perms(0600));
+        EXPECT_EQ(std::distance(fs::directory_iterator(target.parent_path()), {}), 2)
+            << "the target and the folder beside it, nothing else";
+    }
+}
+
+TEST(BankMappingStore, removesTemporaryFilesOfAnEarlierSave) {
+    const TemporaryFolder folder;
+    const TemporaryFolder elsewhere;
+    fs::create_symlink(elsewhere / "target.json", folder / "link.json");
+    for (const auto& url : {FileURL(elsewhere / "direct.json"), FileURL(folder / "link.json")}) {
+        const auto left = elsewhere.write(".torvo-0123456789abcdef.tmp", "part");
+        fs::last_write_time(left, fs::last_write_time(left) - std::chrono::hours(48));
+        BankMappingStore().exportDocument(smallDocument(), url);
+        EXPECT_FALSE(fs::exists(left));
+    }
+}
+
+TEST(BankMappingStore, writesThroughAnAbsoluteLink) {
+    const TemporaryFolder folder;
+    const TemporaryFolder elsewhere;
+    const auto target = elsewhere.write("target.json", "old");
+    fs::create_symlink(target, folder / "Kit001.json");
+    BankMappingStore().exportDocument(smallDocument(), FileURL(folder / "Kit001.json"));
+    EXPECT_TRUE(fs::is_symlink(folder / "Kit001.json"));
+    EXPECT_EQ(BankMappingStore().importDocument(FileURL(target)), smallDocument());
+}
+
+TEST(BankMappingStore, refusesToReplaceNonRegularFiles) {
+    const Zoo zoo;
+    fs::create_symlink("missing folder/x", zoo.folder / "lost link");
+    struct Row {
+        fs::path path;
+        fs::path told;
+        std::errc code;
+    };
+    const Row rows[] = {
+        {zoo.pipe, zoo.pipe, std::errc::invalid_argument},
+        {zoo.directory, zoo.directory, std::errc::is_a_directory},
+        {zoo.directoryLink, zoo.directory, std::errc::is_a_directory},
+        {zoo.circularLink, zoo.circularLink, std::errc::too_many_symbolic_link_levels},
+        {zoo.folder / "lost link", zoo.folder / "missing folder/x",
+         std::errc::no_such_file_or_directory},
+    };
+    const auto before = snapshotOf(zoo.folder.path());
+    for (const auto& row : rows) {
+        const auto error = thrown<FileError>(
+            [&] { BankMappingStore().exportDocument(smallDocument(), FileURL(row.path)); });
+        ASSERT_TRUE(error) << row.path;
+        EXPECT_EQ(error->path(), row.told);
+        EXPECT_EQ(error->code(), row.code) << row.path;
+    }
+    EXPECT_THAT(differences(before, snapshotOf(zoo.folder.path())), testing::IsEmpty());
+}
+
+TEST(BankMappingStore, readsEarlierDocumentsWithoutVersionModeAndDate) {
     const Reading read;
     EXPECT_EQ(read.without("version").version, 1);
     EXPECT_EQ(read.without("generationMode").generationMode, GenerationMode::drums);

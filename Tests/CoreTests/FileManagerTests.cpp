@@ -252,6 +252,22 @@ TEST(FileManager, aFullVolumeIsAnError) {
     EXPECT_EQ(codeOf(full), std::errc::no_space_on_device);
 }
 
+TEST(FileManager, readsTheTargetOfALink) {
+    const Zoo zoo;
+    fs::create_symlink("../x/./y", zoo.folder / "relative");
+    EXPECT_EQ(files().linkTarget(zoo.folder / "relative"), "../x/./y");
+    EXPECT_EQ(files().linkTarget(zoo.deadLink), zoo.folder / "missing");
+    EXPECT_EQ(codeOf([&] { files().linkTarget(zoo.file); }), std::errc::invalid_argument);
+}
+
+TEST(FileManager, flushesAFolder) {
+    const Zoo zoo;
+    EXPECT_TRUE(files().flushDirectory(zoo.directory));
+    EXPECT_FALSE(files().flushDirectory(zoo.folder / "missing"));
+    EXPECT_FALSE(files().flushDirectory(zoo.file));
+    EXPECT_FALSE(files().flushDirectory("/proc/self")) << "procfs cannot flush a folder";
+}
+
 TEST(FileManager, flushesAVolume) {
     const Zoo zoo;
     files().flushVolume(zoo.folder.path());

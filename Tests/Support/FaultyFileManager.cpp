@@ -103,6 +103,11 @@ fs::path FaultyFileManager::resolve(const fs::path& path) const {
     return behind().resolve(path);
 }
 
+fs::path FaultyFileManager::linkTarget(const fs::path& link) const {
+    plan_->check(FileOperation::inspect, link);
+    return behind().linkTarget(link);
+}
+
 std::vector<DirectoryEntry> FaultyFileManager::contentsOfDirectory(const fs::path& path) const {
     plan_->check(FileOperation::list, path);
     return behind().contentsOfDirectory(path);
@@ -135,6 +140,11 @@ std::unique_ptr<File> FaultyFileManager::open(const fs::path& path, OpenMode mod
     const bool forReading = mode == OpenMode::read || mode == OpenMode::update;
     plan_->check(forReading ? FileOperation::read : FileOperation::write, path);
     return std::make_unique<FaultyFile>(behind().open(path, mode), path, plan_);
+}
+
+bool FaultyFileManager::flushDirectory(const fs::path& path) const {
+    plan_->check(FileOperation::flush, path);
+    return true;
 }
 
 void FaultyFileManager::flushVolume(const fs::path& path) const {

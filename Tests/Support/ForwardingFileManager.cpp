@@ -51,6 +51,10 @@ fs::path ForwardingFileManager::resolve(const fs::path& path) const {
     return behind_->resolve(path);
 }
 
+fs::path ForwardingFileManager::linkTarget(const fs::path& link) const {
+    return behind_->linkTarget(link);
+}
+
 std::vector<DirectoryEntry> ForwardingFileManager::contentsOfDirectory(const fs::path& path) const {
     return behind_->contentsOfDirectory(path);
 }
@@ -73,6 +77,10 @@ void ForwardingFileManager::replaceItem(const fs::path& destination, const fs::p
 
 std::unique_ptr<File> ForwardingFileManager::open(const fs::path& path, OpenMode mode) const {
     return behind_->open(path, mode);
+}
+
+bool ForwardingFileManager::flushDirectory(const fs::path& path) const {
+    return behind_->flushDirectory(path);
 }
 
 void ForwardingFileManager::flushVolume(const fs::path& path) const {

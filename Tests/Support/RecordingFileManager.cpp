@@ -121,6 +121,11 @@ fs::path RecordingFileManager::resolve(const fs::path& path) const {
     return behind().resolve(path);
 }
 
+fs::path RecordingFileManager::linkTarget(const fs::path& link) const {
+    log_->add("linkTarget", link);
+    return behind().linkTarget(link);
+}
+
 std::vector<DirectoryEntry> RecordingFileManager::contentsOfDirectory(const fs::path& path) const {
     log_->add("contentsOfDirectory", path);
     return behind().contentsOfDirectory(path);
@@ -149,6 +154,11 @@ void RecordingFileManager::replaceItem(const fs::path& destination, const fs::pa
 std::unique_ptr<File> RecordingFileManager::open(const fs::path& path, OpenMode mode) const {
     log_->add(nameOf(mode), path);
     return std::make_unique<RecordingFile>(behind().open(path, mode), path, log_);
+}
+
+bool RecordingFileManager::flushDirectory(const fs::path& path) const {
+    log_->add("flushDirectory", path);
+    return behind().flushDirectory(path);
 }
 
 void RecordingFileManager::flushVolume(const fs::path& path) const {

@@ -111,6 +111,19 @@ std::chrono::sys_seconds fileSystemTime(const FileManager& fileManager, const fs
     return TemporaryFile(fileManager, folder / temporaryName()).status().modified;
 }
 
+/// The target of a chain of symbolic links; it may not exist.
+fs::path followingLinks(const FileManager& fileManager, const fs::path& path) {
+    constexpr int maxLinkCount = 40; // the limit of Linux
+    auto target = path;
+    for (int count = 0; count < maxLinkCount; ++count) {
+        const auto status = fileManager.linkStatus(target);
+        if (!status || status->kind != FileKind::symbolicLink)
+            return target;
+        target = target.parent_path() / fileManager.linkTarget(target);
+    }
+    throw FileError(FileOperation::write, path, ELOOP);
+}
+
 /// Depth first with an explicit stack: folders may be nested deeper than the call stack is.
 class DeepEnumeration {
 public:
@@ -201,6 +214,23 @@ void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
                          std::span<const std::byte> bytes, std::optional<fs::perms> permissions) {
     writeFileAtomically(
         fileManager, path, [bytes](File& file) { file.write(0, bytes); }, permissions);
+}
+
+void saveDocument(const FileManager& fileManager, const fs::path& path,
+                  std::span<const std::byte> bytes) {
+    const auto target = followingLinks(fileManager, path);
+    const auto folder = target.parent_path();
+    const auto status = fileManager.linkStatus(target);
+    if (status && status->kind != FileKind::regular)
+        throw FileError(FileOperation::write, target,
+                        status->kind == FileKind::directory ? EISDIR : EINVAL);
+    removeAbandonedTemporaries(fileManager, folder);
+    writeFileAtomically(fileManager, target, bytes,
+                        status ? std::optional(status->permissions) : std::nullopt);
+    // A folder that is writable but not readable cannot be opened for fsync(); flush the volume
+    // through the file instead.
+    if (!fileManager.flushDirectory(folder))
+        fileManager.flushVolume(target);
 }
 
 WrittenFolder::WrittenFolder(std::shared_ptr<const FileManager> fileManager, fs::path path)

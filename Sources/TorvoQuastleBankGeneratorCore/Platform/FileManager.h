@@ -86,7 +86,9 @@ public:
     virtual std::optional<FileStatus> status(const std::filesystem::path& path) const = 0;
     /// The path of an existing item without any link, "." or "..".
     virtual std::filesystem::path resolve(const std::filesystem::path& path) const = 0;
-    /// The entries of a folder in no particular order, without "." and "..".
+    /// The stored target of a symbolic link, often relative to the link's folder.
+    virtual std::filesystem::path linkTarget(const std::filesystem::path& link) const = 0;
+    /// The entries of a folder, unordered, without "." and "..".
     virtual std::vector<DirectoryEntry>
     contentsOfDirectory(const std::filesystem::path& path) const = 0;
 
@@ -105,7 +107,10 @@ public:
     /// waited for.
     virtual std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const = 0;
 
-    /// Waits until everything written to the volume that holds `path` is on the medium.
+    /// Waits until the folder's entries have reached the storage medium. Returns false when the
+    /// folder cannot be opened for reading or its file system cannot flush folders.
+    virtual bool flushDirectory(const std::filesystem::path& path) const = 0;
+    /// Waits until all data written to the volume that holds `path` has reached the storage medium.
     virtual void flushVolume(const std::filesystem::path& path) const = 0;
 
     /// Takes an advisory lock on an existing folder (flock()); the operating system releases it
@@ -136,6 +141,13 @@ void writeFileAtomically(const FileManager& fileManager, const std::filesystem::
 void writeFileAtomically(const FileManager& fileManager, const std::filesystem::path& path,
                          std::span<const std::byte> bytes,
                          std::optional<std::filesystem::perms> permissions = std::nullopt);
+
+/// Replaces a file's content as `writeFileAtomically` does, and returns once the content and the
+/// file's name have reached the storage medium. An existing file keeps its permissions. A symbolic
+/// link is kept: its target is written, and created if it does not exist. Throws `FileError` when
+/// the target is not a regular file.
+void saveDocument(const FileManager& fileManager, const std::filesystem::path& path,
+                  std::span<const std::byte> bytes);
 
 /// A folder that is being written into, to notice when its card is pulled out: the folder on which
 /// the card was mounted takes its place, and would take the files as well.

@@ -274,6 +274,14 @@ public:
         return resolved.get();
     }
 
+    fs::path linkTarget(const fs::path& link) const override {
+        std::error_code code;
+        auto target = fs::read_symlink(link, code);
+        if (code)
+            throw FileError(FileOperation::inspect, link, code);
+        return target;
+    }
+
     std::vector<DirectoryEntry> contentsOfDirectory(const fs::path& path) const override {
         Descriptor descriptor(openDescriptor(path, O_RDONLY | O_DIRECTORY));
         const std::unique_ptr<DIR, int (*)(DIR*)> directory(
@@ -341,6 +349,17 @@ public:
             break;
         }
         return std::make_unique<SystemFile>(path, openNew(path, O_EXCL));
+    }
+
+    bool flushDirectory(const fs::path& path) const override {
+        const Descriptor descriptor(openDescriptor(path, O_RDONLY | O_DIRECTORY));
+        if (!descriptor.isValid())
+            return false;
+        if (fsyncDescriptor(descriptor))
+            return true;
+        if (errno == EINVAL)
+            return false;
+        throw FileError(FileOperation::flush, path, errno);
     }
 
     void flushVolume(const fs::path& path) const override {
