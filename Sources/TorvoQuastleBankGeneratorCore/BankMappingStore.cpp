@@ -2,7 +2,9 @@
 
 #include "Json.h"
 #include "Models/DecodingError.h"
+#include "Models/GenerationError.h"
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <utility>
@@ -11,13 +13,14 @@ namespace torvo {
 
 namespace {
 
-/// Far more than a document has, far less than would fill the memory.
-constexpr int greatestNesting = 64;
+/// Limits memory use for hostile input; valid documents have a nesting depth below 10.
+constexpr int maxNesting = 64;
+constexpr std::uint64_t maxDocumentSize = 100'000'000; // bytes
 
 nlohmann::json parsed(const std::vector<std::byte>& bytes) {
     const auto* text = reinterpret_cast<const char*>(bytes.data());
     const auto limitNesting = [](int depth, nlohmann::json::parse_event_t, nlohmann::json&) {
-        if (depth > greatestNesting)
+        if (depth > maxNesting)
             throw DecodingError("", "nested too deeply");
         return true;
     };
@@ -51,17 +54,22 @@ BankMappingDocument BankMappingStore::document(const FileURL& sourceFolder,
 }
 
 void BankMappingStore::exportDocument(const BankMappingDocument& document,
-                                      const FileURL& to) const {
+                                      const FileURL& file) const {
     const auto text = nlohmann::json(document).dump(2) + "\n";
-    saveDocument(*fileManager_, to.path(), std::as_bytes(std::span(text)));
+    saveDocument(*fileManager_, file.path(), std::as_bytes(std::span(text)));
 }
 
-BankMappingDocument BankMappingStore::importDocument(const FileURL& from) const {
-    const auto bytes = readFile(*fileManager_, from.path());
+BankMappingDocument BankMappingStore::importDocument(const FileURL& file) const {
+    const auto status = fileManager_->status(file.path());
+    if (status && status->size > maxDocumentSize) {
+        throw GenerationError::exportFailed(file.lastPathComponent() +
+                                            " is too large to be a bank mapping.");
+    }
+    const auto bytes = readFile(*fileManager_, file.path());
     try {
         return parsed(bytes).get<BankMappingDocument>();
     } catch (const DecodingError& error) {
-        throw error.withDocumentName(from.lastPathComponent());
+        throw error.withDocumentName(file.lastPathComponent());
     }
 }
 

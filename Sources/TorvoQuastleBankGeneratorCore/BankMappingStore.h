@@ -8,24 +8,25 @@
 
 namespace torvo {
 
-/// Builds, writes and reads the JSON record of a run.
+/// Creates, writes and reads bank mapping documents (JSON).
 class BankMappingStore {
 public:
     explicit BankMappingStore(std::shared_ptr<const FileManager> fileManager = systemFileManager());
 
-    /// Version 2, dated now.
+    /// Creates a document of version 2 with the current time.
     BankMappingDocument document(const FileURL& sourceFolder, GenerationMode generationMode,
                                  const BankNameScheme& naming,
                                  const GenerationTemplate& generationTemplate,
                                  std::vector<BankRecipe> recipes) const;
 
-    /// Atomically replaces `to` and returns once it has reached the storage medium. An existing
+    /// Atomically replaces `file` and returns once it has reached the storage medium. An existing
     /// file keeps its permissions; a symbolic link is kept and its target is written. Also removes
     /// temporary files of interrupted exports from the folder. Throws `FileError`.
-    void exportDocument(const BankMappingDocument& document, const FileURL& to) const;
+    void exportDocument(const BankMappingDocument& document, const FileURL& file) const;
 
-    /// Throws `FileError` or `DecodingError`.
-    BankMappingDocument importDocument(const FileURL& from) const;
+    /// Reads a document. Throws `FileError`, `DecodingError`, or `GenerationError` for a file
+    /// larger than 100 MB, which is not read.
+    BankMappingDocument importDocument(const FileURL& file) const;
 
 private:
     std::shared_ptr<const FileManager> fileManager_;

@@ -3,6 +3,8 @@
 #include "Json.h"
 #include "LockedFolderFileManager.h"
 #include "Models/DecodingError.h"
+#include "Models/GenerationError.h"
+#include "RecordingFileManager.h"
 #include "Samples.h"
 #include "TemporaryFolder.h"
 #include "Thrown.h"
@@ -379,7 +381,21 @@ TEST(BankMappingStore, refusesNestingThatNoDocumentHas) {
     EXPECT_EQ(errorOf([&] { read(objects); }), "nested too deeply");
 }
 
-TEST(BankMappingStore, passesFileErrorsOn) {
+TEST(BankMappingStore, refusesAFileAbove100MegabytesBeforeReadingIt) {
+    const TemporaryFolder folder;
+    const auto path = folder.write("Take 1.json", "{}");
+    const auto log = std::make_shared<FileCallLog>();
+    const BankMappingStore store(std::make_shared<RecordingFileManager>(log));
+    fs::resize_file(path, 100'000'001);
+    EXPECT_EQ(thrown<GenerationError>([&] { store.importDocument(FileURL(path)); }),
+              GenerationError::exportFailed("Take 1.json is too large to be a bank mapping."));
+    EXPECT_THAT(log->described(folder.path(), {"open read", "read"}), testing::IsEmpty());
+    fs::resize_file(path, 100'000'000);
+    // Exactly at the limit: nlohmann/json stops at the first zero byte.
+    EXPECT_EQ(errorOf([&] { store.importDocument(FileURL(path)); }), "sourceFolder: missing");
+}
+
+TEST(BankMappingStore, propagatesFileErrors) {
     const TemporaryFolder folder;
     const auto missing = thrown<FileError>(
         [&] { BankMappingStore().importDocument(FileURL(folder / "missing.json")); });
