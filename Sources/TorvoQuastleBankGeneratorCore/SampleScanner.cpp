@@ -3,11 +3,9 @@
 #include "Models/GenerationError.h"
 #include "Platform/LoadedLibrary.h"
 #include "Platform/NotFound.h"
-#include "Platform/TaskOrder.h"
+#include "Platform/TaskGroup.h"
 #include "Platform/UnicodeText.h"
 #include "RoleClassifier.h"
-
-#include <tbb/task_group.h>
 
 #include <algorithm>
 #include <list>
@@ -139,7 +137,7 @@ public:
     ~Inspection() noexcept {
         tasks_.cancel();
         try {
-            wait();
+            tasks_.wait();
         } catch (const std::exception&) {
             // The failure of the walk is the one to tell.
         }
@@ -159,7 +157,7 @@ public:
     std::list<std::vector<ClassifiedFile>> finish() {
         if (!batches_.empty() && batches_.back().size() < batchSize)
             start(batches_.back());
-        wait();
+        tasks_.wait();
         return std::move(batches_);
     }
 
@@ -167,16 +165,10 @@ private:
     static constexpr std::size_t batchSize = 8;
 
     void start(std::vector<ClassifiedFile>& batch) {
-        tasks_.run([this, &batch, handed = taskOrder::HandedOver()] {
-            [[maybe_unused]] const taskOrder::InTask task(handed);
+        tasks_.run([this, &batch] {
             for (auto& file : batch)
                 inspect(file);
         });
-    }
-
-    void wait() {
-        [[maybe_unused]] const taskOrder::Waiting waiting;
-        tasks_.wait();
     }
 
     void inspect(ClassifiedFile& file) const {
@@ -192,8 +184,9 @@ private:
     }
 
     const AudioFileInspecting& inspector_;
-    std::list<std::vector<ClassifiedFile>> batches_; // tasks work on them where they are
-    tbb::task_group tasks_;
+    std::list<std::vector<ClassifiedFile>>
+        batches_; // tasks refer to the elements, so their addresses must not change
+    TaskGroup tasks_;
 };
 
 /// What names alone tell, item by item. Files that have a role go on to the inspection.
