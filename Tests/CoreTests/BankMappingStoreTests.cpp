@@ -1,5 +1,5 @@
 #include "BankMappingStore.h"
-#include "FileZoo.h"
+#include "FileKinds.h"
 #include "Json.h"
 #include "LockedFolderFileManager.h"
 #include "Models/DecodingError.h"

@@ -1,4 +1,4 @@
-#include "FileZoo.h"
+#include "FileKinds.h"
 #include "Platform/FileManager.h"
 #include "Thrown.h"
 

@@ -1,4 +1,4 @@
-#include "FileZoo.h"
+#include "FileKinds.h"
 #include "ForwardingFileManager.h"
 #include "LockedFolderFileManager.h"
 #include "Platform/FileManager.h"

@@ -1,6 +1,6 @@
 #include "AudioFixtures.h"
 #include "AudioSupport/RunPreparer.h"
-#include "Holdings.h"
+#include "ProcessResources.h"
 #include "Models/GenerationError.h"
 #include "TreeSnapshot.h"
 
@@ -246,10 +246,10 @@ TEST_F(RunPreparerTest, anAbandonedRunLeavesNothingBehind) {
     tbb::task_arena arena(threads);
     arena.execute([&] {
         abandonRuns(); // what libraries make once and keep
-        const auto heldBefore = holdings();
+        const auto heldBefore = processResources();
         const auto treeBefore = snapshotOf(folder.path(), Times::doNotCount);
         abandonRuns();
-        const auto heldAfter = holdings();
+        const auto heldAfter = processResources();
         EXPECT_EQ(heldAfter.openFiles, heldBefore.openFiles);
         // The task library starts its own threads when it likes, and no more than these.
         EXPECT_LE(heldAfter.threads, heldBefore.threads + threads);

@@ -4,13 +4,13 @@
 
 namespace torvo::test {
 
-/// What this process holds of the system's means.
-struct Holdings {
+/// The system resources in use by this process.
+struct ProcessResources {
     std::ptrdiff_t openFiles = 0;
     std::ptrdiff_t threads = 0;
     std::size_t heapBytes = 0; ///< in use; means nothing under a sanitizer's own heap
 };
 
-Holdings holdings();
+ProcessResources processResources();
 
 } // namespace torvo::test

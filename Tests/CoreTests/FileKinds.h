@@ -14,14 +14,14 @@ inline const FileManager& files() {
     return *systemFileManager();
 }
 
-/// Those of a new file, as the process is told to make it.
+/// The permissions of a new file under the current umask.
 inline std::filesystem::perms ordinaryFilePermissions() {
     const auto mask = ::umask(0);
     ::umask(mask);
     return static_cast<std::filesystem::perms>(0666U & ~mask);
 }
 
-/// Folder, file, pipe and four links: to the file, to the folder, dead, in a circle.
+/// Folder, file, pipe and four links: to the file, to the folder, dangling, to itself.
 struct Zoo {
     TemporaryFolder folder;
     std::filesystem::path file = folder.write("file", "12345");

@@ -1,5 +1,5 @@
-// Output inside the source, source inside the output, both the same, links between them: what stood
-// in the source before a run stands there afterwards, byte for byte.
+// Output inside the source, source inside the output, both the same folder, links between them: a
+// run leaves the source unchanged, byte for byte.
 
 #include "FaultyFileManager.h"
 #include "Models/UserFacingDescription.h"
@@ -24,9 +24,9 @@ using ::testing::IsEmpty;
 
 struct Entanglement {
     std::string name;
-    /// Prepares the folder that holds the library "Kit" and returns the output folder.
+    /// Prepares the folder with the library "Kit" and returns the output folder.
     std::function<fs::path(const TemporaryFolder&)> output;
-    /// Part of the message, or none when the run is harmless.
+    /// Part of the message, or none when the run is safe.
     std::optional<std::string> refusal;
 };
 
@@ -82,8 +82,8 @@ const std::vector<Entanglement>& entanglements() {
 
 class EntanglementTests : public ::testing::TestWithParam<Entanglement> {};
 
-/// What was there is there, the same; new folders may have appeared and a folder that received one
-/// has a new time of change.
+/// Existing items are unchanged; new folders may have been added, which updates the modification
+/// time of their parent.
 void expectKept(const TreeSnapshot& before, const TreeSnapshot& after) {
     for (const auto& [path, item] : before) {
         const auto found = after.find(path);
@@ -109,7 +109,7 @@ TEST_P(EntanglementTests, keepsTheSource) {
             report.sourceFolder, report.mode, naming, generationTemplate(report.mode),
             BankGenerator{}.makeRecipes(report.buckets, report.mode, std::nullopt, 2, naming, 5));
     }();
-    // Twice: the second finds the device folder of the first.
+    // Twice: the second run finds the device folder of the first.
     for (int i = 0; i < 2; ++i) {
         std::optional<std::string> failure;
         try {
@@ -130,8 +130,8 @@ TEST_P(EntanglementTests, keepsTheSource) {
 INSTANTIATE_TEST_SUITE_P(Places, EntanglementTests, ::testing::ValuesIn(entanglements()),
                          [](const auto& each) { return each.param.name; });
 
-/// A folder, the device folder that a run replaces, and samples in the wrong place.
-class SacredSourceTests : public ::testing::Test {
+/// A device folder to be replaced that contains samples.
+class SourceSafetyTests : public ::testing::Test {
 protected:
     /// Exports samples at these paths below the folder, as banks of "Kit" into "out".
     std::string refusalOf(const fs::path& source, const std::vector<std::string>& samples) const {
@@ -163,36 +163,36 @@ protected:
     std::vector<std::byte> wav_ = wavFile(WavFormat{}, std::size_t{50});
 };
 
-TEST_F(SacredSourceTests, aSampleInTheFolderToBeReplacedRefusesTheRun) {
+TEST_F(SourceSafetyTests, refusesASampleInTheDeviceFolder) {
     folder_.write("Kit/kick.wav", wav_);
     folder_.write("out/Kit/QZT508/Bank 1/1/old.wav", wav_);
     EXPECT_THAT(refusalOf(folder_ / "Kit", {"Kit/kick.wav", "out/Kit/QZT508/Bank 1/1/old.wav"}),
                 HasSubstr("lies inside"));
 }
 
-TEST_F(SacredSourceTests, aLinkToASampleInTheFolderToBeReplacedRefusesTheRun) {
+TEST_F(SourceSafetyTests, refusesALinkToASampleInTheDeviceFolder) {
     folder_.write("out/Kit/QZT508/Bank 1/1/old.wav", wav_);
     folder_.createFolder("Kit");
     fs::create_symlink(folder_ / "out/Kit/QZT508/Bank 1/1/old.wav", folder_ / "Kit/kick.wav");
     EXPECT_THAT(refusalOf(folder_ / "Kit", {"Kit/kick.wav"}), HasSubstr("lies inside"));
 }
 
-TEST_F(SacredSourceTests, aSourceInTheFolderToBeReplacedRefusesTheRun) {
+TEST_F(SourceSafetyTests, refusesASourceInTheDeviceFolder) {
     folder_.write("elsewhere/kick.wav", wav_);
     folder_.write("out/Kit/QZT508/Kit/never picked.wav", wav_);
     EXPECT_THAT(refusalOf(folder_ / "out/Kit/QZT508/Kit", {"elsewhere/kick.wav"}),
                 HasSubstr("lies inside"));
 }
 
-TEST_F(SacredSourceTests, aSourceThatIsTheFolderToBeReplacedRefusesTheRun) {
+TEST_F(SourceSafetyTests, refusesTheDeviceFolderAsTheSource) {
     folder_.write("elsewhere/kick.wav", wav_);
     folder_.write("out/Kit/QZT508/never picked.wav", wav_);
     fs::create_directory_symlink(folder_ / "out/Kit/QZT508", folder_ / "link");
     EXPECT_THAT(refusalOf(folder_ / "link", {"elsewhere/kick.wav"}), HasSubstr("lies inside"));
 }
 
-/// The guard must not be blinded by the very faults it is there for.
-TEST_F(SacredSourceTests, aSampleThatCannotBeFollowedRefusesTheRun) {
+/// The check must also hold when the disk fails while it is made.
+TEST_F(SourceSafetyTests, refusesASampleThatCannotBeResolved) {
     folder_.write("out/Kit/QZT508/Bank 1/1/old.wav", wav_);
     folder_.createFolder("Kit");
     fs::create_symlink(folder_ / "out/Kit/QZT508/Bank 1/1/old.wav", folder_ / "Kit/kick.wav");
@@ -211,8 +211,8 @@ TEST_F(SacredSourceTests, aSampleThatCannotBeFollowedRefusesTheRun) {
     }
 }
 
-/// A stamp of a folder whose files are links into a library, or have a second name there.
-TEST_F(SacredSourceTests, aStampChangesNoLibraryThroughLinks) {
+/// Stamps a folder whose files are symbolic or hard links to a library.
+TEST_F(SourceSafetyTests, doesNotStampALibraryThroughLinks) {
     folder_.write("Kit/kick.wav", wav_);
     folder_.write("Kit/snare.wav", wav_);
     folder_.createFolder("QZT508/Bank 1/1");
@@ -224,9 +224,8 @@ TEST_F(SacredSourceTests, aStampChangesNoLibraryThroughLinks) {
     EXPECT_THAT(differences(before, snapshotOf(folder_ / "Kit")), IsEmpty());
 }
 
-/// A converted sample is written over whatever stands under its name; a link there is replaced, not
-/// followed.
-TEST_F(SacredSourceTests, preparingOverALinkReplacesTheLink) {
+/// A converted sample overwrites any item of its name; a link is replaced, not followed.
+TEST_F(SourceSafetyTests, preparingReplacesALinkAtTheDestination) {
     folder_.write("Kit/kick.wav", wav_);
     const auto fast = folder_.write("fast.wav", wavFile({.sampleRate = 48000}, std::size_t{50}));
     const auto before = snapshotOf(folder_ / "Kit");

@@ -1,4 +1,4 @@
-#include "Holdings.h"
+#include "ProcessResources.h"
 
 #include <filesystem>
 #include <malloc.h>
@@ -13,7 +13,7 @@ std::ptrdiff_t entryCount(const char* folder) {
 
 } // namespace
 
-Holdings holdings() {
+ProcessResources processResources() {
     return {entryCount("/proc/self/fd"), entryCount("/proc/self/task"), ::mallinfo2().uordblks};
 }
 
