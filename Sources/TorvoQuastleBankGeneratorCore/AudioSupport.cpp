@@ -6,7 +6,6 @@
 #include "AudioSupport/ConvertedFileWriter.h"
 #include "AudioSupport/OpenAudio.h"
 #include "AudioSupport/RiffChunks.h"
-#include "AudioSupport/RunPreparer.h"
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/Precondition.h"
@@ -90,8 +89,9 @@ AudioCompatibilityEvaluator::compatibility(const AudioFormatDetails& details) co
     return RequiresConversion{reason};
 }
 
-std::shared_ptr<const AudioFilePreparing>
-AudioFilePreparing::forRun(const std::vector<BankRecipe>&) const {
+std::shared_ptr<const ConvertedFile>
+AudioFilePreparing::convertedFile(const SampleCandidate&, std::size_t,
+                                  const std::stop_token&) const {
     return nullptr;
 }
 
@@ -110,9 +110,10 @@ SamplePreparationMode AVAudioSamplePreparer::prepare(const SampleCandidate& samp
     return SamplePreparationMode::copied;
 }
 
-std::shared_ptr<const AudioFilePreparing>
-AVAudioSamplePreparer::forRun(const std::vector<BankRecipe>& recipes) const {
-    return std::make_shared<RunPreparer>(fileManager_, recipes);
+std::shared_ptr<const ConvertedFile>
+AVAudioSamplePreparer::convertedFile(const SampleCandidate& sample, std::size_t maxSize,
+                                     const std::stop_token& stop) const {
+    return convertInMemory(*fileManager_, sample.sourceURL, maxSize, stop);
 }
 
 } // namespace torvo

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "Models/BankRecipe.h"
 #include "Models/SampleRecords.h"
 #include "Platform/FileManager.h"
 
+#include <cstddef>
 #include <memory>
+#include <stop_token>
 #include <vector>
 
 namespace torvo {
@@ -41,7 +42,10 @@ struct AudioCompatibilityEvaluator {
 /// How a sample came to its destination.
 enum class SamplePreparationMode { copied, converted };
 
-/// Puts a sample at its destination in a form that the device plays.
+/// The contents of a converted WAV file, header included.
+using ConvertedFile = std::vector<std::byte>;
+
+/// Writes samples in a format that the device plays.
 class AudioFilePreparing {
 public:
     virtual ~AudioFilePreparing() = default;
@@ -51,11 +55,12 @@ public:
     virtual SamplePreparationMode prepare(const SampleCandidate& sample,
                                           const FileURL& destinationURL) const = 0;
 
-    /// A preparer for exactly one export of these recipes, which may look ahead: it will be asked
-    /// for channels 1 to 8 of each recipe in order, twice each. None means that this one serves.
-    /// The recipes outlive it.
-    virtual std::shared_ptr<const AudioFilePreparing>
-    forRun(const std::vector<BankRecipe>& recipes) const;
+    /// Converts a sample in memory and returns the file that `prepare` would write. Null when it
+    /// would exceed `maxSize` bytes, when `stop` was requested, or when this preparer cannot
+    /// convert in memory. Throws the errors that `prepare` throws for the source. Thread-safe.
+    virtual std::shared_ptr<const ConvertedFile> convertedFile(const SampleCandidate& sample,
+                                                               std::size_t maxSize,
+                                                               const std::stop_token& stop) const;
 };
 
 /// Copies files that the device plays and converts all others to 44100 Hz, 16-bit mono WAV. Also
@@ -67,8 +72,9 @@ public:
         std::shared_ptr<const FileManager> fileManager = systemFileManager());
     SamplePreparationMode prepare(const SampleCandidate& sample,
                                   const FileURL& destinationURL) const override;
-    std::shared_ptr<const AudioFilePreparing>
-    forRun(const std::vector<BankRecipe>& recipes) const override;
+    std::shared_ptr<const ConvertedFile> convertedFile(const SampleCandidate& sample,
+                                                       std::size_t maxSize,
+                                                       const std::stop_token& stop) const override;
 
 private:
     std::shared_ptr<const FileManager> fileManager_;

@@ -1,5 +1,6 @@
 #include "BankExporter.h"
 
+#include "AudioSupport/ConvertedFileWriter.h"
 #include "ExportChecks.h"
 #include "Models/BankNameScheme.h"
 #include "Models/Device.h"
@@ -65,17 +66,30 @@ void writeInfo(const FileManager& fileManager, const FileURL& bankFolder,
     file->close();
 }
 
-/// One export: where it writes and what it has counted.
+/// The samples in the order in which the export prepares them.
+std::vector<const SampleCandidate*> samplesInOrder(const std::vector<BankRecipe>& recipes) {
+    std::vector<const SampleCandidate*> samples;
+    for (const BankRecipe& recipe : recipes) {
+        for (const auto& [channel, sample] : recipe.channels) {
+            if (device::hasChannel(channel))
+                samples.push_back(&sample);
+        }
+    }
+    return samples;
+}
+
+/// Writes the banks of one export and counts the files.
 class Run {
 public:
-    Run(const FileManager& fileManager, const AudioFilePreparing& preparer,
+    Run(const FileManager& fileManager, std::shared_ptr<const AudioFilePreparing> preparer,
         const TorvoWAVMetadataWriter& metadataWriter, const ExportJob& job,
-        const FileURL& deviceFolder)
+        const FileURL& deviceFolder, std::size_t conversionMemory)
         : fileManager_(fileManager),
-          preparer_(preparer),
+          preparer_(std::move(preparer)),
           metadataWriter_(metadataWriter),
           job_(job),
-          poolFolder_(folderIn(deviceFolder, "Pool")) {
+          poolFolder_(folderIn(deviceFolder, "Pool")),
+          conversions_(preparer_, samplesInOrder(job.recipes), conversionMemory) {
         summary_.rootFolder = deviceFolder;
         summary_.banksWritten = static_cast<std::int64_t>(job.recipes.size());
         fileManager_.createDirectory(poolFolder_.path());
@@ -118,11 +132,23 @@ private:
         writeStamped(
             sample, channel,
             bankPool.appendingPathComponent(poolNames_[recipe.bankIndex].nextAvailable(sample)));
+        ++preparedSamples_;
+    }
+
+    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL& destination) {
+        if (std::holds_alternative<CompatibleWav>(sample.compatibility))
+            return preparer_->prepare(sample, destination);
+        removeExisting(fileManager_, destination);
+        const auto converted = conversions_.take(preparedSamples_);
+        if (!converted)
+            return preparer_->prepare(sample, destination);
+        ConvertedFileWriter(fileManager_, destination).writeWhole(*converted);
+        return SamplePreparationMode::converted;
     }
 
     void writeStamped(const SampleCandidate& sample, std::int64_t channel,
                       const FileURL& destination) {
-        switch (preparer_.prepare(sample, destination)) {
+        switch (prepare(sample, destination)) {
         case SamplePreparationMode::copied:
             ++summary_.copiedFiles;
             break;
@@ -138,10 +164,12 @@ private:
     }
 
     const FileManager& fileManager_;
-    const AudioFilePreparing& preparer_;
+    std::shared_ptr<const AudioFilePreparing> preparer_;
     const TorvoWAVMetadataWriter& metadataWriter_;
     const ExportJob& job_;
     FileURL poolFolder_;
+    ConversionCache conversions_;
+    std::size_t preparedSamples_ = 0; ///< channels written so far, in all banks
     std::unordered_map<std::int64_t, PoolNames> poolNames_; ///< by bank
     ExportSummary summary_;
 };
@@ -150,10 +178,11 @@ private:
 
 BankExporter::BankExporter(std::shared_ptr<const FileManager> fileManager,
                            std::shared_ptr<const AudioFilePreparing> preparer,
-                           TorvoWAVMetadataWriter metadataWriter)
+                           TorvoWAVMetadataWriter metadataWriter, std::size_t conversionMemory)
     : fileManager_(std::move(fileManager)),
       preparer_(std::move(preparer)),
-      metadataWriter_(std::move(metadataWriter)) {}
+      metadataWriter_(std::move(metadataWriter)),
+      conversionMemory_(conversionMemory) {}
 
 ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& progress) const {
     const auto& name = job.naming.exportFolderName();
@@ -173,9 +202,7 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
     }
     fileManager_->createDirectory(deviceFolder.path());
 
-    const auto runPreparer = preparer_->forRun(job.recipes);
-    Run run(*fileManager_, runPreparer ? *runPreparer : *preparer_, metadataWriter_, job,
-            deviceFolder);
+    Run run(*fileManager_, preparer_, metadataWriter_, job, deviceFolder, conversionMemory_);
     std::int64_t completed = 0;
     for (const auto& recipe : job.recipes) {
         written.requireSameVolume();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AudioSupport.h"
+#include "ConversionCache.h"
 #include "Models/ExportRecords.h"
 #include "Platform/FileManager.h"
 #include "TorvoMetadata.h"
@@ -15,9 +16,11 @@ class BankExporter {
 public:
     using Progress = std::function<void(const ProgressUpdate&)>;
 
+    /// `conversionMemory` is the memory in bytes that the converted files of a run may use.
     BankExporter(std::shared_ptr<const FileManager> fileManager,
                  std::shared_ptr<const AudioFilePreparing> preparer,
-                 TorvoWAVMetadataWriter metadataWriter);
+                 TorvoWAVMetadataWriter metadataWriter,
+                 std::size_t conversionMemory = ConversionCache::defaultMemoryBudget);
 
     /// Rebuilds the device folder from empty and returns the counts once everything is on the
     /// medium. `progress` (may be empty) is called on this thread after each finished bank. The
@@ -28,6 +31,7 @@ private:
     std::shared_ptr<const FileManager> fileManager_;
     std::shared_ptr<const AudioFilePreparing> preparer_;
     TorvoWAVMetadataWriter metadataWriter_;
+    std::size_t conversionMemory_; ///< bytes
 };
 
 } // namespace torvo

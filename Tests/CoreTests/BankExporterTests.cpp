@@ -335,17 +335,7 @@ TEST(BankExporter, asksThePreparerTwiceForEachChannelInOrder) {
     EXPECT_EQ(fixture.preparer->calls(), expected);
 }
 
-TEST(BankExporter, usesThePreparerOfTheRunWhenThereIsOne) {
-    ExportFixture fixture;
-    const auto ofTheRun = std::make_shared<FakePreparer>();
-    fixture.preparer->runPreparer = ofTheRun;
-    fixture.job.recipes = {fixture.bank(1, {"a"})};
-    fixture.run();
-    EXPECT_THAT(fixture.preparer->calls(), IsEmpty());
-    EXPECT_EQ(ofTheRun->calls().size(), 16U);
-}
-
-TEST(BankExporter, passesThePreparersErrorsOnUnchanged) {
+TEST(BankExporter, propagatesPreparerErrorsUnchanged) {
     ExportFixture fixture;
     fixture.job.recipes = {fixture.bank(1, {"a"}), fixture.bank(2, {"b"})};
     fixture.preparer->beforePreparing = [&](const auto&) {

@@ -1,4 +1,3 @@
-#include "AudioSupport/RunPreparer.h"
 #include "BankExporter.h"
 #include "BankGenerator.h"
 #include "BankMappingStore.h"
@@ -25,48 +24,29 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ValuesIn;
 
-/// Under what a run is carried out. None of it may show in the result.
+/// The conditions of a run. None of them may affect the result.
 struct Conditions {
     const char* name;
     int threads;
     std::size_t memoryBudget; ///< bytes
 };
 
-constexpr std::size_t holdsNothing = 1;
-constexpr std::size_t holdsAFew = std::size_t{9} * 1024 * 1024;
+constexpr std::size_t noMemory = 1;
+constexpr std::size_t littleMemory = std::size_t{9} * 1024 * 1024;
 constexpr std::array<Conditions, 7> allConditions{
-    {{"oneThread", 1, RunPreparer::defaultMemoryBudget},
-     {"twoThreads", 2, RunPreparer::defaultMemoryBudget},
-     {"eightThreads", 8, RunPreparer::defaultMemoryBudget},
-     {"twoThreadsThatHoldAFew", 2, holdsAFew},
-     {"eightThreadsThatHoldAFew", 8, holdsAFew},
-     {"oneThreadThatHoldsNothing", 1, holdsNothing},
-     {"eightThreadsThatHoldNothing", 8, holdsNothing}}};
+    {{"oneThread", 1, ConversionCache::defaultMemoryBudget},
+     {"twoThreads", 2, ConversionCache::defaultMemoryBudget},
+     {"eightThreads", 8, ConversionCache::defaultMemoryBudget},
+     {"twoThreadsThatHoldAFew", 2, littleMemory},
+     {"eightThreadsThatHoldAFew", 8, littleMemory},
+     {"oneThreadThatHoldsNothing", 1, noMemory},
+     {"eightThreadsThatHoldNothing", 8, noMemory}}};
 
 void PrintTo(const Conditions& conditions, std::ostream* out) {
     *out << conditions.name;
 }
 
-/// The program's preparer with a memory budget of our choice.
-class BudgetedPreparer final : public AudioFilePreparing {
-public:
-    explicit BudgetedPreparer(std::size_t memoryBudget) : memoryBudget_(memoryBudget) {}
-
-    SamplePreparationMode prepare(const SampleCandidate& sample,
-                                  const FileURL& destinationURL) const override {
-        return plain_.prepare(sample, destinationURL);
-    }
-    std::shared_ptr<const AudioFilePreparing>
-    forRun(const std::vector<BankRecipe>& recipes) const override {
-        return std::make_shared<RunPreparer>(systemFileManager(), recipes, memoryBudget_);
-    }
-
-private:
-    std::size_t memoryBudget_;
-    AVAudioSamplePreparer plain_;
-};
-
-/// Everything that a run leaves behind.
+/// The complete output of a run.
 struct Outcome {
     TreeSnapshot tree;
     std::string document;
@@ -74,7 +54,7 @@ struct Outcome {
     std::string failure;
 };
 
-/// Loops of all kinds: copied and converted, short and long, PCM and through the media library.
+/// Loops of all kinds: copied and converted, short and long, PCM and decoded by FFmpeg.
 fs::path writeLoops(const TemporaryFolder& folder) {
     constexpr std::array<std::uint32_t, 4> rates{48000, 44100, 96000, 22050};
     for (std::size_t i = 0; i < 20; ++i) {
@@ -89,7 +69,7 @@ fs::path writeLoops(const TemporaryFolder& folder) {
     return folder / "Loops";
 }
 
-/// Scan, recipes, document and export, once `beforeExport` has had the recipes.
+/// Scans, makes recipes and a document, calls `beforeExport` with the recipes, and exports.
 template <typename BeforeExport>
 Outcome run(const fs::path& source, GenerationMode mode, const fs::path& out,
             const Conditions& conditions, BeforeExport beforeExport) {
@@ -107,9 +87,8 @@ Outcome run(const fs::path& source, GenerationMode mode, const fs::path& out,
         beforeExport(document.recipes);
 
         Outcome outcome;
-        const BankExporter exporter(systemFileManager(),
-                                    std::make_shared<BudgetedPreparer>(conditions.memoryBudget),
-                                    TorvoWAVMetadataWriter());
+        const BankExporter exporter(systemFileManager(), std::make_shared<AVAudioSamplePreparer>(),
+                                    TorvoWAVMetadataWriter(), conditions.memoryBudget);
         try {
             outcome.summary =
                 exporter.exportBanks(exportJob(document, FileURL::directory(out), {}));
@@ -130,8 +109,8 @@ void leaveAlone(const std::vector<BankRecipe>&) {}
 
 class RunInvariance : public testing::TestWithParam<Conditions> {
 protected:
-    /// The same run twice, from and into the same folders: on one thread that holds nothing, and as
-    /// the parameter says. Returns what came out of both.
+    /// Performs the same run twice with the same folders: on one thread without a cache, and under
+    /// the conditions of the parameter. Returns both results.
     template <typename WriteLibrary, typename BeforeExport = decltype(&leaveAlone)>
     Outcome compared(WriteLibrary writeLibrary, GenerationMode mode,
                      BeforeExport beforeExport = leaveAlone) {
@@ -140,7 +119,7 @@ protected:
             return run(writeLibrary(folder), mode, folder.createFolder("Card"), conditions,
                        beforeExport);
         };
-        const auto expected = outcomeUnder({"plain", 1, holdsNothing});
+        const auto expected = outcomeUnder({"plain", 1, noMemory});
         const auto actual = outcomeUnder(GetParam());
         EXPECT_THAT(differences(expected.tree, actual.tree), testing::IsEmpty());
         EXPECT_EQ(expected.document, actual.document);
@@ -166,7 +145,7 @@ TEST_P(RunInvariance, writesTheSameDrums) {
     EXPECT_EQ(outcome.summary->copiedFiles + outcome.summary->convertedFiles, 9 * 8 * 2);
 }
 
-/// The distinct samples to be converted, in the order in which the banks want them.
+/// The distinct samples to convert, in the order of their use in the banks.
 std::vector<SampleCandidate> convertedInOrder(const std::vector<BankRecipe>& recipes) {
     std::vector<SampleCandidate> found;
     std::set<std::string> seen;
@@ -181,8 +160,8 @@ std::vector<SampleCandidate> convertedInOrder(const std::vector<BankRecipe>& rec
 }
 
 TEST_P(RunInvariance, reportsTheFirstFailingSampleInBankAndChannelOrder) {
-    // Several go, and those after the first fail at once while the ones before are still being
-    // converted by others.
+    // Several samples are missing; the later ones fail at once while other threads still convert
+    // the earlier ones.
     std::string firstFailing;
     const auto outcome =
         compared(writeLoops, GenerationMode::loops, [&](const std::vector<BankRecipe>& recipes) {

@@ -47,11 +47,6 @@ SamplePreparationMode FakePreparer::prepare(const SampleCandidate& sample,
     return SamplePreparationMode::converted;
 }
 
-std::shared_ptr<const AudioFilePreparing>
-FakePreparer::forRun(const std::vector<BankRecipe>& /*recipes*/) const {
-    return runPreparer;
-}
-
 std::vector<std::byte> FakePreparer::convertedBytes() {
     return riffFile({riffChunk("data", bytes("converted."))});
 }

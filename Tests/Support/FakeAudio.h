@@ -33,13 +33,9 @@ public:
 
     SamplePreparationMode prepare(const SampleCandidate& sample,
                                   const FileURL& destinationURL) const override;
-    std::shared_ptr<const AudioFilePreparing>
-    forRun(const std::vector<BankRecipe>& recipes) const override;
 
     /// Runs before each preparation; what it throws is the preparation's failure.
     std::function<void(const Call&)> beforePreparing;
-    /// What `forRun` hands out.
-    std::shared_ptr<const AudioFilePreparing> runPreparer;
 
     const std::vector<Call>& calls() const { return calls_; }
 

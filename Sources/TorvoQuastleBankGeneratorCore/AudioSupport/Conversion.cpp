@@ -83,22 +83,41 @@ bool isTooLongToConvert(const AudioReader& reader) {
     return dataSizeOf(resampledFrameCount(*frames, rate)) > maxConvertedDataSize;
 }
 
-ConvertedAudio convertFile(const FileManager& fileManager, const FileURL& source,
-                           const FileURL& destination) {
+void convertFile(const FileManager& fileManager, const FileURL& source,
+                 const FileURL& destination) {
     removeExisting(fileManager, destination);
     ConversionSource input(fileManager, source);
     ConvertedFileWriter output(fileManager, destination);
     input.configure();
     output.configure(input.expectedDataSize());
     std::array<std::byte, conversionBlockFrames * sizeof(std::int16_t)> block;
-    ConvertedAudio converted;
-    while (const std::size_t count = input.read(block)) {
+    while (const std::size_t count = input.read(block))
         output.write(std::span(block).first(count));
-        converted.dataSize += count;
-        converted.fingerprint.add(std::span(block).first(count));
-    }
     output.finish();
-    return converted;
+}
+
+std::shared_ptr<const std::vector<std::byte>> convertInMemory(const FileManager& fileManager,
+                                                              const FileURL& source,
+                                                              std::size_t maxSize,
+                                                              const std::stop_token& stop) {
+    ConversionSource input(fileManager, source);
+    input.configure();
+    const auto expected = input.expectedDataSize();
+    if (maxSize < convertedHeaderSize || expected.value_or(0) > maxSize - convertedHeaderSize)
+        return nullptr;
+    auto file = std::make_shared<std::vector<std::byte>>();
+    file->reserve(convertedHeaderSize + static_cast<std::size_t>(expected.value_or(0)));
+    file->resize(convertedHeaderSize);
+    std::array<std::byte, conversionBlockFrames * sizeof(std::int16_t)> block;
+    while (const std::size_t count = input.read(block)) {
+        if (stop.stop_requested() || count > maxSize - file->size())
+            return nullptr;
+        const auto part = std::span(block).first(count);
+        file->insert(file->end(), part.begin(), part.end());
+    }
+    const auto dataSize = static_cast<std::uint32_t>(file->size() - convertedHeaderSize);
+    std::ranges::copy(convertedHeader(dataSize), file->begin());
+    return file;
 }
 
 } // namespace torvo

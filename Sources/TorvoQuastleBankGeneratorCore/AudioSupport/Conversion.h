@@ -1,7 +1,6 @@
 #pragma once
 
 #include "AudioSupport/AudioReader.h"
-#include "AudioSupport/Fingerprint.h"
 #include "AudioSupport/Resampler.h"
 #include "AudioSupport/RiffChunks.h"
 #include "Platform/FileManager.h"
@@ -13,6 +12,8 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stop_token>
+#include <vector>
 
 namespace torvo {
 
@@ -45,21 +46,19 @@ private:
 std::unique_ptr<const File> openConversionSource(const FileManager& fileManager,
                                                  const FileURL& url);
 
-/// What tells one conversion's audio from another's.
-struct ConvertedAudio {
-    std::uint64_t dataSize = 0; ///< bytes
-    Fingerprint fingerprint;    ///< of the audio alone, without the header
-
-    friend bool operator==(const ConvertedAudio&, const ConvertedAudio&) = default;
-};
-
 /// Whether the declared length, after conversion, exceeds the maximum size of a WAV file. False
 /// when the file does not declare its length.
 bool isTooLongToConvert(const AudioReader& reader);
 
-/// Converts a file, block by block. What stood at the destination is removed first; what a failure
-/// leaves there stays.
-ConvertedAudio convertFile(const FileManager& fileManager, const FileURL& source,
-                           const FileURL& destination);
+/// Converts a file block by block. Removes an existing item at the destination first. On failure a
+/// partial file may remain. Throws `FileError`, or `GenerationError` as `ConversionSource` does.
+void convertFile(const FileManager& fileManager, const FileURL& source, const FileURL& destination);
+
+/// Returns the contents of the file that `convertFile` would write. Null when it would exceed
+/// `maxSize` bytes or when `stop` was requested. Throws as `ConversionSource` does.
+std::shared_ptr<const std::vector<std::byte>> convertInMemory(const FileManager& fileManager,
+                                                              const FileURL& source,
+                                                              std::size_t maxSize,
+                                                              const std::stop_token& stop);
 
 } // namespace torvo
