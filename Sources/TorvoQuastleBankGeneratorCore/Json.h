@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Models/BankMappingDocument.h"
-#include "TorvoMetadataOptions.h"
+#include "Models/TorvoMetadataOptions.h"
 
 #include <nlohmann/json.hpp>
 

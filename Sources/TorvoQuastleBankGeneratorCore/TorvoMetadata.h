@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Models/TorvoMetadataOptions.h"
 #include "Platform/FileManager.h"
-#include "TorvoMetadataOptions.h"
 
 #include <cstddef>
 #include <cstdint>

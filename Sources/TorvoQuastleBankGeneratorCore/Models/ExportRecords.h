@@ -5,7 +5,7 @@
 #include "Models/BankRecipe.h"
 #include "Models/GenerationMode.h"
 #include "Models/SampleRecords.h"
-#include "TorvoMetadataOptions.h"
+#include "Models/TorvoMetadataOptions.h"
 
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-#include "TorvoMetadataOptions.h"
+#include "Models/TorvoMetadataOptions.h"
 
 #include "Models/Device.h"
 
