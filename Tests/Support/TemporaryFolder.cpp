@@ -2,14 +2,76 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace torvo::test {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+/// Removes the files of an open folder. Returns the names of its subfolders.
+std::vector<std::string> removeFiles(int folder) {
+    std::vector<std::string> subfolders;
+    DIR* listing = ::fdopendir(::dup(folder));
+    if (listing == nullptr)
+        return subfolders;
+    while (const dirent* entry = ::readdir(listing)) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != ".." && ::unlinkat(folder, name.c_str(), 0) != 0)
+            subfolders.push_back(name);
+    }
+    ::closedir(listing);
+    return subfolders;
+}
+
+/// Opens a folder that may be locked; -1 when it cannot be opened.
+int openLockedFolder(int parent, const char* name) {
+    ::fchmodat(parent, name, S_IRWXU, 0);
+    return ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+}
+
+/// Some test trees exceed the maximum path length and the limit of open files, so only one folder
+/// is open at a time.
+void removeTree(const fs::path& root) {
+    struct Level {
+        std::string name;
+        std::vector<std::string> subfolders; ///< not removed yet
+    };
+    int folder = openLockedFolder(AT_FDCWD, root.c_str());
+    if (folder < 0)
+        return;
+    std::vector<Level> levels{{root.filename(), removeFiles(folder)}};
+    while (!levels.empty()) {
+        if (!levels.back().subfolders.empty()) {
+            std::string name = std::move(levels.back().subfolders.back());
+            levels.back().subfolders.pop_back();
+            const int child = openLockedFolder(folder, name.c_str());
+            if (child < 0)
+                continue;
+            ::close(folder);
+            folder = child;
+            levels.push_back({std::move(name), removeFiles(folder)});
+        } else {
+            const int parent = ::openat(folder, "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            ::close(folder);
+            folder = parent;
+            ::unlinkat(folder, levels.back().name.c_str(), AT_REMOVEDIR);
+            levels.pop_back();
+        }
+    }
+    ::close(folder);
+}
+
+} // namespace
 
 TemporaryFolder::TemporaryFolder() {
     auto pattern = (fs::temp_directory_path() / "torvo-test-XXXXXX").string();
@@ -19,16 +81,7 @@ TemporaryFolder::TemporaryFolder() {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    // A test may have locked a folder.
-    for (fs::recursive_directory_iterator
-             it(path_, fs::directory_options::skip_permission_denied, ignored),
-         end;
-         it != end; it.increment(ignored)) {
-        if (it->is_directory(ignored) && !it->is_symlink(ignored))
-            fs::permissions(it->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
-    }
-    fs::remove_all(path_, ignored);
+    removeTree(path_);
 }
 
 fs::path TemporaryFolder::operator/(std::string_view relative) const {

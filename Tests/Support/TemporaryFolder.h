@@ -11,7 +11,8 @@
 
 namespace torvo::test {
 
-/// A folder of its own for one test, resolved and removed with everything in it at the end.
+/// A temporary folder for one test; its path has no symbolic links, and its content is removed by
+/// the destructor.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -24,7 +25,7 @@ public:
     /// A path inside, raw bytes.
     std::filesystem::path operator/(std::string_view relative) const;
 
-    /// Writes a file inside, with the folders above it; returns its path.
+    /// Writes a file inside and creates its parent folders; returns its path.
     std::filesystem::path write(std::string_view relative, std::span<const std::byte> bytes) const;
     std::filesystem::path write(std::string_view relative, std::string_view text) const;
     std::filesystem::path createFolder(std::string_view relative) const;
@@ -33,7 +34,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// Writes a file, with the folders above it.
+/// Writes a file and creates its parent folders.
 void saveFile(const std::filesystem::path& path, std::span<const std::byte> bytes);
 std::vector<std::byte> bytesOf(const std::filesystem::path& path);
 std::string textOf(const std::filesystem::path& path);
