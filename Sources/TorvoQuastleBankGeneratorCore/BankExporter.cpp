@@ -193,7 +193,7 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
 
     fileManager_->createDirectory(runFolder.path());
     const auto lock = lockForWriting(*fileManager_, runFolder);
-    const WrittenFolder written(fileManager_, runFolder.path());
+    const MountGuard guard(fileManager_, runFolder.path());
     if (const auto earlier = fileManager_->linkStatus(deviceFolder.path())) {
         // Do not delete the existing banks for a run that cannot succeed.
         const auto neededSpace = openSamples(*fileManager_, job.recipes);
@@ -205,14 +205,15 @@ ExportSummary BankExporter::exportBanks(const ExportJob& job, const Progress& pr
     Run run(*fileManager_, preparer_, metadataWriter_, job, deviceFolder, conversionMemory_);
     std::int64_t completed = 0;
     for (const auto& recipe : job.recipes) {
-        written.requireSameVolume();
+        guard.requireSameVolume();
         run.write(recipe);
         ++completed;
         if (progress)
             progress({completed, run.summary().banksWritten, recipe.shortName});
     }
-    // "Written" means on the medium: a card may be pulled out as soon as the user reads it.
-    written.flush();
+    // Flush before returning, because the user may remove the card as soon as the run is reported
+    // as finished.
+    guard.flush();
     return run.summary();
 }
 

@@ -221,18 +221,17 @@ void TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options, const Fi
 }
 
 std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
-                                           const FileURL& toWAVsUnder) const {
-    const auto lock =
-        lockForWriting(*fileManager_, folderToLockForStamping(*fileManager_, toWAVsUnder));
-    // The list is complete before the first file is written: a walk over a folder that is being
-    // rewritten may meet a file twice.
+                                           const FileURL& folder) const {
+    const auto lock = lockForWriting(*fileManager_, folderToLockForStamping(*fileManager_, folder));
+    // List all files before writing the first one: an enumeration may return a file twice when the
+    // folder changes meanwhile.
     std::vector<EnumeratedItem> items;
-    if (!enumerateDeep(*fileManager_, toWAVsUnder, EnumerationOptions::skipHidden,
+    if (!enumerateDeep(*fileManager_, folder, EnumerationOptions::skipHidden,
                        UnreadableFolders::fail,
                        [&items](EnumeratedItem item) { items.push_back(std::move(item)); }))
         return 0;
-    const WrittenFolder folder(fileManager_, toWAVsUnder.path());
-    removeAbandonedTemporaries(*fileManager_, toWAVsUnder.path());
+    const MountGuard guard(fileManager_, folder.path());
+    removeAbandonedTemporaries(*fileManager_, folder.path());
     std::int64_t written = 0;
     for (const auto& item : items) {
         if (item.kind == FileKind::directory)
@@ -242,7 +241,7 @@ std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
         rewrite(item.url, options, channelNumber(item.url));
         ++written;
     }
-    folder.flush();
+    guard.flush();
     return written;
 }
 

@@ -131,8 +131,8 @@ public:
                     UnreadableFolders unreadable, const EnumerationVisitor& visit)
         : fileManager_(fileManager), options_(options), unreadable_(unreadable), visit_(visit) {}
 
-    /// `contents` are the root's own entries.
-    void goBelow(const FileURL& root, std::vector<DirectoryEntry> contents) {
+    /// `contents` are the entries of `root`.
+    void walk(const FileURL& root, std::vector<DirectoryEntry> contents) {
         enter(root, std::move(contents));
         while (!levels_.empty()) {
             auto& level = levels_.back();
@@ -233,22 +233,22 @@ void saveDocument(const FileManager& fileManager, const fs::path& path,
         fileManager.flushVolume(target);
 }
 
-WrittenFolder::WrittenFolder(std::shared_ptr<const FileManager> fileManager, fs::path path)
+MountGuard::MountGuard(std::shared_ptr<const FileManager> fileManager, fs::path path)
     : fileManager_(std::move(fileManager)), path_(std::move(path)), volume_(volume()) {}
 
-std::uint64_t WrittenFolder::volume() const {
+std::uint64_t MountGuard::volume() const {
     const auto status = fileManager_->status(path_);
     if (!status)
         throw FileError(FileOperation::write, path_, ENODEV);
     return status->identity.device;
 }
 
-void WrittenFolder::requireSameVolume() const {
+void MountGuard::requireSameVolume() const {
     if (volume() != volume_)
         throw FileError(FileOperation::write, path_, ENODEV);
 }
 
-void WrittenFolder::flush() const {
+void MountGuard::flush() const {
     fileManager_->flushVolume(path_);
     requireSameVolume();
 }
@@ -308,7 +308,7 @@ bool enumerateDeep(const FileManager& fileManager, const FileURL& root, Enumerat
     } catch (const FileError&) {
         return false;
     }
-    DeepEnumeration(fileManager, options, unreadable, visit).goBelow(root, std::move(contents));
+    DeepEnumeration(fileManager, options, unreadable, visit).walk(root, std::move(contents));
     return true;
 }
 

@@ -149,16 +149,17 @@ void writeFileAtomically(const FileManager& fileManager, const std::filesystem::
 void saveDocument(const FileManager& fileManager, const std::filesystem::path& path,
                   std::span<const std::byte> bytes);
 
-/// A folder that is being written into, to notice when its card is pulled out: the folder on which
-/// the card was mounted takes its place, and would take the files as well.
-class WrittenFolder {
+/// Detects that the card holding a folder was removed during a run. The mount point then becomes an
+/// ordinary folder on the system disk, and further files would be written there.
+class MountGuard {
 public:
-    /// Throws `FileError` when nothing is there.
-    WrittenFolder(std::shared_ptr<const FileManager> fileManager, std::filesystem::path path);
+    /// Remembers the volume of `path`. Throws `FileError` when nothing exists there.
+    MountGuard(std::shared_ptr<const FileManager> fileManager, std::filesystem::path path);
 
-    /// Throws `FileError` when the path does not lead to the volume any more that it led to.
+    /// Throws `FileError` when the path is no longer on the same volume.
     void requireSameVolume() const;
-    /// Waits until everything written to the volume is on the medium.
+    /// Waits until all data written to the volume has reached the storage medium. Throws
+    /// `FileError` also when the path is no longer on that volume.
     void flush() const;
 
 private:
