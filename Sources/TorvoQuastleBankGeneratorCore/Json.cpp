@@ -12,7 +12,7 @@ using namespace jsonFields;
 
 namespace {
 
-/// The case of a string enumeration, or an error that says what the names are for.
+/// Decodes a string enumeration. `what` names the type in the error message.
 template <typename Case, typename FromRawValue>
 Case decodedCase(const nlohmann::json& value, FromRawValue fromRawValue, const char* what) {
     const auto name = decoded<std::string>(value);
@@ -26,7 +26,7 @@ std::int64_t channelFromKey(const std::string& key) {
     std::int64_t channel = 0;
     const auto* end = key.data() + key.size();
     const auto [stopped, error] = std::from_chars(key.data(), end, channel);
-    // "01" and "1" would be one channel under two keys.
+    // Reject "01", which would be the same channel as "1".
     if (error != std::errc() || stopped != end || std::to_string(channel) != key)
         throw DecodingError(key, "not a channel number");
     return channel;
@@ -145,7 +145,7 @@ void to_json(nlohmann::json& json, const BankMappingDocument& document) {
             {"exportedAt", iso8601(document.exportedAt)}};
 }
 void from_json(const nlohmann::json& json, BankMappingDocument& document) {
-    // A document of the earlier format has no version, mode and date: a version 1 run of drums.
+    // Documents of version 1 have no version, mode and date, and always contain drums.
     const auto* exportedAt = findField(json, "exportedAt");
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     document = {.version = fieldOr<std::int64_t>(json, "version", 1),
@@ -185,8 +185,7 @@ void to_json(nlohmann::json& json, const TorvoMetadataOptions& options) {
             {"cvAssignedChannels", options.cvAssignedChannels}};
 }
 void from_json(const nlohmann::json& json, TorvoMetadataOptions& options) {
-    // Field by field: a decoded record holds what the document holds, without the corrections of
-    // the constructor.
+    // Assign the fields one by one, because the constructor would clamp values of the document.
     options.bits = field<std::int64_t>(json, "bits");
     options.rate = field<TorvoPlaybackRate>(json, "rate");
     options.filterType = field<TorvoFilterType>(json, "filterType");

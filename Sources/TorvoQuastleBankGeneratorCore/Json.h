@@ -7,8 +7,8 @@
 
 #include <string>
 
-/// The JSON forms of the records. Encoding sorts keys; decoding is strict about types, ignores
-/// unknown keys and throws `DecodingError` with the key path.
+/// Converts the records to and from JSON. Encoding sorts keys. Decoding requires exact types,
+/// ignores unknown keys and throws `DecodingError` with the key path.
 namespace torvo {
 
 void to_json(nlohmann::json& json, ChannelRole role);
@@ -41,7 +41,7 @@ void from_json(const nlohmann::json& json, TorvoMetadataOptions& options);
 
 } // namespace torvo
 
-/// A variant and a class without setters need the library's own hook.
+/// nlohmann/json needs adl_serializer for a std::variant and for a class without setters.
 template <>
 struct nlohmann::adl_serializer<torvo::SampleCompatibility> {
     static void to_json(json& json, const torvo::SampleCompatibility& compatibility);

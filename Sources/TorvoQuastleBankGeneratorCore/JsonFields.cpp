@@ -49,16 +49,16 @@ std::uint64_t decoded<std::uint64_t>(const nlohmann::json& value) {
     return value.get<std::uint64_t>();
 }
 
-const nlohmann::json* findField(const nlohmann::json& object, const std::string& key) {
+const nlohmann::json* findField(const nlohmann::json& object, std::string_view key) {
     require(object.is_object(), "not an object");
     const auto found = object.find(key);
     return found == object.end() ? nullptr : &*found;
 }
 
-const nlohmann::json& requiredField(const nlohmann::json& object, const std::string& key) {
+const nlohmann::json& requiredField(const nlohmann::json& object, std::string_view key) {
     const auto* value = findField(object, key);
     if (value == nullptr)
-        throw DecodingError(key, "missing");
+        throw DecodingError(std::string(key), "missing");
     return *value;
 }
 

@@ -6,16 +6,18 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
-/// Reading the fields of JSON objects with strict types: 2.0 is no integer, `null` is no text.
-/// Every function throws `DecodingError` with the key path from the object down.
+/// Reads fields of JSON objects with exact types: 2.0 is not an integer, `null` is not a string.
+/// Every function throws `DecodingError` with the key path relative to the object.
 namespace torvo::jsonFields {
 
-/// The key path of something at `inner` in what stands at `outer`.
+/// Joins two key paths: "recipes" and "[3]" give "recipes[3]", "naming" and "prefix" give
+/// "naming.prefix".
 std::string joinedKeyPath(const std::string& outer, const std::string& inner);
 
-/// Runs `decode` and puts `key` in front of the key path of what it throws.
+/// Runs `decode` and prepends `key` to the key path of a `DecodingError` that it throws.
 template <typename Decode>
 auto within(const std::string& key, Decode decode) {
     try {
@@ -25,7 +27,7 @@ auto within(const std::string& key, Decode decode) {
     }
 }
 
-/// Throws with `reason` and an empty key path unless `condition` holds.
+/// Throws `DecodingError` with `reason` and an empty key path when `condition` is false.
 void require(bool condition, const char* reason);
 
 template <typename Value>
@@ -41,7 +43,7 @@ template <>
 double decoded<double>(const nlohmann::json& value);
 template <>
 std::int64_t decoded<std::int64_t>(const nlohmann::json& value);
-/// The whole range, which seeds use.
+/// Accepts the full 64-bit range, which seeds use.
 template <>
 std::uint64_t decoded<std::uint64_t>(const nlohmann::json& value);
 
@@ -57,9 +59,9 @@ std::vector<Value> decodedList(const nlohmann::json& value) {
     return list;
 }
 
-/// None when the key is missing.
-const nlohmann::json* findField(const nlohmann::json& object, const std::string& key);
-const nlohmann::json& requiredField(const nlohmann::json& object, const std::string& key);
+/// The value of `key`, or null when the key is missing.
+const nlohmann::json* findField(const nlohmann::json& object, std::string_view key);
+const nlohmann::json& requiredField(const nlohmann::json& object, std::string_view key);
 
 template <typename Value>
 Value field(const nlohmann::json& object, const std::string& key) {
