@@ -65,7 +65,7 @@ bool isUncompressed(const Encoding& encoding) {
     return encoding.bitDepth != 0;
 }
 
-bool isMovingPicture(const AVStream& stream) {
+bool isVideo(const AVStream& stream) {
     constexpr int pictures =
         AV_DISPOSITION_ATTACHED_PIC | AV_DISPOSITION_TIMED_THUMBNAILS | AV_DISPOSITION_STILL_IMAGE;
     return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
@@ -76,7 +76,7 @@ bool isMovingPicture(const AVStream& stream) {
 AVStream& chooseStream(AVFormatContext& context) {
     AVStream* chosen = nullptr;
     for (AVStream* const stream : std::span(context.streams, context.nb_streams)) {
-        if (isMovingPicture(*stream))
+        if (isVideo(*stream))
             throw AudioError::invalidData();
         if (chosen == nullptr && stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO)
             chosen = stream;

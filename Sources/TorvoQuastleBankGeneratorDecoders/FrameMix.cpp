@@ -14,7 +14,7 @@ namespace {
 template <typename Sample>
 double normalized(Sample sample) {
     if constexpr (std::is_floating_point_v<Sample>)
-        return tamed(sample);
+        return clampedFinite(sample);
     else if constexpr (std::is_same_v<Sample, std::uint8_t>)
         return (sample - 128) / 128.0;
     else if constexpr (std::is_same_v<Sample, std::int16_t>)

@@ -7,8 +7,8 @@ struct AVFrame;
 
 namespace torvo {
 
-/// Mixes the samples of a decoded frame from `first` on to mono, full scale at 1. Throws
-/// `AudioError` for a sample format that no decoder in use delivers.
+/// Mixes samples of a decoded frame to mono, starting at sample `first`, with full scale at ±1.
+/// Throws `AudioError` for an unsupported sample format.
 void mixFrame(const AVFrame& frame, std::size_t first, std::span<double> mono);
 
 } // namespace torvo

@@ -14,9 +14,9 @@ namespace {
 static_assert(AudioError::invalidDataStatus == AVERROR_INVALIDDATA);
 
 constexpr std::size_t bufferSize = std::size_t{16} * 1024; // bytes
-// What one allocation may take, whatever a small file claims in its header.
-constexpr std::size_t largestAllocation = std::size_t{64} * 1024 * 1024; // bytes
-constexpr int mostStreams = 64;
+// Limits a single FFmpeg allocation, because damaged headers may declare huge sizes.
+constexpr std::size_t maxAllocation = std::size_t{64} * 1024 * 1024; // bytes
+constexpr int maxStreams = 64;
 
 const char* demuxerName(AudioContainer container) {
     switch (container) {
@@ -56,11 +56,11 @@ const char* demuxerName(AudioContainer container) {
     return "";
 }
 
-void setUpLibraryOnce() {
+void initializeFFmpegOnce() {
     static std::once_flag once;
     std::call_once(once, [] {
         av_log_set_level(AV_LOG_QUIET);
-        av_max_alloc(largestAllocation);
+        av_max_alloc(maxAllocation);
     });
 }
 
@@ -79,7 +79,7 @@ Handle allocated(Handle handle) {
 
 MediaInput::MediaInput(const ByteSource& bytes, const AudioFileType& type)
     : bytes_(bytes), base_(type.offset) {
-    setUpLibraryOnce();
+    initializeFFmpegOnce();
     auto* const buffer = allocated(static_cast<unsigned char*>(av_malloc(bufferSize)));
     io_.reset(avio_alloc_context(buffer, int{bufferSize}, 0, this, readBytes, nullptr, seek));
     if (!io_) {
@@ -92,8 +92,8 @@ MediaInput::MediaInput(const ByteSource& bytes, const AudioFileType& type)
     auto* context = allocated(avformat_alloc_context());
     context->pb = io_.get();
     context->io_open = refuseToOpen;
-    context->max_streams = mostStreams;
-    // On failure the library frees the context itself.
+    context->max_streams = maxStreams;
+    // On failure, FFmpeg frees the context and sets the pointer to null.
     const int status = avformat_open_input(&context, "", demuxer, nullptr);
     context_.reset(context);
     rethrowReadError();
@@ -114,10 +114,11 @@ void MediaInput::rethrowReadError() {
         std::rethrow_exception(readError_);
 }
 
-int MediaInput::readBytes(void* self, std::uint8_t* to, int size) noexcept {
+int MediaInput::readBytes(void* self, std::uint8_t* destination, int size) noexcept {
     auto& input = *static_cast<MediaInput*>(self);
     try {
-        const auto target = std::as_writable_bytes(std::span(to, static_cast<std::size_t>(size)));
+        const auto target =
+            std::as_writable_bytes(std::span(destination, static_cast<std::size_t>(size)));
         const std::size_t count = input.bytes_.read(input.base_ + input.position_, target);
         input.position_ += count;
         return count == 0 ? AVERROR_EOF : static_cast<int>(count);

@@ -22,7 +22,7 @@ public:
     bool readPacket(AVPacket& packet);
 
 private:
-    static int readBytes(void* self, std::uint8_t* to, int size) noexcept;
+    static int readBytes(void* self, std::uint8_t* destination, int size) noexcept;
     static std::int64_t seek(void* self, std::int64_t offset, int whence) noexcept;
     void rethrowReadError();
 

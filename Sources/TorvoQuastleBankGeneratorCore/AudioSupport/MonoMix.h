@@ -6,8 +6,8 @@
 
 namespace torvo {
 
-/// One frame as the mean of its channels. `sampleAt(channel)` gives a sample, full scale at 1.
-/// The halves of two equal integer channels add up to exactly that channel.
+/// Mixes one frame to the mean of its channels. `sampleAt(channel)` returns a sample with full
+/// scale at ±1. Two equal integer channels give exactly the value of one channel.
 template <typename SampleAt>
 double mixedToMono(std::size_t channelCount, SampleAt sampleAt) {
     if (channelCount == 1)
@@ -18,9 +18,9 @@ double mixedToMono(std::size_t channelCount, SampleAt sampleAt) {
     return sum / static_cast<double>(channelCount);
 }
 
-/// Float files may hold anything. A value that is no number would silence everything behind it in
-/// the resampler, and so would one whose products overflow.
-inline double tamed(double sample) {
+/// Replaces NaN and infinity by 0 and clamps huge values. Float files may contain either, and a
+/// single NaN or overflow in the resampler would corrupt all following output.
+inline double clampedFinite(double sample) {
     constexpr double beyondEverySignal = 1e9;
     return std::isfinite(sample) ? std::clamp(sample, -beyondEverySignal, beyondEverySignal) : 0;
 }

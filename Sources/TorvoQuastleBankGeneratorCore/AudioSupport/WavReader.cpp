@@ -31,28 +31,28 @@ struct FormatChunk {
 };
 
 template <typename Unsigned>
-Unsigned loadBytes(const std::byte* from, std::size_t count, ByteOrder order) {
+Unsigned loadBytes(const std::byte* bytes, std::size_t count, ByteOrder order) {
     Unsigned value = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t shift = order == ByteOrder::little ? i : count - 1 - i;
-        value |= static_cast<Unsigned>(std::to_integer<Unsigned>(from[i]) << (8 * shift));
+        value |= static_cast<Unsigned>(std::to_integer<Unsigned>(bytes[i]) << (8 * shift));
     }
     return value;
 }
 
 struct UnsignedByte {
     static constexpr std::size_t size = 1;
-    static double load(const std::byte* from) {
-        return (std::to_integer<int>(*from) - 128) / 128.0;
+    static double load(const std::byte* bytes) {
+        return (std::to_integer<int>(*bytes) - 128) / 128.0;
     }
 };
 
 template <std::size_t byteCount, ByteOrder order>
 struct Integer {
     static constexpr std::size_t size = byteCount;
-    static double load(const std::byte* from) {
-        // Shifted to the top, so that the sign is where the type has it.
-        const auto word = loadBytes<std::uint32_t>(from, size, order) << (8 * (4 - size));
+    static double load(const std::byte* bytes) {
+        // Left-align the sample so that its sign bit is the sign bit of std::int32_t.
+        const auto word = loadBytes<std::uint32_t>(bytes, size, order) << (8 * (4 - size));
         return static_cast<std::int32_t>(word) / 2147483648.0;
     }
 };
@@ -61,8 +61,8 @@ template <typename Value, ByteOrder order>
 struct Float {
     static constexpr std::size_t size = sizeof(Value);
     using Word = std::conditional_t<size == 4, std::uint32_t, std::uint64_t>;
-    static double load(const std::byte* from) {
-        return tamed(std::bit_cast<Value>(loadBytes<Word>(from, size, order)));
+    static double load(const std::byte* bytes) {
+        return clampedFinite(std::bit_cast<Value>(loadBytes<Word>(bytes, size, order)));
     }
 };
 

@@ -11,9 +11,9 @@ inline constexpr std::string_view folderName = "QZT508";
 /// Channels are numbered from 1.
 constexpr std::int64_t channelCount = 8;
 constexpr std::uint32_t sampleRate = 44100; ///< Hz
-/// The bit depths at which it can play a sample.
-constexpr std::int64_t lowestBits = 1;
-constexpr std::int64_t highestBits = 16;
+/// The range of playback bit depths.
+constexpr std::int64_t minBits = 1;
+constexpr std::int64_t maxBits = 16;
 
 constexpr bool hasChannel(std::int64_t number) {
     return number >= 1 && number <= channelCount;

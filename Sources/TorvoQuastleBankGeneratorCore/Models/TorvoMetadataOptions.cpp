@@ -46,7 +46,7 @@ std::optional<TorvoFilterType> torvoFilterType(std::int64_t rawValue) {
 TorvoMetadataOptions::TorvoMetadataOptions(std::int64_t bitDepth, TorvoPlaybackRate playbackRate,
                                            TorvoFilterType filter, bool enablesCV,
                                            const std::set<std::int64_t>& cvChannels)
-    : bits(std::clamp(bitDepth, device::lowestBits, device::highestBits)),
+    : bits(std::clamp(bitDepth, device::minBits, device::maxBits)),
       rate(playbackRate),
       filterType(filter),
       cvAssignmentsEnabled(enablesCV) {

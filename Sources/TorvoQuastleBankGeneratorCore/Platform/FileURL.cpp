@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::string_view hexDigits = "0123456789ABCDEF";
 
-/// RFC 3986, `pchar` and the slash between segments.
-bool standsUnescaped(char c) {
+/// Whether `c` is a `pchar` of RFC 3986 or the slash between segments.
+bool isUnreserved(char c) {
     if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'))
         return true;
     return std::string_view("-._~!$&'()*+,;=:@/").find(c) != std::string_view::npos;
@@ -126,7 +126,7 @@ std::optional<FileURL> FileURL::parse(std::string_view absoluteString) {
 std::string FileURL::absoluteString() const {
     std::string text = "file://";
     for (const char c : path_) {
-        if (standsUnescaped(c)) {
+        if (isUnreserved(c)) {
             text += c;
         } else {
             const auto byte = static_cast<unsigned char>(c);
@@ -159,7 +159,7 @@ std::string FileURL::lastPathComponentWithoutExtension() const {
     return name.substr(0, extensionDot(name));
 }
 
-FileURL FileURL::ofPlainPath(std::string path, Kind kind) {
+FileURL FileURL::fromNormalizedPath(std::string path, Kind kind) {
     FileURL url;
     url.path_ = std::move(path);
     url.kind_ = kind;
@@ -174,12 +174,12 @@ FileURL FileURL::appendingPathComponent(std::string_view component, Kind kind) c
         path += '/';
     path += component;
     const bool isPlain = !component.empty() && component.find('/') == std::string_view::npos;
-    return isPlain ? ofPlainPath(std::move(path), kind) : FileURL(path, kind);
+    return isPlain ? fromNormalizedPath(std::move(path), kind) : FileURL(path, kind);
 }
 
 FileURL FileURL::deletingLastPathComponent() const {
     const auto slash = path_.rfind('/');
-    return ofPlainPath(slash == 0 ? "/" : path_.substr(0, slash), Kind::directory);
+    return fromNormalizedPath(slash == 0 ? "/" : path_.substr(0, slash), Kind::directory);
 }
 
 FileURL FileURL::standardized() const {

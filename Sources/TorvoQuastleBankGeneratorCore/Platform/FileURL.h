@@ -64,8 +64,9 @@ public:
     friend bool operator==(const FileURL&, const FileURL&) = default;
 
 private:
-    /// A path that is already as `path_` is to be.
-    static FileURL ofPlainPath(std::string path, Kind kind);
+    /// Skips the normalisation of the constructor; `path` must be absolute, without repeated or
+    /// trailing slashes.
+    static FileURL fromNormalizedPath(std::string path, Kind kind);
 
     // As text: a library has a hundred thousand of these, and the standard library's path keeps
     // every component a second time.
