@@ -24,13 +24,14 @@ FileURL folderIn(const FileURL& parent, std::string_view name) {
     return parent.appendingPathComponent(name, FileURL::Kind::directory);
 }
 
-/// ASCII letters and digits with single "-" between them, or "Sample".
-std::string sanitizedFileName(std::string_view from) {
+/// Keeps ASCII letters and digits, and replaces each run of other characters between them by one
+/// "-". Returns "Sample" when nothing is left.
+std::string sanitizedFileName(std::string_view displayName) {
     const auto isASCIIAlphanumeric = [](char32_t c) {
         return (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z') || (c >= U'0' && c <= U'9');
     };
     std::string name;
-    for (const char32_t scalar : text::scalars(from)) {
+    for (const char32_t scalar : text::scalars(displayName)) {
         if (isASCIIAlphanumeric(scalar))
             name += static_cast<char>(scalar);
         else if (!name.empty() && name.back() != '-')

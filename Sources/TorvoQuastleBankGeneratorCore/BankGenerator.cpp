@@ -39,7 +39,7 @@ public:
 
     bool isEmpty() const { return items_.empty(); }
 
-    CyclingPick next(const UsedPaths& excluding, SeededGenerator& random) {
+    CyclingPick next(const UsedPaths& usedPaths, SeededGenerator& random) {
         if (items_.empty())
             throw GenerationError::noRecipesGenerated();
         bool wrapped = false;
@@ -52,7 +52,7 @@ public:
             const auto* candidate = order_[cursor_++];
             if (fallback == nullptr)
                 fallback = candidate->sample;
-            if (!excluding.contains(candidate->path))
+            if (!usedPaths.contains(candidate->path))
                 return {candidate->sample, wrapped};
         }
         return {fallback, true};
@@ -199,30 +199,30 @@ std::vector<BankRecipe> makeUniformRecipes(const std::vector<SampleCandidate>& b
 
 } // namespace
 
-bool BankGenerator::canGenerate(const RoleBuckets& from, GenerationMode mode) const {
-    return !unmetRequirement(from, mode);
+bool BankGenerator::canGenerate(const RoleBuckets& buckets, GenerationMode mode) const {
+    return !unmetRequirement(buckets, mode);
 }
 
 std::vector<BankRecipe>
-BankGenerator::makeRecipes(const RoleBuckets& from, GenerationMode mode,
+BankGenerator::makeRecipes(const RoleBuckets& buckets, GenerationMode mode,
                            const std::optional<GenerationTemplate>& generationTemplate,
                            std::int64_t targetBankCount, const BankNameScheme& naming,
                            std::uint64_t seed) const {
     precondition(targetBankCount >= 1, "a run has at least one bank");
-    if (const auto unmet = unmetRequirement(from, mode))
+    if (const auto unmet = unmetRequirement(buckets, mode))
         throw unmet->error(unmet->found);
     const auto& chosen = generationTemplate ? *generationTemplate : torvo::generationTemplate(mode);
     switch (mode) {
     case GenerationMode::loops:
-        return makeUniformRecipes(from.loop, ChannelRole::loop, mode, chosen, targetBankCount,
+        return makeUniformRecipes(buckets.loop, ChannelRole::loop, mode, chosen, targetBankCount,
                                   naming, seed);
     case GenerationMode::stabs:
-        return makeUniformRecipes(from.stab, ChannelRole::stab, mode, chosen, targetBankCount,
+        return makeUniformRecipes(buckets.stab, ChannelRole::stab, mode, chosen, targetBankCount,
                                   naming, seed);
     case GenerationMode::drums:
         break;
     }
-    return makeDrumRecipes(from, chosen, targetBankCount, naming, seed);
+    return makeDrumRecipes(buckets, chosen, targetBankCount, naming, seed);
 }
 
 } // namespace torvo

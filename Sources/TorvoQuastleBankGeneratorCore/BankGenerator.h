@@ -14,13 +14,13 @@ namespace torvo {
 /// recipes on every machine.
 class BankGenerator {
 public:
-    /// Whether there is enough to begin with: drums need a kick and three percs, loops and stabs
-    /// eight files.
-    bool canGenerate(const RoleBuckets& from, GenerationMode mode) const;
+    /// Whether there are enough samples: drums need one kick and three percussion samples, loops
+    /// and stabs need eight files.
+    bool canGenerate(const RoleBuckets& buckets, GenerationMode mode) const;
 
-    /// The recipes of banks 1 … `targetBankCount` (at least 1). Without a template the mode's own
-    /// is used. Throws `GenerationError`; nothing partial is returned.
-    std::vector<BankRecipe> makeRecipes(const RoleBuckets& from, GenerationMode mode,
+    /// Returns the recipes of banks 1 to `targetBankCount`, which must be at least 1. Uses the
+    /// mode's built-in template if none is given. Throws `GenerationError`.
+    std::vector<BankRecipe> makeRecipes(const RoleBuckets& buckets, GenerationMode mode,
                                         const std::optional<GenerationTemplate>& generationTemplate,
                                         std::int64_t targetBankCount, const BankNameScheme& naming,
                                         std::uint64_t seed) const;

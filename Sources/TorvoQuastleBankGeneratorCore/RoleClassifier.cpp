@@ -79,10 +79,10 @@ constexpr std::array<RoleAliasMap, 4> roleAliases{{{ChannelRole::kick, kickWords
 
 /// Whether `word` stands in the text as whole words.
 bool containsWord(std::string_view normalized, std::string_view word) {
-    for (auto at = normalized.find(word); at != std::string_view::npos;
-         at = normalized.find(word, at + 1)) {
-        const auto end = at + word.size();
-        const bool startsWord = at == 0 || normalized[at - 1] == ' ';
+    for (auto position = normalized.find(word); position != std::string_view::npos;
+         position = normalized.find(word, position + 1)) {
+        const auto end = position + word.size();
+        const bool startsWord = position == 0 || normalized[position - 1] == ' ';
         const bool endsWord = end == normalized.size() || normalized[end] == ' ';
         if (startsWord && endsWord)
             return true;

@@ -27,17 +27,17 @@ constexpr std::size_t chunkHeaderSize = 8;
 using Payload = std::vector<std::byte>; ///< `payloadSize` bytes
 
 /// Offsets in the payload, in bytes.
-namespace at {
+namespace offsets {
 constexpr std::size_t signature = 0;
 constexpr std::size_t bits = 24;
 constexpr std::size_t filter = 50;
 constexpr std::array<std::size_t, 3> dataSize{16, 20, 916};
 constexpr std::array<std::size_t, 2> rate{54, 55};
 constexpr std::array<std::size_t, 3> channelIndex{62, 63, 909};
-} // namespace at
+} // namespace offsets
 
-/// One of the three CV routings: where its word stands, which bit of the word routes it, and where
-/// its block of four bytes stands.
+/// The payload offsets of a CV routing: a 32-bit word, the bit in the word that enables the
+/// routing, and a block of four bytes.
 struct CVRouting {
     std::size_t wordOffset;
     std::uint32_t routingBit;
@@ -89,11 +89,11 @@ void writeFixedBytes(Payload& payload) {
 Payload freshPayload(std::uint32_t dataSize, std::optional<std::int64_t> channel) {
     Payload payload(payloadSize);
     writeFixedBytes(payload);
-    writeUInt32(wordAt(payload, at::signature), payloadSignature);
-    for (const auto offset : at::dataSize)
+    writeUInt32(wordAt(payload, offsets::signature), payloadSignature);
+    for (const auto offset : offsets::dataSize)
         writeUInt32(wordAt(payload, offset), dataSize);
     const auto index = std::clamp<std::int64_t>(channel.value_or(1), 1, device::channelCount) - 1;
-    for (const auto offset : at::channelIndex)
+    for (const auto offset : offsets::channelIndex)
         payload[offset] = static_cast<std::byte>(index);
     return payload;
 }
@@ -114,11 +114,11 @@ void routeCV(Payload& payload) {
 void writeSettings(Payload& payload, const TorvoMetadataOptions& options,
                    std::optional<std::int64_t> channel) {
     precondition(options.bits >= 0 && options.bits <= 255, "the bit depth fits into one byte");
-    payload[at::bits] = static_cast<std::byte>(options.bits);
-    for (const auto offset : at::rate)
+    payload[offsets::bits] = static_cast<std::byte>(options.bits);
+    for (const auto offset : offsets::rate)
         payload[offset] = static_cast<std::byte>(storedByte(options.rate));
-    payload[at::filter] = (payload[at::filter] & std::byte{0xF0}) |
-                          static_cast<std::byte>(rawValue(options.filterType));
+    payload[offsets::filter] = (payload[offsets::filter] & std::byte{0xF0}) |
+                               static_cast<std::byte>(rawValue(options.filterType));
     if (options.appliesCV(channel))
         routeCV(payload);
 }
@@ -178,8 +178,8 @@ Edit busyChunkEdit(const ByteSource& bytes, const TorvoMetadataOptions& options,
         payload.resize(payloadSize);
         bytes.read(busy->payloadOffset(), payload);
     }
-    // A payload of the device's own kind keeps what it says of sizes and channel.
-    if (!hasFullPayload || readUInt32(wordAt(payload, at::signature)) != payloadSignature)
+    // Keep the sizes and the channel of a payload that has the device's signature.
+    if (!hasFullPayload || readUInt32(wordAt(payload, offsets::signature)) != payloadSignature)
         payload = freshPayload(data.payloadSize, channel);
     writeSettings(payload, options, channel);
 
@@ -214,10 +214,10 @@ void copyBytes(const ByteSource& source, std::uint64_t offset, std::uint64_t siz
 TorvoWAVMetadataWriter::TorvoWAVMetadataWriter(std::shared_ptr<const FileManager> fileManager)
     : fileManager_(std::move(fileManager)) {}
 
-void TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options, const FileURL& to,
+void TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options, const FileURL& file,
                                    std::optional<std::int64_t> channel) const {
-    removeAbandonedTemporaries(*fileManager_, to.path().parent_path());
-    rewrite(to, options, channel);
+    removeAbandonedTemporaries(*fileManager_, file.path().parent_path());
+    rewrite(file, options, channel);
 }
 
 std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
@@ -271,21 +271,21 @@ bool TorvoWAVMetadataWriter::isStampable(const EnumeratedItem& item) const {
     return target && target->kind == FileKind::regular;
 }
 
-void TorvoWAVMetadataWriter::updateBusyChunk(std::vector<std::byte>& in,
+void TorvoWAVMetadataWriter::updateBusyChunk(std::vector<std::byte>& bytes,
                                              const TorvoMetadataOptions& options,
                                              std::optional<std::int64_t> channel) const {
-    const auto edit = busyChunkEdit(MemoryByteSource(in), options, channel);
-    const auto begin = in.begin() + static_cast<std::ptrdiff_t>(edit.offset);
+    const auto edit = busyChunkEdit(MemoryByteSource(bytes), options, channel);
+    const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(edit.offset);
     const auto kept = std::min<std::uint64_t>(edit.replacedSize, edit.bytes.size());
     const auto middle = edit.bytes.begin() + static_cast<std::ptrdiff_t>(kept);
     auto position = std::copy(edit.bytes.begin(), middle, begin);
-    position = in.erase(position, begin + static_cast<std::ptrdiff_t>(edit.replacedSize));
-    in.insert(position, middle, edit.bytes.end());
+    position = bytes.erase(position, begin + static_cast<std::ptrdiff_t>(edit.replacedSize));
+    bytes.insert(position, middle, edit.bytes.end());
 }
 
-void TorvoWAVMetadataWriter::updateBusyChunk(File& in, const TorvoMetadataOptions& options,
+void TorvoWAVMetadataWriter::updateBusyChunk(File& file, const TorvoMetadataOptions& options,
                                              std::optional<std::int64_t> channel) const {
-    const FileByteSource source(in);
+    const FileByteSource source(file);
     auto edit = busyChunkEdit(source, options, channel);
     if (edit.replacedSize != edit.bytes.size()) {
         const auto tailOffset = edit.offset + edit.replacedSize;
@@ -294,9 +294,9 @@ void TorvoWAVMetadataWriter::updateBusyChunk(File& in, const TorvoMetadataOption
         edit.bytes.insert(edit.bytes.end(), tail.begin(), tail.end());
         const auto newSize = edit.offset + edit.bytes.size();
         if (newSize < source.size())
-            in.resize(newSize);
+            file.resize(newSize);
     }
-    in.write(edit.offset, edit.bytes);
+    file.write(edit.offset, edit.bytes);
 }
 
 std::optional<std::int64_t> channelNumber(const FileURL& file) {

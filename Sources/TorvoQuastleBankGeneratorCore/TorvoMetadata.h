@@ -17,10 +17,10 @@ public:
     explicit TorvoWAVMetadataWriter(
         std::shared_ptr<const FileManager> fileManager = systemFileManager());
 
-    /// Rewrites one file atomically and returns when it is on the medium. Throws `GenerationError`
-    /// when it is no WAV file that can be stamped, `FileError` when it cannot be read or written;
-    /// the file is then as it was.
-    void apply(const TorvoMetadataOptions& options, const FileURL& to,
+    /// Atomically rewrites one file and flushes its content. Throws `GenerationError` when it is
+    /// not a WAV file with a valid "data" chunk, and `FileError` when it cannot be read or written.
+    /// On failure the file is unchanged.
+    void apply(const TorvoMetadataOptions& options, const FileURL& file,
                std::optional<std::int64_t> channel) const;
 
     /// Rewrites every visible WAV file below a folder, each with the channel number given by its
@@ -30,13 +30,13 @@ public:
     /// the device folder.
     std::int64_t apply(const TorvoMetadataOptions& options, const FileURL& folder) const;
 
-    /// The same change to a file's bytes in memory. They are left alone when it throws.
-    void updateBusyChunk(std::vector<std::byte>& in, const TorvoMetadataOptions& options,
+    /// Applies the same change to a file in memory. The bytes are unchanged when it throws.
+    void updateBusyChunk(std::vector<std::byte>& bytes, const TorvoMetadataOptions& options,
                          std::optional<std::int64_t> channel) const;
 
-    /// The same change inside a file that nobody else knows yet (one just made by an export): only
-    /// the chunk's own bytes are written.
-    void updateBusyChunk(File& in, const TorvoMetadataOptions& options,
+    /// Applies the same change in place, without a temporary file. Use it only for a file that the
+    /// export has just created, because a failure may leave the file incomplete.
+    void updateBusyChunk(File& file, const TorvoMetadataOptions& options,
                          std::optional<std::int64_t> channel) const;
 
 private:

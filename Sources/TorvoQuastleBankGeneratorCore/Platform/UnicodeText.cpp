@@ -46,12 +46,12 @@ bool isAlphanumericASCII(char c) {
 /// Most names are ASCII, and a library has a hundred thousand of them.
 std::vector<std::string> alphanumericASCIIWords(std::string_view text) {
     std::vector<std::string> words;
-    for (auto at = text.begin();;) {
-        const auto start = std::find_if(at, text.end(), isAlphanumericASCII);
+    for (auto position = text.begin();;) {
+        const auto start = std::find_if(position, text.end(), isAlphanumericASCII);
         if (start == text.end())
             return words;
-        at = std::find_if_not(start, text.end(), isAlphanumericASCII);
-        words.emplace_back(start, at);
+        position = std::find_if_not(start, text.end(), isAlphanumericASCII);
+        words.emplace_back(start, position);
     }
 }
 
