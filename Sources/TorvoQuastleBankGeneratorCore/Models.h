@@ -1,6 +1,6 @@
 #pragma once
 
-// The records that every other room speaks in.
+// Includes the records and errors that all modules share.
 #include "Models/BankMappingDocument.h"
 #include "Models/BankNameScheme.h"
 #include "Models/BankRecipe.h"

@@ -10,7 +10,7 @@
 
 namespace torvo {
 
-/// The full outcome of a run: which sample went to which channel of which bank.
+/// The result of a run: the sample of each channel of each bank.
 struct BankMappingDocument {
     std::int64_t version = 2;
     FileURL sourceFolder;

@@ -9,7 +9,7 @@ namespace torvo {
 
 namespace {
 
-constexpr std::size_t prefixLength = 6; ///< characters as people count them
+constexpr std::size_t prefixLength = 6; ///< user-perceived characters
 
 std::string makePrefix(const std::string& name) {
     std::string prefix;
@@ -21,7 +21,7 @@ std::string makePrefix(const std::string& name) {
     }
     if (prefix.empty())
         return "Bank";
-    // Only the first character of the whole is raised, not that of each word.
+    // Capitalise the first character of the prefix, not of each word.
     const auto first = text::firstCharacters(prefix, 1);
     return text::uppercased(first) + prefix.substr(first.size());
 }

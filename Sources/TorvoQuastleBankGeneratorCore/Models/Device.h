@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <string_view>
 
-/// What the hardware sampler fixes.
+/// Constants of the hardware sampler.
 namespace torvo::device {
 
-/// The folder on the card that it reads.
+/// The folder on the card that the device reads.
 inline constexpr std::string_view folderName = "QZT508";
 /// Channels are numbered from 1.
 constexpr std::int64_t channelCount = 8;

@@ -13,7 +13,7 @@
 
 namespace torvo {
 
-/// What an export writes, and where.
+/// The input of an export: what to write, and where.
 struct ExportJob {
     FileURL sourceFolder;
     FileURL exportFolder;
@@ -25,7 +25,7 @@ struct ExportJob {
     std::vector<BankRecipe> recipes; ///< in bank order
 };
 
-/// The export that writes a document's banks.
+/// Creates the job that exports a document's banks.
 ExportJob exportJob(const BankMappingDocument& document, const FileURL& exportFolder,
                     const TorvoMetadataOptions& metadataOptions);
 
@@ -36,7 +36,8 @@ struct ExportSummary {
     std::int64_t copiedFiles = 0;    ///< bank and pool files together
     std::int64_t convertedFiles = 0; ///< bank and pool files together
     std::int64_t reusedBankCount = 0;
-    std::int64_t poolFilesWritten = 0; ///< 8 for each bank with channels, not a tally of files
+    std::int64_t poolFilesWritten =
+        0; ///< 8 for each bank with channels, not the number of files written
 
     friend bool operator==(const ExportSummary&, const ExportSummary&) = default;
 };

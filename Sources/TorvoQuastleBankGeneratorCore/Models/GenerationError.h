@@ -20,7 +20,7 @@ public:
         ChannelRole role;
         friend bool operator==(const RequiredRoleMissing&, const RequiredRoleMissing&) = default;
     };
-    /// `found` usable samples; the number required stands in the text.
+    /// `found` is the number of usable samples; the description contains the required number.
     struct InsufficientPercussion {
         std::int64_t found;
         friend bool operator==(const InsufficientPercussion&,
@@ -38,7 +38,7 @@ public:
         FileURL url;
         friend bool operator==(const UnsupportedAudio&, const UnsupportedAudio&) = default;
     };
-    /// The complete message, written by whoever raises it.
+    /// `message` is the complete description.
     struct ExportFailed {
         std::string message;
         friend bool operator==(const ExportFailed&, const ExportFailed&) = default;

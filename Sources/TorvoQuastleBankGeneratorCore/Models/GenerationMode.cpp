@@ -15,7 +15,8 @@ std::optional<Case> withRawValue(const std::array<Case, count>& all, std::string
     return found == all.end() ? std::nullopt : std::optional(*found);
 }
 
-/// Eight channels of one role, labelled with its name and the channel number.
+/// A template with one role for all eight channels, labelled with the role name and the channel
+/// number.
 GenerationTemplate uniformTemplate(std::string name, ChannelRole role) {
     GenerationTemplate uniform{std::move(name), {}};
     for (std::int64_t channel = 1; channel <= device::channelCount; ++channel) {
@@ -76,7 +77,7 @@ std::optional<ChannelRole> channelRole(std::string_view rawValue) {
 }
 
 const GenerationTemplate& GenerationTemplate::torvoV1() {
-    // The order of channels 2 to 5 is deliberate: the clap sits on 2 and the snare on 5.
+    // Intended: the clap is on channel 2 and the snare on channel 5.
     static const GenerationTemplate drums{"Torvo V1",
                                           {{1, ChannelRole::kick, "Kick"},
                                            {2, ChannelRole::clap, "Clap"},

@@ -16,11 +16,11 @@ inline constexpr std::array<ChannelRole, 8> allChannelRoles{
     ChannelRole::kick, ChannelRole::closedHat, ChannelRole::openHat, ChannelRole::snare,
     ChannelRole::clap, ChannelRole::perc,      ChannelRole::loop,    ChannelRole::stab};
 
-/// "closedHat": the name in documents.
+/// The name in documents, for example "closedHat".
 std::string_view rawValue(ChannelRole role);
-/// "Closed Hat": the name for people.
+/// The name in the user interface, for example "Closed Hat".
 std::string_view displayName(ChannelRole role);
-/// The role with exactly this raw value, or none.
+/// The role with this raw value. Empty when there is none.
 std::optional<ChannelRole> channelRole(std::string_view rawValue);
 
 /// One device channel of a template.
@@ -32,7 +32,7 @@ struct TemplateSlot {
     friend bool operator==(const TemplateSlot&, const TemplateSlot&) = default;
 };
 
-/// A channel layout: which role each of the device's channels receives.
+/// A channel layout: the role of each channel of the device.
 struct GenerationTemplate {
     std::string name;
     std::vector<TemplateSlot> slots; ///< in channel order
@@ -52,7 +52,7 @@ inline constexpr std::array<GenerationMode, 3> allGenerationModes{
 
 std::string_view rawValue(GenerationMode mode);
 std::string_view displayName(GenerationMode mode);
-/// The mode with exactly this raw value, or none.
+/// The mode with this raw value. Empty when there is none.
 std::optional<GenerationMode> generationMode(std::string_view rawValue);
 /// The mode's built-in template.
 const GenerationTemplate& generationTemplate(GenerationMode mode);

@@ -4,7 +4,7 @@ namespace torvo {
 
 namespace {
 
-/// One function for both kinds of access.
+/// Shared by the const and the non-const accessor.
 template <typename Buckets>
 auto& listOf(Buckets& buckets, ChannelRole role) {
     switch (role) {

@@ -11,7 +11,7 @@
 
 namespace torvo {
 
-/// The format facts of one audio file, as stored.
+/// The stored format of an audio file.
 struct AudioFormatDetails {
     std::string fileExtension; ///< lower case, without the dot
     double sampleRate = 0;     ///< Hz
@@ -22,12 +22,12 @@ struct AudioFormatDetails {
     friend bool operator==(const AudioFormatDetails&, const AudioFormatDetails&) = default;
 };
 
-/// The device plays the file as it is; it is copied byte for byte.
+/// The device plays the file unchanged; it is copied byte for byte.
 struct CompatibleWav {
     friend bool operator==(const CompatibleWav&, const CompatibleWav&) = default;
 };
 
-/// The file must be converted; `reason` lists what is wrong with it.
+/// The file must be converted; `reason` lists all reasons.
 struct RequiresConversion {
     std::string reason;
 
@@ -60,13 +60,13 @@ struct RoleBuckets {
 
     const std::vector<SampleCandidate>& samples(ChannelRole role) const;
     std::vector<SampleCandidate>& samples(ChannelRole role);
-    /// Always all eight roles, zero included.
+    /// The number of samples of all eight roles, including roles without samples.
     std::map<ChannelRole, std::int64_t> countsByRole() const;
 
     friend bool operator==(const RoleBuckets&, const RoleBuckets&) = default;
 };
 
-/// A file or folder the scanner left out.
+/// A file or folder that the scanner ignored.
 struct IgnoredItem {
     std::string path;   ///< relative to the scanned folder, as shown
     std::string reason; ///< one of the scanner's fixed texts

@@ -30,7 +30,7 @@ constexpr std::int64_t rawValue(TorvoPlaybackRate rate) {
 }
 /// The number alone: "44".
 std::string displayName(TorvoPlaybackRate rate);
-/// The byte in the file. The device counts from the fastest rate down: 0 for `rate44`, 7 for
+/// The byte in the "busy" chunk. The device counts from the fastest rate: 0 for `rate44`, 7 for
 /// `rate4`.
 std::uint8_t storedByte(TorvoPlaybackRate rate);
 std::optional<TorvoPlaybackRate> torvoPlaybackRate(std::int64_t rawValue);
@@ -49,7 +49,7 @@ constexpr std::int64_t rawValue(TorvoFilterType filter) {
 std::string displayName(TorvoFilterType filter);
 std::optional<TorvoFilterType> torvoFilterType(std::int64_t rawValue);
 
-/// The device's playback settings for the files of a run.
+/// The playback settings that are written into the files of a run.
 struct TorvoMetadataOptions {
     std::int64_t bits = 16;
     TorvoPlaybackRate rate = TorvoPlaybackRate::rate44;
@@ -58,12 +58,12 @@ struct TorvoMetadataOptions {
     std::set<std::int64_t> cvAssignedChannels;
 
     TorvoMetadataOptions() = default;
-    /// Clamps the bit depth to 1 … 16 and keeps of the channels those from 1 to 8.
+    /// Clamps the bit depth to 1 … 16 and ignores channels outside 1 … 8.
     TorvoMetadataOptions(std::int64_t bitDepth, TorvoPlaybackRate playbackRate,
                          TorvoFilterType filter, bool enablesCV,
                          const std::set<std::int64_t>& cvChannels);
 
-    /// Whether a file of this channel receives the CV routing; never without a channel.
+    /// Whether files of this channel receive the CV routing. False without a channel.
     bool appliesCV(std::optional<std::int64_t> channel) const;
 
     friend bool operator==(const TorvoMetadataOptions&, const TorvoMetadataOptions&) = default;

@@ -7,7 +7,7 @@
 
 namespace torvo {
 
-/// What the user reads of any failure: one plain sentence.
+/// Describes any exception to the user in one sentence.
 std::string userFacingDescription(const std::exception& error);
 std::string userFacingDescription(const std::exception_ptr& error);
 

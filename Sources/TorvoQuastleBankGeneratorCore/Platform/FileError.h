@@ -8,7 +8,7 @@
 
 namespace torvo {
 
-/// What was being done to a file when it failed.
+/// The operation that failed.
 enum class FileOperation {
     read,
     write,
@@ -26,14 +26,15 @@ enum class FileOperation {
 class FileError final : public Error {
 public:
     FileError(FileOperation operation, std::filesystem::path path, std::error_code code);
-    /// From the value of `errno`.
+    /// `errorNumber` is a value of `errno`.
     FileError(FileOperation operation, std::filesystem::path path, int errorNumber);
 
     FileOperation operation() const { return operation_; }
     const std::filesystem::path& path() const { return path_; }
     const std::error_code& code() const { return code_; }
 
-    /// One sentence: "Unable to write /card/Kit/QZT508/Bank 1/info.txt: No space left on device."
+    /// One sentence, for example "Unable to write /card/Kit/QZT508/Bank 1/info.txt: No space left
+    /// on device."
     std::string errorDescription() const { return description_; }
     std::string userFacingDescription() const override { return description_; }
     std::optional<std::filesystem::path> file() const override { return path_; }

@@ -124,7 +124,8 @@ fs::path followingLinks(const FileManager& fileManager, const fs::path& path) {
     throw FileError(FileOperation::write, path, ELOOP);
 }
 
-/// Depth first with an explicit stack: folders may be nested deeper than the call stack is.
+/// Depth-first walk with an explicit stack, because deeply nested folders could overflow the call
+/// stack.
 class DeepEnumeration {
 public:
     DeepEnumeration(const FileManager& fileManager, EnumerationOptions options,
@@ -276,8 +277,7 @@ void removeAbandonedTemporaries(const FileManager& fileManager, const fs::path& 
 
 FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url) {
     const auto kind = url.hasDirectoryPath() ? FileURL::Kind::directory : FileURL::Kind::file;
-    // The text is standardised after the links, so that "link/.." is the parent of the link's
-    // target.
+    // Resolve links before standardising, so that "link/.." is the parent of the link's target.
     std::vector<std::string> missing;
     auto existing = url;
     while (existing.path() != "/") {

@@ -18,7 +18,7 @@ namespace torvo {
 
 enum class FileKind { regular, directory, symbolicLink, other };
 
-/// Same identity, same file, whatever the path.
+/// Identifies a file independently of its path (POSIX `st_dev` and `st_ino`).
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t node = 0;
@@ -35,29 +35,31 @@ struct FileStatus {
     std::chrono::sys_seconds modified; ///< by the file system's clock
 };
 
-/// A name in a folder. `kind` is the entry's own: a link is a link, whatever it points to.
+/// An entry of a folder. `kind` describes the entry itself; symbolic links are not followed.
 struct DirectoryEntry {
     std::string name;
     FileKind kind = FileKind::regular;
 };
 
-/// An open regular file. Every function throws `FileError` on failure; a read that meets the end
-/// of the file is none.
+/// An open regular file. Every function throws `FileError` on failure; reaching end of file is not
+/// an error.
 class File {
 public:
     virtual ~File() = default;
 
-    /// Fills `bytes` from `offset` on; fewer bytes come back only at the end of the file.
+    /// Reads into `bytes`, starting at `offset`. Returns the number of bytes read, which is smaller
+    /// than the buffer only at end of file.
     virtual std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const = 0;
     /// Writes all of `bytes` at `offset`.
     virtual void write(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
-    /// Size in bytes, now; of a file that is opened for reading only, when it was opened.
+    /// The current size in bytes. A file opened read-only reports its size at the time of opening.
     virtual std::uint64_t size() const = 0;
     virtual void resize(std::uint64_t size) = 0;
     virtual void setPermissions(std::filesystem::perms permissions) = 0;
-    /// Waits until the content is on the medium.
+    /// Waits until the content has reached the storage medium.
     virtual void flush() = 0;
-    /// Reports what the destructor would swallow. Nothing may be called afterwards.
+    /// Closes the file and throws the error that the destructor would ignore. No other function may
+    /// be called afterwards.
     virtual void close() = 0;
 };
 
@@ -70,21 +72,23 @@ public:
 enum class OpenMode {
     read,         ///< an existing regular file
     update,       ///< an existing regular file, read and written in place
-    create,       ///< a new or emptied file with ordinary permissions
-    createUnique, ///< a new file with ordinary permissions; an existing one is an error
+    create,       ///< a new or truncated file with default permissions
+    createUnique, ///< a new file with default permissions; an existing one is an error
 };
 
-/// The file system as the core sees it. It is an interface so that faults can be put between the
-/// program and the disk. Functions may be called from any thread and throw `FileError`.
+/// The file system operations that the core uses. They form an interface so that tests can inject
+/// faults. All functions are thread-safe and throw `FileError`.
 class FileManager {
 public:
     virtual ~FileManager() = default;
 
-    /// What stands at the path, a link itself not followed. Absent when there is nothing.
+    /// The status of the item at `path` without following a symbolic link. Empty when nothing
+    /// exists there.
     virtual std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const = 0;
-    /// What stands at the path, links followed. Absent when there is nothing or a dead link.
+    /// The status of the item at `path`, following symbolic links. Empty when nothing exists there
+    /// or the link is broken.
     virtual std::optional<FileStatus> status(const std::filesystem::path& path) const = 0;
-    /// The path of an existing item without any link, "." or "..".
+    /// The absolute path of an existing item with all symbolic links, "." and ".." resolved.
     virtual std::filesystem::path resolve(const std::filesystem::path& path) const = 0;
     /// The stored target of a symbolic link, often relative to the link's folder.
     virtual std::filesystem::path linkTarget(const std::filesystem::path& link) const = 0;
@@ -92,19 +96,19 @@ public:
     virtual std::vector<DirectoryEntry>
     contentsOfDirectory(const std::filesystem::path& path) const = 0;
 
-    /// Creates the folder and those above it; one that exists is left as it is.
+    /// Creates the folder and its missing parents. Does nothing if it exists.
     virtual void createDirectory(const std::filesystem::path& path) const = 0;
-    /// Removes a file, a link (never what it points to) or a folder with all its content.
+    /// Removes a file, a symbolic link (not its target) or a folder with its contents.
     virtual void removeItem(const std::filesystem::path& path) const = 0;
-    /// Copies a file's bytes to a new file with ordinary permissions.
+    /// Copies a file's bytes to a new file with default permissions.
     virtual void copyItem(const std::filesystem::path& source,
                           const std::filesystem::path& destination) const = 0;
-    /// Puts `source` in the place of `destination` in one step.
+    /// Atomically replaces `destination` with `source` (POSIX rename()).
     virtual void replaceItem(const std::filesystem::path& destination,
                              const std::filesystem::path& source) const = 0;
 
-    /// Opens a regular file; anything else (a folder, a pipe, a device) is an error and is not
-    /// waited for.
+    /// Opens a regular file. Anything else (a folder, a pipe, a device) is an error; opening never
+    /// blocks.
     virtual std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const = 0;
 
     /// Waits until the folder's entries have reached the storage medium. Returns false when the
@@ -124,10 +128,10 @@ public:
     availableSpace(const std::filesystem::path& folder) const = 0;
 };
 
-/// The operating system's file system.
+/// The implementation that uses POSIX and Linux system calls.
 std::shared_ptr<const FileManager> systemFileManager();
 
-/// The whole file.
+/// Reads a whole file into memory.
 std::vector<std::byte> readFile(const FileManager& fileManager, const std::filesystem::path& path);
 
 /// Writes a hidden temporary file in the folder of `path`, flushes it and renames it to `path`, so
@@ -176,14 +180,15 @@ private:
 void removeAbandonedTemporaries(const FileManager& fileManager,
                                 const std::filesystem::path& folder);
 
-/// The resolved path of an item that may not exist yet: links are followed as far as there is
-/// something, the rest is standardised. Throws `FileError` when what is there cannot be looked at.
+/// The resolved path of an item that may not exist yet: symbolic links are resolved in the part
+/// that exists, and the rest is standardised. Throws `FileError` when an existing part cannot be
+/// inspected.
 FileURL resolvingSymlinks(const FileManager& fileManager, const FileURL& url);
 
-/// One item below a folder, as the deep enumeration finds it.
+/// An item found by `enumerateDeep`.
 struct EnumeratedItem {
     FileURL url;
-    FileKind kind = FileKind::regular; ///< the entry's own kind
+    FileKind kind = FileKind::regular; ///< kind of the entry itself; links are not followed
 };
 
 enum class EnumerationOptions {
@@ -192,17 +197,17 @@ enum class EnumerationOptions {
     skipNothing,
 };
 
-/// What becomes of a folder below the root that cannot be read.
+/// How an unreadable folder below the root is handled.
 enum class UnreadableFolders {
-    passOver, ///< as a file browser does
-    fail,     ///< its `FileError` ends the enumeration
+    passOver, ///< skips the folder, as a file browser does
+    fail,     ///< throws its `FileError`
 };
 
 using EnumerationVisitor = std::function<void(EnumeratedItem item)>;
 
-/// Visits everything below `root`, depth first, the entries of each folder in byte order of their
-/// names; each folder is listed right after it was visited. Links are visited and not followed.
-/// False, and nothing is visited, when the root itself is no folder or cannot be read.
+/// Visits every item below `root` depth first, the entries of each folder in byte order of their
+/// names. A folder is listed right after it was visited. Symbolic links are visited but not
+/// followed. Returns false without visiting anything when `root` is not a readable folder.
 bool enumerateDeep(const FileManager& fileManager, const FileURL& root, EnumerationOptions options,
                    UnreadableFolders unreadable, const EnumerationVisitor& visit);
 

@@ -90,7 +90,7 @@ std::string_view lastComponent(std::string_view path) {
     return path.size() == 1 ? path : path.substr(path.rfind('/') + 1);
 }
 
-/// The dot that separates name and extension, or npos.
+/// The position of the dot that separates name and extension, or npos.
 std::size_t extensionDot(std::string_view name) {
     const auto dot = name.rfind('.');
     if (dot == std::string_view::npos || dot == 0 || dot + 1 == name.size())

@@ -9,7 +9,7 @@ namespace {
 
 class NotADate {};
 
-/// Reads fixed fields of digits and separators from the front of a text.
+/// Parses fixed-width digits and separators from the beginning of a text.
 class DateReader {
 public:
     explicit DateReader(std::string_view text) : rest_(text) {}

@@ -21,8 +21,8 @@ private:
     std::string description_;
 };
 
-/// Where a library of the program itself lies: `relative` to the folder of the running program.
-/// Throws `BrokenInstallation`.
+/// The path of a library installed with the program; `relative` is relative to the folder of the
+/// running executable. Throws `BrokenInstallation`.
 std::filesystem::path installedLibrary(const std::filesystem::path& relative);
 
 /// Loads a shared library, which is never unloaded, and returns the address of its symbol `name`.

@@ -4,8 +4,8 @@
 
 namespace torvo {
 
-/// Ends the process with `violated` on standard error when `condition` is false. For broken
-/// promises between pieces of the program; input from outside is answered with an error.
+/// Prints `violated` to standard error and aborts the process when `condition` is false. Use it for
+/// programming errors only; invalid input is reported with an exception.
 void precondition(bool condition, std::string_view violated);
 
 } // namespace torvo

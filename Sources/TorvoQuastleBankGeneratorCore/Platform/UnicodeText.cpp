@@ -43,7 +43,7 @@ bool isAlphanumericASCII(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-/// Most names are ASCII, and a library has a hundred thousand of them.
+/// Avoids ICU, because most file names are ASCII and a sample library may have 100,000 of them.
 std::vector<std::string> alphanumericASCIIWords(std::string_view text) {
     std::vector<std::string> words;
     for (auto position = text.begin();;) {
@@ -60,7 +60,7 @@ void requireSuccess(UErrorCode status, const char* what) {
         throw std::runtime_error(std::string(what) + ": " + u_errorName(status));
 }
 
-/// Offsets of the ends of the grapheme clusters, in UTF-16 code units.
+/// The end offsets of the grapheme clusters, in UTF-16 code units.
 std::vector<std::int32_t> clusterEnds(const icu::UnicodeString& text) {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<icu::BreakIterator> iterator(
@@ -100,7 +100,7 @@ bool equalsIgnoringCase(std::string_view left, std::string_view right) {
 std::vector<std::string> alphanumericWords(std::string_view text) {
     if (isASCII(text))
         return alphanumericASCIIWords(text);
-    // What is not UTF-8 reads as U+FFFD, a symbol, and so separates words.
+    // Invalid UTF-8 becomes U+FFFD, a symbol, and therefore separates words.
     const auto unicode = fromUTF8(text);
     std::vector<std::string> words;
     std::int32_t wordStart = 0;
@@ -143,7 +143,7 @@ std::string lossyASCII(std::string_view text) {
     UErrorCode status = U_ZERO_ERROR;
     const auto* normalizer = icu::Normalizer2::getNFDInstance(status);
     requireSuccess(status, "No canonical decomposition");
-    // Composed first, so that a letter counts once however its accents were typed.
+    // Compose first, so that a letter with combining accents becomes one character.
     const auto* composer = icu::Normalizer2::getNFCInstance(status);
     requireSuccess(status, "No canonical composition");
     const auto composed = composer->normalize(fromUTF8(text), status);
