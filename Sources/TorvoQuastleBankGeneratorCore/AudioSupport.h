@@ -10,8 +10,7 @@
 
 namespace torvo {
 
-/// Reads the format of an audio file, or throws when it cannot be read as audio. May be called from
-/// any thread.
+/// Reads the format of audio files. Thread-safe.
 class AudioFileInspecting {
 public:
     virtual ~AudioFileInspecting() = default;
@@ -20,8 +19,8 @@ public:
     virtual AudioFormatDetails inspectAudioFile(const FileURL& url) const = 0;
 };
 
-/// The inspector of the program: WAV by its own chunk walk, every other format through the media
-/// library, the demuxer chosen by the file's first bytes.
+/// Reads PCM in WAV with `WavReader` and every other format with FFmpeg. The file's content selects
+/// the demuxer.
 class AVAudioFileInspector final : public AudioFileInspecting {
 public:
     explicit AVAudioFileInspector(
@@ -32,14 +31,15 @@ private:
     std::shared_ptr<const FileManager> fileManager_;
 };
 
-/// The rule that says which files the device takes unchanged: WAV, 44100 Hz, 16 or 24 bits of
-/// linear PCM, any number of channels.
+/// Decides which files the device plays unchanged: WAV, 44100 Hz, 16 or 24-bit linear PCM, any
+/// number of channels.
 struct AudioCompatibilityEvaluator {
-    /// A sample rate that is not finite ends the process.
+    /// The compatibility, with every reason for a conversion. The sample rate must be finite (a
+    /// precondition).
     SampleCompatibility compatibility(const AudioFormatDetails& details) const;
 };
 
-/// How a sample came to its destination.
+/// How `prepare` wrote a sample.
 enum class SamplePreparationMode { copied, converted };
 
 /// The contents of a converted WAV file, header included.
@@ -50,8 +50,8 @@ class AudioFilePreparing {
 public:
     virtual ~AudioFilePreparing() = default;
 
-    /// Replaces whatever stands at the destination. Throws `GenerationError` or `FileError`; a
-    /// partial destination is then left as it stands.
+    /// Writes the sample to the destination, replacing any existing item. Throws `GenerationError`
+    /// or `FileError`; a partial file may then remain.
     virtual SamplePreparationMode prepare(const SampleCandidate& sample,
                                           const FileURL& destinationURL) const = 0;
 

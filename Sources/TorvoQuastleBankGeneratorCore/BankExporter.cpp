@@ -42,8 +42,8 @@ std::string sanitizedFileName(std::string_view displayName) {
     return name.empty() ? "Sample" : name;
 }
 
-/// The names taken in one pool folder. Two that differ only in case are one: the tree ends on a
-/// card whose file system thinks so.
+/// The file names used in one pool folder. Names that differ only in case count as equal, because
+/// the FAT file system of the card ignores case.
 class PoolNames {
 public:
     std::string nextAvailable(const SampleCandidate& sample) {
@@ -107,8 +107,8 @@ public:
         summary_.reusedBankCount += recipe.reusedSamples ? 1 : 0;
         if (recipe.channels.empty())
             return;
-        // A fixed count of the eight channels, taken before any file is written, on purpose: it
-        // tells how many pool files a full bank has, not how many were made.
+        // Intended: counts eight files for each bank with channels, before any file is written. The
+        // summary reports the pool files of a full bank, not a tally.
         summary_.poolFilesWritten += device::channelCount;
         for (std::int64_t channel = 1; channel <= device::channelCount; ++channel)
             writeChannel(recipe, channel, bankFolder, bankPool);

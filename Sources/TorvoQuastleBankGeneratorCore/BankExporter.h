@@ -11,7 +11,7 @@
 
 namespace torvo {
 
-/// Writes recipes to disk as the folder tree that the device reads.
+/// Writes bank recipes as the folder tree that the device reads.
 class BankExporter {
 public:
     using Progress = std::function<void(const ProgressUpdate&)>;
@@ -22,9 +22,11 @@ public:
                  TorvoWAVMetadataWriter metadataWriter,
                  std::size_t conversionMemory = ConversionCache::defaultMemoryBudget);
 
-    /// Rebuilds the device folder from empty and returns the counts once everything is on the
-    /// medium. `progress` (may be empty) is called on this thread after each finished bank. The
-    /// first failure ends the export and is passed on; what was written so far stays.
+    /// Replaces the device folder and returns the counts once all data has reached the storage
+    /// medium. Calls `progress`, which may be empty, on this thread after each finished bank. Stops
+    /// at the first failure and throws it as `GenerationError` or `FileError`; files written so far
+    /// are kept. An existing device folder is deleted only if every sample can be opened and the
+    /// volume has enough space. Changes nothing while another program writes into the run folder.
     ExportSummary exportBanks(const ExportJob& job, const Progress& progress = {}) const;
 
 private:

@@ -20,15 +20,15 @@ namespace {
 constexpr std::int64_t requiredPercussion = 3;
 constexpr std::int64_t requiredUniformFiles = 8;
 
-/// The standardised paths of the samples that a bank already holds.
+/// The standardised paths of the samples already used in a bank.
 using UsedPaths = std::unordered_set<std::string>;
 
 struct CyclingPick {
     const SampleCandidate* item;
-    bool reused; ///< the pool started over during this pick, or every sample was excluded
+    bool reused; ///< the pool was reshuffled during this pick, or every sample was already used
 };
 
-/// Hands out all samples of a bucket in random order before any comes again.
+/// Returns all samples of a bucket in random order before repeating any of them.
 class CyclingPool {
 public:
     CyclingPool(const std::vector<SampleCandidate>& items, SeededGenerator& random) {
@@ -64,7 +64,8 @@ private:
         std::string path;
     };
 
-    /// Always from bucket order: shuffling the previous permutation on would give other banks.
+    /// Always shuffles the bucket order. Shuffling the previous permutation would give other banks
+    /// for the same seed.
     void reshuffle(SeededGenerator& random) {
         order_.clear();
         for (const auto& item : items_)
@@ -78,7 +79,7 @@ private:
     std::size_t cursor_ = 0;
 };
 
-/// The pool that fills a slot, or a `GenerationError` for a role the mode cannot fill.
+/// Returns the pool for a role. Throws `GenerationError` for a role that the mode does not support.
 using PoolForRole = std::function<CyclingPool&(ChannelRole)>;
 
 std::vector<BankRecipe> fillBanks(const GenerationTemplate& generationTemplate,
@@ -105,14 +106,14 @@ std::vector<BankRecipe> fillBanks(const GenerationTemplate& generationTemplate,
     return recipes;
 }
 
-/// How many samples a bucket must hold, and the error when it does not.
+/// The minimum number of samples in a bucket, and the error when there are fewer.
 struct Requirement {
     std::int64_t found;
     std::int64_t needed;
     GenerationError (*error)(std::int64_t found);
 };
 
-/// The first that these samples do not meet.
+/// The first requirement that the samples do not meet. Empty when they meet all.
 std::optional<Requirement> unmetRequirement(const RoleBuckets& buckets, GenerationMode mode) {
     const auto requirements = [&]() -> std::vector<Requirement> {
         switch (mode) {
@@ -143,7 +144,8 @@ std::vector<BankRecipe> makeDrumRecipes(const RoleBuckets& buckets,
                                         std::int64_t targetBankCount, const BankNameScheme& naming,
                                         std::uint64_t seed) {
     SeededGenerator random(seed);
-    // The pools are shuffled in this order, which is part of what a seed means.
+    // Keep this order: each pool draws random numbers, so another order gives other banks for the
+    // same seed.
     CyclingPool kick(buckets.kick, random);
     CyclingPool clap(buckets.clap, random);
     CyclingPool closedHat(buckets.closedHat, random);
@@ -178,7 +180,7 @@ std::vector<BankRecipe> makeDrumRecipes(const RoleBuckets& buckets,
     return fillBanks(generationTemplate, targetBankCount, naming, seed, random, poolForRole);
 }
 
-/// Loops and stabs: one role, one pool.
+/// Loops and stabs use one pool for all channels.
 std::vector<BankRecipe> makeUniformRecipes(const std::vector<SampleCandidate>& bucket,
                                            ChannelRole onlyRole, GenerationMode mode,
                                            const GenerationTemplate& generationTemplate,

@@ -10,7 +10,7 @@
 
 namespace torvo {
 
-/// Turns the samples of a scan into bank recipes. Pure logic: the same arguments give the same
+/// Creates bank recipes from the samples of a scan. Deterministic: the same arguments give the same
 /// recipes on every machine.
 class BankGenerator {
 public:

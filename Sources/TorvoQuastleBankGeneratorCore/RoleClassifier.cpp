@@ -38,7 +38,7 @@ constexpr auto closedHatWords = std::to_array<std::string_view>({"closed hat",
 constexpr auto closedHatExclusionWords =
     std::to_array<std::string_view>({"open", "ohat", "ohats", "ohh", "ohhs", "long"});
 
-// The bare hat words at the end are intended: who says only "hat" means an open one.
+// Intended: a bare "hat" is classified as open.
 constexpr auto openHatWords =
     std::to_array<std::string_view>({"open hat",      "open hats",      "open hihat",
                                      "open hihats",   "open hi hat",    "open hi hats",
@@ -56,8 +56,8 @@ constexpr auto kickWords = std::to_array<std::string_view>(
 constexpr auto snareWords = std::to_array<std::string_view>({"snare", "snares"});
 constexpr auto clapWords = std::to_array<std::string_view>({"clap", "claps"});
 
-// No bare "perc", on purpose: a folder named just Perc decides nothing, its files speak for
-// themselves. Existing seeds and libraries rely on the gap.
+// Intended: no bare "perc". In a folder named only "Perc" the file names decide the role, and the
+// banks of existing seeds depend on this.
 constexpr auto percWords = std::to_array<std::string_view>(
     {"percussion hits", "percussion hit", "percussion", "perc hits", "tuned perc",
      "tuned percussion", "tom", "toms", "bongo", "conga", "timbale", "agogo", "clave", "woodblock",
@@ -71,13 +71,13 @@ struct RoleAliasMap {
     Words aliases;
 };
 
-/// A name that matches two rows takes the earlier one.
+/// When a name matches several rows, the first one applies.
 constexpr std::array<RoleAliasMap, 4> roleAliases{{{ChannelRole::kick, kickWords},
                                                    {ChannelRole::snare, snareWords},
                                                    {ChannelRole::clap, clapWords},
                                                    {ChannelRole::perc, percWords}}};
 
-/// Whether `word` stands in the text as whole words.
+/// Whether the text contains `word` as one or more whole words.
 bool containsWord(std::string_view normalized, std::string_view word) {
     for (auto position = normalized.find(word); position != std::string_view::npos;
          position = normalized.find(word, position + 1)) {

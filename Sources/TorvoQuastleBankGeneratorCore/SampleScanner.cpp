@@ -27,12 +27,12 @@ constexpr auto unclassifiedReason = "Unclassified sample";
 constexpr auto unsupportedReason = "Unsupported audio file";
 constexpr auto ignoredFolderReason = "Ignored v1 folder";
 
-/// No folder between the file and the source folder decides anything.
+/// No folder between the file and the source folder determines a role.
 struct NoFolderDecides {};
-/// The verdict on the folders above a file: they name a role, they are left out, or neither.
+/// The result for the folders above a file: a role, an ignored folder, or neither.
 using FolderDecision = std::variant<NoFolderDecides, ChannelRole, IgnoredItem>;
 
-/// Relative to the root; what lies outside is shown by its name alone.
+/// The path relative to the root. For items outside the root, only the name.
 std::string relativePathForDisplay(const FileURL& url, const FileURL& root) {
     const auto& path = url.nativePath();
     const auto& rootPath = root.nativePath();
@@ -44,12 +44,13 @@ std::string relativePathForDisplay(const FileURL& url, const FileURL& root) {
     return url.lastPathComponent();
 }
 
-/// Judges the folders of one scan; each folder is looked at once.
+/// Classifies the folders of one scan, each folder once.
 class FolderJudge {
 public:
     explicit FolderJudge(FileURL root) : root_(std::move(root)) {}
 
-    /// The nearest folder that decides wins; the source folder's own name never does.
+    /// The nearest folder with a role or an ignored name determines the result. The name of the
+    /// source folder itself is not considered.
     const FolderDecision& classifyFromAncestors(const FileURL& folder) {
         const auto& path = folder.nativePath();
         if (const auto known = decisions_.find(path); known != decisions_.end())
@@ -61,8 +62,9 @@ private:
     FolderDecision decide(const FileURL& folder) {
         const auto& path = folder.nativePath();
         const auto& rootPath = root_.nativePath();
-        // A prefix of the text, on purpose: for a link's target in "Kit Extra", a neighbour of the
-        // source folder "Kit", the folders' names count as if it lay inside.
+        // Intended: compare text, not path components. A link in "Kit" may lead to a file in the
+        // sibling folder "Kit Extra"; the names of the folders there count as if they were inside
+        // "Kit".
         if (path == rootPath || !path.starts_with(rootPath))
             return NoFolderDecides{};
         const auto name = folder.lastPathComponent();
@@ -77,7 +79,7 @@ private:
     std::unordered_map<std::string, FolderDecision> decisions_;
 };
 
-/// A file with a role, and what opening it told.
+/// A file with a role, and its format once it has been opened.
 struct ClassifiedFile {
     FileURL url;
     ChannelRole role = ChannelRole::kick;
@@ -86,7 +88,7 @@ struct ClassifiedFile {
     std::optional<AudioFormatDetails> format = std::nullopt;
 };
 
-/// An ignored file and where the walk met it.
+/// An ignored file and its position in the enumeration.
 struct IgnoredFile {
     IgnoredItem item;
     std::size_t position = 0;
@@ -116,8 +118,8 @@ EnumeratedItem followed(const FileManager& fileManager, EnumeratedItem item) {
     }
 }
 
-/// By path; files that are shown by the same path (two links' targets) in the order of the walk,
-/// although those that needed opening were judged later.
+/// Sorts by path. Files with the same displayed path (targets of two links) keep the order of the
+/// enumeration, although files that had to be opened are added later.
 std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredFile> files) {
     std::ranges::sort(files, [](const IgnoredFile& left, const IgnoredFile& right) {
         return std::tie(left.item.path, left.position) < std::tie(right.item.path, right.position);
@@ -129,17 +131,17 @@ std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredFile> files) {
     return items;
 }
 
-/// Opens files on all cores while the walk that finds them goes on.
+/// Opens files on all cores while the enumeration continues.
 class Inspection {
 public:
     explicit Inspection(const AudioFileInspecting& inspector) : inspector_(inspector) {}
-    /// A walk that failed waits for what is being opened and leaves the rest.
+    /// After a failed enumeration, waits for running tasks and discards the others.
     ~Inspection() noexcept {
         tasks_.cancel();
         try {
             tasks_.wait();
         } catch (const std::exception&) {
-            // The failure of the walk is the one to tell.
+            // The error of the enumeration is reported instead.
         }
     }
     Inspection(const Inspection&) = delete;
@@ -153,7 +155,7 @@ public:
             start(batches_.back());
     }
 
-    /// All files, in the order in which they were added, once they have been opened.
+    /// Waits until all files have been opened and returns them in the order of `add`.
     std::list<std::vector<ClassifiedFile>> finish() {
         if (!batches_.empty() && batches_.back().size() < batchSize)
             start(batches_.back());
@@ -177,9 +179,10 @@ private:
         try {
             file.format = inspector_.inspectAudioFile(file.url);
         } catch (const BrokenInstallation&) {
-            throw; // no fault of the file, nor of this one alone
+            throw; // affects all files, so the scan fails
         } catch (const std::exception&) {
-            // A file that is no audio never fails a scan; it is told by having no format.
+            // A file that is not audio does not fail the scan; a missing format marks it as
+            // unsupported.
         }
     }
 
@@ -189,7 +192,7 @@ private:
     TaskGroup tasks_;
 };
 
-/// What names alone tell, item by item. Files that have a role go on to the inspection.
+/// Classifies items by their names and passes files with a role to the inspection.
 class NamePass {
 public:
     NamePass(FileURL root, GenerationMode mode, Inspection& inspection)
@@ -218,7 +221,7 @@ public:
         std::vector<IgnoredItem> folders;
         for (auto& [path, folder] : ignoredFolders_)
             folders.push_back(std::move(folder));
-        return folders; // the map is in order of the paths
+        return folders; // the map is sorted by path
     }
 
 private:
@@ -246,7 +249,7 @@ private:
     GenerationMode mode_;
     Inspection& inspection_;
     FolderJudge judge_;
-    std::size_t position_ = 0; ///< of the item that was taken last
+    std::size_t position_ = 0; ///< of the last item
     std::vector<IgnoredFile> ignoredFiles_;
     std::map<std::string, IgnoredItem> ignoredFolders_;
 };

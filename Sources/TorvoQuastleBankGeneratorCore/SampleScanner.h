@@ -8,8 +8,8 @@
 
 namespace torvo {
 
-/// Sorts every file below a folder: a usable sample with a role, an ignored file with its reason,
-/// or dropped with its ignored folder.
+/// Classifies every file below a folder: as a sample with a role, as an ignored file with a reason,
+/// or as part of an ignored folder.
 class SampleScanner {
 public:
     SampleScanner(std::shared_ptr<const AudioFileInspecting> inspector,

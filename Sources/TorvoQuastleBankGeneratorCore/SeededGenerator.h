@@ -7,19 +7,19 @@
 
 namespace torvo {
 
-/// The run's source of randomness: SplitMix64 (Steele, Lea and Flood, 2014). Every draw is part of
-/// what a seed means; one draw more or fewer changes every bank.
+/// The random number generator of a run: SplitMix64 (Steele, Lea and Flood, 2014). The number of
+/// draws must not change: one draw more or fewer gives other banks for the same seed.
 class SeededGenerator {
 public:
     explicit SeededGenerator(std::uint64_t seed);
 
     std::uint64_t next();
 
-    /// Unbiased, below `bound` (at least 1), by multiplication and rejection (Lemire, 2019). Each
-    /// rejected product costs one further draw.
+    /// An unbiased random number below `bound`, which must be at least 1, by multiplication and
+    /// rejection (Lemire, 2019). Each rejection uses one more draw.
     std::uint64_t below(std::uint64_t bound);
 
-    /// Makes exactly `count - 1` bounded draws, or none for fewer than two items.
+    /// Shuffles with exactly `items.size() - 1` calls of `below`, or none for fewer than two items.
     template <typename Item>
     void shuffle(std::vector<Item>& items) {
         for (std::size_t i = 0; i + 1 < items.size(); ++i) {

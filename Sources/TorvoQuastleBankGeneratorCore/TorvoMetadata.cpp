@@ -61,8 +61,8 @@ void writeUInt32(std::span<std::byte, 4> bytes, std::uint32_t value) {
     }
 }
 
-/// Bytes of a fresh payload that are neither zero nor taken from the options. What they mean to the
-/// device is not known; they are what it writes itself.
+/// Writes the non-zero bytes of a new payload that do not depend on the options. Their meaning is
+/// unknown; the device writes the same values.
 void writeFixedBytes(Payload& payload) {
     constexpr std::array<std::pair<std::size_t, int>, 14> fixedBytes{{{43, 4},
                                                                       {48, 1},
@@ -123,7 +123,8 @@ void writeSettings(Payload& payload, const TorvoMetadataOptions& options,
         routeCV(payload);
 }
 
-/// A search that a damaged tail ends without an error: a new chunk is then appended.
+/// Finds the "busy" chunk. A damaged chunk after "data" ends the search without an error, and a new
+/// "busy" chunk is appended.
 std::optional<RiffChunk> findBusyChunk(const ByteSource& bytes) {
     RiffChunkWalk walk(bytes);
     while (const auto chunk = walk.next()) {
@@ -135,7 +136,7 @@ std::optional<RiffChunk> findBusyChunk(const ByteSource& bytes) {
     return std::nullopt;
 }
 
-/// Replace `replacedSize` bytes at `offset` by `bytes`.
+/// Replaces `replacedSize` bytes at `offset` with `bytes`.
 struct Edit {
     std::uint64_t offset = 0;
     std::uint64_t replacedSize = 0;
@@ -185,7 +186,7 @@ Edit busyChunkEdit(const ByteSource& bytes, const TorvoMetadataOptions& options,
 
     if (hasFullPayload)
         return {busy->payloadOffset(), payloadSize, std::move(payload)};
-    // The pad byte of an odd old payload is not part of the range and stays, on purpose.
+    // Intended: the pad byte of an old payload with an odd size is kept.
     if (busy)
         return {busy->headerOffset, busy->payloadEnd() - busy->headerOffset,
                 makeBusyChunk(payload)};
@@ -263,7 +264,7 @@ void TorvoWAVMetadataWriter::rewrite(const FileURL& file, const TorvoMetadataOpt
                         status ? std::optional(status->permissions) : std::nullopt);
 }
 
-/// Files, and links to files; a folder named x.wav is a folder.
+/// Whether the item is a regular file or a link to one. A folder may be named "x.wav".
 bool TorvoWAVMetadataWriter::isStampable(const EnumeratedItem& item) const {
     if (item.kind != FileKind::symbolicLink)
         return item.kind == FileKind::regular;
@@ -303,7 +304,7 @@ std::optional<std::int64_t> channelNumber(const FileURL& file) {
     const auto name = file.deletingLastPathComponent().lastPathComponent();
     std::string_view digits = name;
     if (digits.starts_with('+'))
-        digits.remove_prefix(1); // a negative number is no channel anyway
+        digits.remove_prefix(1); // std::from_chars() accepts only a minus sign
     std::int64_t number = 0;
     const auto* end = digits.data() + digits.size();
     const auto [stopped, error] = std::from_chars(digits.data(), end, number);

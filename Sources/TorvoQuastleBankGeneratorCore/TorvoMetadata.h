@@ -11,7 +11,7 @@
 
 namespace torvo {
 
-/// Stamps the device's playback settings into WAV files as the private RIFF chunk "busy".
+/// Writes the device's playback settings into WAV files, as the private RIFF chunk "busy".
 class TorvoWAVMetadataWriter {
 public:
     explicit TorvoWAVMetadataWriter(
@@ -47,8 +47,8 @@ private:
     std::shared_ptr<const FileManager> fileManager_;
 };
 
-/// The channel that the name of a file's folder gives: an optional sign and ASCII digits in the
-/// range 1 to 8, or none.
+/// The channel number given by the name of the file's parent folder: an optional sign and ASCII
+/// digits, 1 to 8. Empty for other names.
 std::optional<std::int64_t> channelNumber(const FileURL& file);
 
 } // namespace torvo

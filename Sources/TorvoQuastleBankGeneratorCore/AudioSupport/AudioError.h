@@ -4,17 +4,17 @@
 
 namespace torvo {
 
-/// Why bytes cannot be read as audio: the media library's status, or a negated `errno`.
+/// A file cannot be read as audio. `status` is an FFmpeg error code or a negated `errno`.
 class AudioError final : public std::exception {
 public:
     explicit AudioError(int status) : status_(status) {}
-    /// The bytes are not what they claim to be, or nothing that is read here.
+    /// The data is invalid or in an unsupported format.
     static AudioError invalidData() { return AudioError(invalidDataStatus); }
 
     int status() const { return status_; }
     const char* what() const noexcept override { return "unreadable audio"; }
 
-    /// The media library's own, "INDA" read as a number, negated.
+    /// FFmpeg's AVERROR_INVALIDDATA: "INDA" as a little-endian number, negated.
     static constexpr int invalidDataStatus = -0x41444e49;
 
 private:

@@ -8,7 +8,7 @@
 
 namespace torvo {
 
-/// The files that are read as audio; every one is covered by a test.
+/// The supported audio formats; a test covers each of them.
 enum class AudioContainer {
     wav,  ///< RIFF, RIFX, RF64 and BW64 with the type WAVE
     w64,  ///< Sony Wave64
@@ -16,14 +16,14 @@ enum class AudioContainer {
     caf,
     flac,
     ogg,
-    mp4, ///< MP4, M4A, MOV: ISO base media with a file type box
+    mp4, ///< MP4, M4A, MOV: ISO base media with an "ftyp" box
     asf, ///< Windows Media Audio
     wavPack,
     trueAudio,
     musepack, ///< stream version 8
     amr,      ///< narrowband, one channel
     au,
-    matroska,  ///< and WebM
+    matroska,  ///< also WebM
     mpegAudio, ///< layers II and III without a container
     adts,      ///< AAC without a container
 };

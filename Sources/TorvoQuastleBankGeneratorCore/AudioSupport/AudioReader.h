@@ -8,13 +8,14 @@
 
 namespace torvo {
 
-/// What is stored, before any decoding.
+/// The format as stored in the file, before decoding.
 struct AudioStreamFormat {
     double sampleRate = 0; ///< Hz, from `minSampleRate` to `maxSampleRate`
     std::int64_t channels = 0;
-    /// The container's bits for integer and float PCM, 8 for A-law and mu-law, 0 for the rest.
+    /// The container size in bits for integer and float PCM, 8 for A-law and mu-law, 0 for all
+    /// other encodings.
     std::int64_t bitDepth = 0;
-    /// Integer PCM. Float is none, in whatever file it stands: the device plays integers only.
+    /// True for integer PCM only. Float PCM does not count, because the device cannot play it.
     bool isLinearPCM = false;
 };
 
@@ -23,17 +24,18 @@ struct AudioStreamFormat {
 constexpr double minSampleRate = 100;
 constexpr double maxSampleRate = 16'000'000;
 
-/// One audio file being decoded from its first frame to its last, mixed to mono. Functions throw
-/// `AudioError`, or the `FileError` of the bytes below.
+/// Decodes one audio file sequentially and mixes it to mono. Functions throw `AudioError`, or the
+/// `FileError` of the underlying file.
 class AudioReader {
 public:
     virtual ~AudioReader() = default;
 
     virtual const AudioStreamFormat& format() const = 0;
-    /// How many frames will come, when the file tells.
+    /// The number of frames in the file. Empty when the file does not declare it.
     virtual std::optional<std::uint64_t> expectedFrameCount() const = 0;
-    /// Fills `frames` with the mean of all channels, full scale at 1; fewer than asked for come
-    /// back only at the end. Every value is finite.
+    /// Reads the next frames, each the mean of all channels with full scale at ±1. Returns the
+    /// number of frames read, which is smaller than requested only at the end. All values are
+    /// finite.
     virtual std::size_t read(std::span<double> frames) = 0;
 };
 

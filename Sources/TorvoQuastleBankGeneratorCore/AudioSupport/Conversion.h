@@ -17,21 +17,22 @@
 
 namespace torvo {
 
-/// What is moved at a time, from reading to writing.
+/// The number of frames converted at a time.
 constexpr std::size_t conversionBlockFrames = 4096;
 
-/// A sample file opened for conversion, read as the device's 16-bit frames. Every function throws
-/// `GenerationError::exportFailed` with the text for the user and the library's status.
+/// Reads a sample file as 16-bit mono frames at the device's sample rate. Every function throws
+/// `GenerationError::exportFailed` with a message for the user and the FFmpeg or `errno` status.
 class ConversionSource {
 public:
     ConversionSource(const FileManager& fileManager, const FileURL& url);
     ~ConversionSource();
 
-    /// Chooses the filter; before the first `read`.
+    /// Creates the resampler. Must be called before the first `read`.
     void configure();
-    /// How many bytes of audio will come, when the file tells; after `configure`.
+    /// The number of bytes that `read` will return in total. Empty when the file does not declare
+    /// its length. Call `configure` first.
     std::optional<std::uint64_t> expectedDataSize() const;
-    /// Fills `block` with little-endian 16-bit frames; returns how many bytes, none at the end.
+    /// Fills `block` with little-endian 16-bit frames. Returns the number of bytes, 0 at the end.
     std::size_t read(std::span<std::byte> block);
 
 private:

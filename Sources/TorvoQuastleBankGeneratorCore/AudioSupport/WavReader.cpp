@@ -103,8 +103,8 @@ Decode decoderFor(std::uint16_t tag, std::uint32_t containerBytes) {
     }
 }
 
-/// The format tag that an extensible chunk carries in its GUID. Other families of GUIDs are no
-/// format that is read here.
+/// The format tag in the GUID of an extensible format chunk. Throws `AudioError` for a GUID that
+/// does not contain a format tag.
 std::uint16_t subformatTag(std::span<const std::byte, 16> guid, ByteOrder order) {
     constexpr std::array<unsigned char, 8> family = {0x80, 0x00, 0x00, 0xAA,
                                                      0x00, 0x38, 0x9B, 0x71};
@@ -137,7 +137,7 @@ FormatChunk parseFormat(const ByteSource& bytes, const RiffChunk& chunk, ByteOrd
     return format;
 }
 
-/// The size of the data that a 64-bit file gives in its "ds64" chunk.
+/// The 64-bit size of the audio data in a "ds64" chunk, in bytes.
 std::uint64_t longDataSize(const ByteSource& bytes, const RiffChunk& chunk) {
     std::array<std::byte, 16> sizes;
     if (chunk.payloadSize < sizes.size() || bytes.read(chunk.payloadOffset(), sizes) < sizes.size())
@@ -202,7 +202,7 @@ std::unique_ptr<WavReader> WavReader::open(const ByteSource& bytes) {
     const FormatChunk& format = layout.format;
     if (format.tag != integerTag && format.tag != floatTag)
         return nullptr;
-    // The container decides, not the bits in use: they stand at its top.
+    // Use the container size; valid bits are left-aligned.
     const std::uint32_t containerBytes =
         format.channels == 0 ? 0U : std::uint32_t{format.blockAlign} / format.channels;
     if (containerBytes == 0 || format.blockAlign % format.channels != 0 ||
@@ -240,7 +240,7 @@ std::size_t WavReader::read(std::span<double> frames) {
                 static_cast<std::size_t>(format_.channels), frames.subspan(done, got));
         done += got;
         position_ += got * blockAlign_;
-        // Fewer than announced: the file was cut short while it was being read.
+        // A short read means that the file was truncated while it was being read.
         framesLeft_ = got < wanted ? 0 : framesLeft_ - got;
     }
     return done;

@@ -14,8 +14,8 @@ namespace torvo {
 /// or whose size was never filled in, is read up to the end of the file.
 class WavReader final : public AudioReader {
 public:
-    /// Null when the encoding is none of these; `AudioError` when there is no usable format chunk
-    /// or no data chunk.
+    /// Returns null for other encodings. Throws `AudioError` when there is no valid "fmt " chunk or
+    /// no "data" chunk.
     static std::unique_ptr<WavReader> open(const ByteSource& bytes);
 
     const AudioStreamFormat& format() const override { return format_; }
@@ -39,8 +39,8 @@ private:
     std::vector<std::byte> block_;
 };
 
-/// Where an Ogg stream begins that stands in the "data" chunk of a WAV file, as some sample
-/// libraries store Vorbis. Absent for every other WAV file.
+/// The offset in bytes of an Ogg stream inside the "data" chunk; some sample libraries store Vorbis
+/// this way. Empty for every other WAV file. Throws `AudioError` as `WavReader::open` does.
 std::optional<std::uint64_t> oggStreamInWav(const ByteSource& bytes);
 
 } // namespace torvo
