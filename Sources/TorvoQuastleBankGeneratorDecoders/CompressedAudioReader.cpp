@@ -19,7 +19,7 @@ struct Encoding {
     bool isLinearPCM = false;
 };
 
-/// What is decoded; every line is covered by a test.
+/// The supported encodings; a test covers each of them.
 constexpr Encoding encodings[] = {
     {AV_CODEC_ID_PCM_S8, 8, true},
     {AV_CODEC_ID_PCM_U8, 8, true},
@@ -72,7 +72,8 @@ bool isVideo(const AVStream& stream) {
            (stream.disposition & pictures) == 0;
 }
 
-/// The first audio stream, the only one that is not discarded.
+/// Selects the first audio stream and discards all others. Throws `AudioError` when there is a
+/// video stream or no audio stream.
 AVStream& chooseStream(AVFormatContext& context) {
     AVStream* chosen = nullptr;
     for (AVStream* const stream : std::span(context.streams, context.nb_streams)) {
@@ -95,8 +96,8 @@ void check(int status) {
         throw AudioError(status);
 }
 
-/// The count of real frames in the gapless tag of AAC files: four hexadecimal words, of which the
-/// second and third are delay and padding and the fourth is the count.
+/// The frame count in the gapless tag of AAC files ("iTunSMPB"): the fourth hexadecimal word, after
+/// delay and padding. Empty when there is no such tag.
 std::optional<std::uint64_t> taggedFrameCount(const AVFormatContext& context) {
     const AVDictionaryEntry* const tag = av_dict_get(context.metadata, "iTunSMPB", nullptr, 0);
     if (tag == nullptr)
@@ -239,7 +240,7 @@ private:
         return encoding_.codec == AV_CODEC_ID_WMAV1 || encoding_.codec == AV_CODEC_ID_WMAV2;
     }
 
-    /// The library reads samples at their own width: in a wider container it would play noise.
+    /// FFmpeg ignores a container that is wider than the sample and would decode noise.
     void checkPCMLayout() const {
         const AVCodecParameters& parameters = *stream_.codecpar;
         const std::int64_t frameSize = format_.channels * format_.bitDepth / 8;
@@ -254,7 +255,7 @@ private:
             skipFrames(delay());
             return;
         }
-        // Without a packet a file may still be a whole one that holds nothing.
+        // A file without packets is valid if it declares no duration.
         const bool isDeclaredEmpty = stream_.duration == 0 || stream_.duration == AV_NOPTS_VALUE;
         if (hasSeenPacket_ || !isDeclaredEmpty)
             throw AudioError::invalidData();
@@ -312,7 +313,8 @@ private:
 
     std::size_t frameLength() const { return static_cast<std::size_t>(frame_->nb_samples); }
 
-    /// A frame that belongs to what came before. False at the end.
+    /// Decodes the next non-empty frame, skipping frames with another sample rate. Returns false at
+    /// the end.
     bool nextFrame() {
         for (;;) {
             const int status = avcodec_receive_frame(codec_.get(), frame_.get());

@@ -5,19 +5,19 @@
 
 namespace torvo {
 
-/// Every format but PCM in WAV, through the media library. The demuxer is the one for `type`; no
-/// other file and no network is ever opened.
+/// Decodes every format except PCM in WAV with FFmpeg. Uses the demuxer for `type`, and never opens
+/// other files or network connections.
 class CompressedAudioReader final : public AudioReader {
 public:
-    /// Uncompressed formats are opened by their header; of others the first frames are decoded.
-    /// A file with moving pictures is no sample; a cover picture does not matter.
+    /// Reads the header, and decodes the first frame of compressed formats. Throws `AudioError` for
+    /// a file with video (cover pictures are ignored), or the `FileError` of `bytes`.
     CompressedAudioReader(const ByteSource& bytes, const AudioFileType& type);
     ~CompressedAudioReader() override;
 
     const AudioStreamFormat& format() const override;
     /// The declared length. Empty when it is missing or implausible for the size of the file.
     std::optional<std::uint64_t> expectedFrameCount() const override;
-    /// Damaged packets are passed over.
+    /// Reads as `AudioReader::read` does; skips damaged packets.
     std::size_t read(std::span<double> frames) override;
 
 private:

@@ -9,7 +9,7 @@ extern "C" {
 
 #include <memory>
 
-/// Every handle of the media library, each freed by the library's own function.
+/// Owning handles for FFmpeg objects, released by the matching FFmpeg functions.
 namespace torvo::ffmpeg {
 
 template <auto freeHandle>
@@ -20,7 +20,7 @@ struct Free {
     }
 };
 
-/// The library may have put a larger buffer in the place of the first one.
+/// Frees the current buffer, because FFmpeg may have replaced the one that was passed to it.
 inline void freeIOContext(AVIOContext** context) {
     av_freep(&(*context)->buffer);
     avio_context_free(context);

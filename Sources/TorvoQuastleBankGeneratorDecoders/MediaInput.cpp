@@ -87,7 +87,7 @@ MediaInput::MediaInput(const ByteSource& bytes, const AudioFileType& type)
         throw std::bad_alloc();
     }
     const AVInputFormat* const demuxer = av_find_input_format(demuxerName(type.container));
-    if (demuxer == nullptr) // the library would guess by itself
+    if (demuxer == nullptr) // without a demuxer, FFmpeg would probe the format
         throw AudioError(AVERROR_DEMUXER_NOT_FOUND);
     auto* context = allocated(avformat_alloc_context());
     context->pb = io_.get();

@@ -7,18 +7,18 @@
 
 namespace torvo {
 
-/// A file opened with the demuxer of a known type. The library sees nothing but the bytes: it has
-/// no path, and asking for another file is refused.
+/// Opens a file with the FFmpeg demuxer for a known type. FFmpeg reads only the given bytes: it
+/// gets no path, and its requests to open other files are refused.
 class MediaInput {
 public:
-    /// Throws `AudioError`, or the `FileError` of the bytes.
+    /// Throws `AudioError`, or the `FileError` of `bytes`.
     MediaInput(const ByteSource& bytes, const AudioFileType& type);
     MediaInput(const MediaInput&) = delete;
     MediaInput& operator=(const MediaInput&) = delete;
 
     AVFormatContext& context() const { return *context_; }
-    /// False at the end of what can be read. Damage ends a file where it stands; a failure of the
-    /// disk throws.
+    /// Reads the next packet. Returns false at the end of the file or at damaged data. Throws the
+    /// `FileError` of `bytes`.
     bool readPacket(AVPacket& packet);
 
 private:
