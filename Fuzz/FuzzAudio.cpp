@@ -1,5 +1,5 @@
-// The inspector and the preparer over any bytes: a file that is called readable and compatible can
-// be copied and stamped, and what a conversion writes is a WAV file of the announced size.
+// Inspects and prepares arbitrary bytes: a file reported as compatible can be prepared and stamped,
+// and a conversion writes a WAV file of the announced size.
 
 #include "AudioSupport.h"
 #include "AudioSupport/RiffChunks.h"

@@ -1,5 +1,5 @@
-// The stamp over any bytes: what it accepts it stamps once, keeps every other chunk, and the change
-// inside a file is the change in memory.
+// Stamps arbitrary bytes: accepted files get one stamp and keep all other chunks, and stamping a
+// file gives the same bytes as stamping in memory.
 
 #include "AudioSupport/RiffChunks.h"
 #include "MemoryFileManager.h"
@@ -23,7 +23,7 @@ struct Chunk {
     friend bool operator==(const Chunk&, const Chunk&) = default;
 };
 
-/// Chunks that lie whole in the file, the stamp's own left out.
+/// The complete chunks of the file, except the stamp.
 std::vector<Chunk> otherChunks(const Bytes& bytes) {
     const MemoryByteSource source(bytes);
     RiffChunkWalk walk(source);
@@ -40,8 +40,8 @@ std::vector<Chunk> otherChunks(const Bytes& bytes) {
     return chunks;
 }
 
-/// Whether the whole file is chunks, each with its pad byte: only then is what is appended a chunk,
-/// and only then does an odd old stamp not shift what follows it.
+/// Whether the file consists only of complete chunks with their pad bytes: only then is the
+/// appended stamp found as a chunk, and an old stamp of odd size does not misalign later chunks.
 bool isCleanlyChunked(const Bytes& bytes) {
     const MemoryByteSource source(bytes);
     RiffChunkWalk walk(source);

@@ -1,4 +1,5 @@
-// The document reader over any bytes: an error, or a document that is the same after saving it.
+// Reads arbitrary bytes as a document: either an error or a document that survives saving
+// unchanged.
 
 #include "BankMappingStore.h"
 #include "MemoryFileManager.h"

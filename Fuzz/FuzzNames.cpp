@@ -1,4 +1,4 @@
-// Names of any bytes: what is made of them is text of the promised form.
+// Derives names from arbitrary bytes: the results must have the documented form.
 
 #include "Models/BankNameScheme.h"
 #include "Platform/FileURL.h"
@@ -26,7 +26,7 @@ void classifyAnything(std::string_view name) {
     static_cast<void>(namesIgnoredFolder(name));
 
     const BankNameScheme naming{std::string(name)};
-    // Raising the first character may make up to three of it, as "ß" becomes "SS".
+    // Upper-casing the first character may give up to three characters, as in "ß" to "SS".
     require(text::characterCount(naming.prefix) <= 8, "a prefix has six characters at most");
     require(naming.bankName(7).ends_with("007"), "a bank's name ends in its number");
 

@@ -1,5 +1,4 @@
-// URL strings and paths of any bytes: what is read is written as it was meant, and the other way
-// round.
+// URL strings and paths of arbitrary bytes: reading and writing are inverse.
 
 #include "Platform/FileURL.h"
 #include "Require.h"

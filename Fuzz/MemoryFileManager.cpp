@@ -9,8 +9,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A card of that size: a few seconds of a recording at 1 Hz would otherwise become hours to write.
-constexpr std::size_t longestFile = std::size_t{8} * 1024 * 1024; // bytes
+// The size of the simulated card: converting a few seconds of a 1 Hz recording would otherwise
+// write hours of audio.
+constexpr std::size_t maxFileSize = std::size_t{8} * 1024 * 1024; // bytes
 
 class MemoryFile final : public File {
 public:
@@ -28,7 +29,7 @@ public:
 
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         const auto end = static_cast<std::size_t>(offset) + bytes.size();
-        if (end > longestFile)
+        if (end > maxFileSize)
             throw FileError(FileOperation::write, "/card", ENOSPC);
         if (end > bytes_->size())
             bytes_->resize(end);

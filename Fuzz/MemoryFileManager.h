@@ -9,7 +9,7 @@
 
 namespace torvo::fuzz {
 
-/// Files in memory, without folders, so that a fuzzer is not held up by a disk.
+/// Files in memory, without folders, so that the disk does not slow down the fuzzer.
 class MemoryFileManager final : public FileManager {
 public:
     using Bytes = std::vector<std::byte>;
@@ -39,7 +39,7 @@ public:
 private:
     const std::shared_ptr<Bytes>& existing(const std::filesystem::path& path) const;
 
-    // The interface's functions are const, as the program's own file system has no state either.
+    // The interface is const because the real file manager has no state.
     mutable std::map<std::filesystem::path, std::shared_ptr<Bytes>> files_;
 };
 

@@ -5,7 +5,7 @@
 
 namespace torvo::fuzz {
 
-/// Ends the process as a crash does, so that the fuzzer keeps the input.
+/// Aborts the process, so that libFuzzer keeps the input.
 inline void require(bool condition, const char* promise) {
     if (condition)
         return;
