@@ -6,7 +6,7 @@
 
 namespace torvo::test {
 
-/// What a stamp is expected to write.
+/// The expected content of a stamp.
 struct ExpectedStamp {
     std::uint32_t dataSize = 0; ///< bytes of the "data" chunk
     unsigned channelIndex = 0;  ///< 0 to 7
@@ -16,7 +16,7 @@ struct ExpectedStamp {
     bool routesCV = false;
 };
 
-/// The device's fresh payload, put down a second time from its table, not from the writer's code.
+/// A new payload for the device, written from its table and independently of the code under test.
 std::vector<std::byte> freshBusyPayload(const ExpectedStamp& stamp);
 
 } // namespace torvo::test

@@ -11,9 +11,9 @@ namespace torvo::test {
 void append(std::vector<std::byte>& to, std::span<const std::byte> bytes);
 void append(std::vector<std::byte>& to, std::string_view text);
 
-/// The lowest `byteCount` bytes of a number, the lowest first.
+/// Appends the lowest `byteCount` bytes of a number in little-endian order.
 void appendLittleEndian(std::vector<std::byte>& to, std::uint64_t value, std::size_t byteCount);
-/// The same, the lowest last.
+/// Like `appendLittleEndian`, in big-endian order.
 void appendBigEndian(std::vector<std::byte>& to, std::uint64_t value, std::size_t byteCount);
 
 /// In little-endian order, as WAV files have them.

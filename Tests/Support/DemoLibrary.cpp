@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// White noise and chance, the same on every machine.
+/// White noise and random numbers, identical on every machine.
 class Dice {
 public:
     explicit Dice(std::uint64_t seed) : generator_(seed) {}
@@ -128,7 +128,7 @@ std::vector<std::byte> auFile(std::span<const std::int16_t> samples, std::uint32
     return file;
 }
 
-/// Seven of the forms in which samples come, in turn.
+/// Cycles through seven common sample formats.
 void saveInSomeFormat(const fs::path& folder, const std::string& name, const Voice& voice,
                       double seconds, unsigned turn) {
     const auto wav = [&](const WavFormat& format) {

@@ -8,17 +8,17 @@
 
 namespace torvo::test {
 
-/// Takes for audio what begins with "audio": a file "audio 48000" is stored at that many hertz, a
-/// file "audio" at 44100; 16 bits, stereo, linear PCM. Everything else is no audio.
+/// Accepts files that begin with "audio": "audio 48000" has that sample rate in hertz, "audio" has
+/// 44100; 16 bits, stereo, linear PCM. All other files are not audio.
 class FakeInspector final : public AudioFileInspecting {
 public:
     AudioFormatDetails inspectAudioFile(const FileURL& at) const override;
 
-    /// The files it was asked for, sorted by path.
+    /// The files that were inspected, sorted by path.
     std::vector<std::filesystem::path> inspected() const;
 
 private:
-    mutable std::mutex mutex_; ///< a scan asks from several threads
+    mutable std::mutex mutex_; ///< a scan inspects on several threads
     mutable std::vector<std::filesystem::path> inspected_;
 };
 
@@ -34,7 +34,7 @@ public:
     SamplePreparationMode prepare(const SampleCandidate& sample,
                                   const FileURL& destinationURL) const override;
 
-    /// Runs before each preparation; what it throws is the preparation's failure.
+    /// Called before each preparation; its exceptions make the preparation fail.
     std::function<void(const Call&)> beforePreparing;
 
     const std::vector<Call>& calls() const { return calls_; }

@@ -17,7 +17,7 @@ class FaultPlan {
 public:
     enum class Extent {
         once,    ///< the n-th operation alone
-        forGood, ///< the n-th and all that follow, as when the card is pulled out
+        forGood, ///< the n-th and all later ones, like a removed card
     };
 
     /// Nothing fails; operations are counted.
@@ -26,13 +26,13 @@ public:
     FaultPlan(std::uint64_t failAt, int errorNumber, Extent extent)
         : failAt_(failAt), errorNumber_(errorNumber), extent_(extent) {}
 
-    /// Counts one operation. True when it is one that fails.
+    /// Counts one operation. True when it has to fail.
     bool countsAndFails(FileOperation operation, const std::filesystem::path& path);
-    /// Counts one operation. Throws its `FileError` when it is one that fails.
+    /// Counts one operation. Throws its `FileError` when it has to fail.
     void check(FileOperation operation, const std::filesystem::path& path);
 
     std::uint64_t operationCount() const { return count_; }
-    /// What has failed, in order.
+    /// The failed operations, in order.
     std::vector<FileError> faults() const;
     int errorNumber() const { return errorNumber_; }
 
@@ -45,9 +45,9 @@ private:
     std::vector<FileError> faults_;
 };
 
-/// Puts faults between the program and the disk. A write that fails has written its first half, and
-/// a file whose closing fails is closed. Flushing is counted and may fail, but the medium is not
-/// waited for: no test here survives a power cut, and a sweep flushes thousands of times.
+/// Injects faults between the program and the disk. A failing write has written its first half, and
+/// a file is closed even when `close` fails. Flushes are counted and may fail, but do not wait for
+/// the medium: no test here covers a power cut, and a sweep flushes thousands of times.
 class FaultyFileManager final : public ForwardingFileManager {
 public:
     FaultyFileManager(std::shared_ptr<const FileManager> behind, std::shared_ptr<FaultPlan> plan);

@@ -6,7 +6,7 @@
 
 namespace torvo::test {
 
-/// Hands every call on to the file behind it. What stands between overrides some of them.
+/// Forwards every call to another file. Derived classes override some of them.
 class ForwardingFile : public File {
 public:
     explicit ForwardingFile(std::unique_ptr<File> behind);
@@ -26,7 +26,7 @@ private:
     std::unique_ptr<File> behind_;
 };
 
-/// Hands every call on to the file manager behind it, files included.
+/// Forwards every call to another file manager, including those of its files.
 class ForwardingFileManager : public FileManager {
 public:
     explicit ForwardingFileManager(std::shared_ptr<const FileManager> behind = systemFileManager());

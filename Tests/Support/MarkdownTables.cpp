@@ -27,7 +27,7 @@ std::vector<std::string> split(std::string_view text, char separator) {
     return parts;
 }
 
-/// What stands between the first and the last bar of a line.
+/// The text between the first and the last bar of a line.
 std::vector<std::string> cells(std::string_view line) {
     const auto last = line.find_last_of('|');
     return split(line.substr(1, last - 1), '|');

@@ -6,16 +6,16 @@
 
 namespace torvo::test {
 
-/// The rows below a table's head; cells without the spaces and backticks around them.
+/// The rows below the header of a table; cells without surrounding spaces and backticks.
 using MarkdownTable = std::vector<std::vector<std::string>>;
 
-/// The tables of a Markdown page, found by their heads, so that a test can hold a document against
+/// The tables of a Markdown page, found by their headers, so that tests can compare a document with
 /// the code. Throws `std::runtime_error` when the page has no such table.
 class MarkdownPage {
 public:
     explicit MarkdownPage(const std::string& text);
 
-    /// The table with exactly this head; the first of several, or the one after `skip` others.
+    /// The table with exactly this header; the first of several, or the one after `skip` others.
     MarkdownTable table(const std::vector<std::string>& head, std::size_t skip = 0) const;
     /// The first table below the heading of that text.
     MarkdownTable tableOf(const std::string& heading) const;
@@ -31,7 +31,7 @@ private:
     std::vector<Table> tables_;
 };
 
-/// The parts of a list with commas.
+/// The items of a comma-separated list.
 std::vector<std::string> listed(const std::string& cell);
 
 } // namespace torvo::test

@@ -5,7 +5,7 @@
 
 #include <ostream>
 
-// How GoogleTest shows the records in a failure.
+// How GoogleTest prints the records in failure messages.
 namespace torvo {
 
 inline void PrintTo(const GenerationError& error, std::ostream* out) {

@@ -13,15 +13,15 @@
 
 namespace torvo::test {
 
-/// Writes a drum library below `inside`/"Kit": files that the device plays as they are, files that
-/// need converting (through the own reader and through the media library), sidecars, a text that is
-/// no sample and a folder that is left out. Returns the library's folder.
+/// Writes a drum library below `inside`/"Kit": files that the device plays unchanged, files that
+/// need a conversion (with the WAV reader and with FFmpeg), sidecars, a text file and an ignored
+/// folder. Returns the library's folder.
 std::filesystem::path writeSmallLibrary(const TemporaryFolder& inside);
 
 /// An AIFF file of 16 bits, mono, 44100 Hz, of rising frames.
 std::vector<std::byte> aiffRamp(std::size_t frameCount);
 
-/// The core put together as the application puts it together, over one file manager.
+/// The services of the core, connected as in the application, with one file manager.
 class CoreServices {
 public:
     explicit CoreServices(std::shared_ptr<const FileManager> fileManager);

@@ -6,8 +6,8 @@
 
 namespace torvo::test {
 
-/// The error of this type that the action ends with, or none when it succeeds. Any other error is
-/// the test's failure.
+/// Runs the action and returns the error of this type that it throws, or none on success. Any other
+/// exception fails the test.
 template <typename Error, typename Action>
 std::optional<Error> thrown(Action action) {
     try {

@@ -24,7 +24,7 @@ struct WavFormat {
 /// scale at 1; integers are rounded to nearest and clamped.
 std::vector<std::byte> wavFile(const WavFormat& format, std::span<const double> samples);
 
-/// The same format with `frameCount` frames of a quiet ramp, so that no two bytes patterns repeat.
+/// The same format with `frameCount` frames of a quiet ramp, so that no byte pattern repeats.
 std::vector<std::byte> wavFile(const WavFormat& format, std::size_t frameCount);
 
 /// "RIFF", the size, "WAVE" and the chunks as they are given.
