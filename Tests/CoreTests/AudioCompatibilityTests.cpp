@@ -13,7 +13,7 @@ std::string reasonFor(const AudioFormatDetails& details) {
     return conversion == nullptr ? "compatible" : conversion->reason;
 }
 
-TEST(AudioCompatibility, saysWhatIsWrongInAFixedOrder) {
+TEST(AudioCompatibility, reportsReasonsInAFixedOrder) {
     struct Row {
         const char* name;
         AudioFormatDetails details;
@@ -45,7 +45,7 @@ TEST(AudioCompatibility, saysWhatIsWrongInAFixedOrder) {
         EXPECT_EQ(reasonFor(row.details), row.reason) << row.name;
 }
 
-TEST(AudioCompatibilityDeathTest, aRateThatIsNoNumberEndsTheProcess) {
+TEST(AudioCompatibilityDeathTest, abortsOnAnInvalidSampleRate) {
     for (const double rate :
          {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN(), 1e19})
         EXPECT_DEATH(reasonFor({"wav", rate, 1, 16, true}), "sample rate");

@@ -18,7 +18,7 @@
 
 namespace torvo::test {
 
-/// Runs a command of the shell in a folder. A missing tool and a failure are errors of the test.
+/// Runs a shell command in a folder. A missing tool or a failure fails the test.
 void runTool(const std::filesystem::path& folder, const std::string& command);
 
 /// An output file of ffmpeg and the options before it.
@@ -50,7 +50,7 @@ std::vector<std::int16_t> deviceFrames(const std::filesystem::path& path);
 SampleCandidate sampleToConvert(const std::filesystem::path& path);
 SampleCandidate sampleToCopy(const std::filesystem::path& path);
 
-/// The frames of a file after its conversion beside it.
+/// Converts a file to one beside it and returns the frames.
 std::vector<std::int16_t> convertedFrames(const std::filesystem::path& path);
 
 /// The frames of a file at its own rate, mixed to mono, full scale at 1.
@@ -71,21 +71,21 @@ double decibelsBetween(std::span<const double> original, std::span<const double>
 std::string failureOf(const AudioFilePreparing& preparer, const SampleCandidate& sample,
                       const std::filesystem::path& destination);
 
-/// A "fmt " chunk as it stands in the file.
+/// A "fmt " chunk as stored in the file.
 std::vector<std::byte> formatChunk(std::uint16_t tag, std::uint16_t channels,
                                    std::uint32_t sampleRate, std::uint16_t blockAlign,
                                    std::uint16_t bits, std::span<const std::byte> extension = {});
-/// What follows in an extensible one, for a plain format tag.
+/// The extension of a WAVE_FORMAT_EXTENSIBLE chunk for a plain format tag.
 std::vector<std::byte> extensibleTail(std::uint16_t validBits, std::uint16_t tag);
 
 /// The same file with every 16-bit sample and every number in big-endian order, as "RIFX".
 std::vector<std::byte> bigEndianWav(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
-/// A 16-bit mono file whose size stands in a "ds64" chunk; `id` is "RF64" or "BW64".
+/// A 16-bit mono file with its size in a "ds64" chunk; `id` is "RF64" or "BW64".
 std::vector<std::byte> longWav(std::string_view id, std::uint32_t sampleRate,
                                std::span<const std::int16_t> frames);
 std::vector<std::byte> wavOf(std::uint32_t sampleRate, std::span<const std::int16_t> frames);
 
-/// A loud, restless signal in which every shift shows.
+/// A loud signal without repetition, so that any shift is detected.
 std::vector<std::int16_t> testSignal(std::size_t frameCount);
 
 /// A part of a file, in bytes.
@@ -94,8 +94,8 @@ struct FilePart {
     std::size_t size = 0;
 };
 
-/// The operating system's files, watched: each hook is told what is about to happen, and what it
-/// throws is thrown instead. Reads and writes are those of files opened here.
+/// The real file system with hooks: each hook is called before the operation, and an exception from
+/// it replaces the operation. Reads and writes are those of files opened here.
 struct FileHooks {
     std::function<void(const std::filesystem::path&, OpenMode)> onOpen = {};
     std::function<void(const std::filesystem::path&, const FilePart&)> onRead = {};

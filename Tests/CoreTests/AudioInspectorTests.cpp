@@ -35,7 +35,7 @@ Bytes pcm(std::uint16_t tag, std::uint16_t channels, std::uint32_t rate, std::ui
                      riffChunk("data", Bytes(std::size_t{blockAlign} * 3))});
 }
 
-TEST(AudioInspector, readsTheFactsOfWavFiles) {
+TEST(AudioInspector, readsFormatDetailsOfWavFiles) {
     const auto frames = testSignal(10);
     struct Row {
         const char* name;
@@ -92,7 +92,7 @@ TEST(AudioInspector, readsTheFactsOfWavFiles) {
     }
 }
 
-TEST(AudioInspector, takesTheExtensionFromTheNameAndTheRestFromTheBytes) {
+TEST(AudioInspector, takesOnlyTheExtensionFromTheFileName) {
     const TemporaryFolder folder;
     const auto frames = testSignal(2000);
     EXPECT_EQ(inspected(folder.write("Kick.WAV", wavOf(44100, frames))),
@@ -105,7 +105,7 @@ TEST(AudioInspector, takesTheExtensionFromTheNameAndTheRestFromTheBytes) {
               (AudioFormatDetails{"", 44100, 1, 16, true}));
 }
 
-TEST(AudioInspector, rejectsWhatIsNoAudio) {
+TEST(AudioInspector, rejectsNonAudioFiles) {
     const auto frames = testSignal(100);
     const auto guidOfAnotherFamily = [] {
         auto tail = extensibleTail(16, 1);
@@ -152,7 +152,7 @@ TEST(AudioInspector, rejectsWhatIsNoAudio) {
         EXPECT_FALSE(isReadable(folder.write(row.file, row.content))) << row.name;
 }
 
-TEST(AudioInspector, rejectsPicturesAndFilms) {
+TEST(AudioInspector, rejectsImagesAndVideos) {
     const TemporaryFolder folder;
     runTool(folder.path(), "ffmpeg -v error -f lavfi -i testsrc=d=1:s=64x64 -f lavfi -i sine=d=1 "
                            "-map 0 -frames:v 1 a.jpg -map 0 -map 1 -c:v mpeg4 -c:a aac film.mp4 "
@@ -164,7 +164,7 @@ TEST(AudioInspector, rejectsPicturesAndFilms) {
     EXPECT_FALSE(isReadable(folder.path() / "a.mp3"));
 }
 
-TEST(AudioInspector, aCoverPictureDoesNotMatter) {
+TEST(AudioInspector, acceptsAudioWithCoverArt) {
     const TemporaryFolder folder;
     folder.write("a.wav", wavOf(44100, testSignal(44100)));
     runTool(folder.path(), "ffmpeg -v error -f lavfi -i testsrc=d=1:s=64x64 -frames:v 1 c.jpg");
@@ -176,7 +176,7 @@ TEST(AudioInspector, aCoverPictureDoesNotMatter) {
         EXPECT_TRUE(isReadable(folder / encoding.name)) << encoding.name;
 }
 
-TEST(AudioInspector, readsTheFactsOfEveryOtherFormat) {
+TEST(AudioInspector, readsFormatDetailsOfAllOtherFormats) {
     struct Row {
         const char* arguments;
         const char* name;
@@ -270,12 +270,12 @@ TEST(AudioInspector, findsAudioAfterTagsAndPadding) {
     Bytes padded(5000);
     append(padded, bytesOf(folder / "bare.mp3"));
     EXPECT_TRUE(isReadable(folder.write("padded.mp3", padded)));
-    // A tag around nothing, and one that is larger than the file.
+    // A tag without audio, and a tag whose size exceeds the file.
     EXPECT_FALSE(isReadable(folder.write("tag.mp3", tag)));
     EXPECT_FALSE(isReadable(folder.write("cut.mp3", std::span(tag).first(100))));
 }
 
-TEST(AudioInspector, samplesThatLookLikeAnotherFormatAreStillWav) {
+TEST(AudioInspector, identifiesWavWhenItsSamplesResembleAnotherFormat) {
     const TemporaryFolder folder;
     folder.write("source.wav", wavOf(44100, testSignal(22050)));
     encode(folder, "source.wav", "-write_xing 0 -id3v2_version 0", "a.mp3");
@@ -296,7 +296,7 @@ TEST(AudioInspector, readsVorbisInsideWav) {
     EXPECT_EQ(inspected(path), (AudioFormatDetails{"ogg", 44100, 1, 0, false}));
 }
 
-TEST(AudioInspector, doesNotWaitForAPipeNorReadAFolder) {
+TEST(AudioInspector, neitherBlocksOnAPipeNorReadsAFolder) {
     const TemporaryFolder folder;
     const auto pipe = folder / "pipe.wav";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -305,7 +305,7 @@ TEST(AudioInspector, doesNotWaitForAPipeNorReadAFolder) {
     EXPECT_THROW(inspected(folder / "missing.wav"), FileError);
 }
 
-TEST(AudioInspector, passesTheDisksFailureOn) {
+TEST(AudioInspector, propagatesReadErrors) {
     const TemporaryFolder folder;
     folder.write("source.wav", wavOf(44100, testSignal(22050)));
     encode(folder, "source.wav", "", "a.flac");
@@ -318,7 +318,7 @@ TEST(AudioInspector, passesTheDisksFailureOn) {
     EXPECT_NO_THROW(inspector.inspectAudioFile(FileURL(folder / "source.wav")));
 }
 
-TEST(AudioInspector, opensAWavOnceAndReadsOneBlock) {
+TEST(AudioInspector, opensAWavFileOnceAndReadsOneBlock) {
     const TemporaryFolder folder;
     const auto path = folder.write("a.wav", wavOf(44100, testSignal(22050)));
     int openings = 0;

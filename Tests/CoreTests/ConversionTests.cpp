@@ -18,7 +18,7 @@ namespace {
 using Bytes = std::vector<std::byte>;
 using Frames = std::vector<std::int16_t>;
 
-/// Given frames at a given rate.
+/// Audio with the given frames and sample rate.
 class MemoryReader final : public AudioReader {
 public:
     MemoryReader(double rate, std::vector<double> frames)
@@ -60,12 +60,12 @@ std::vector<double> sine(double rate, double frequency, double peak, std::size_t
     return frames;
 }
 
-/// What a file holds beside a tone of this frequency and an offset, in dB of the tone. The ends are
-/// left out: a tone that begins at once has no pure spectrum there.
+/// The residual of a file after a tone of this frequency and a DC offset are removed, in dB
+/// relative to the tone. The ends are skipped: an abrupt onset is not a pure tone.
 double residualDecibels(std::span<const double> frames, double frequency) {
     const std::size_t margin = 4410;
     const auto inner = frames.subspan(margin, frames.size() - 2 * margin);
-    // Least squares over sine, cosine and constant, by Gauss on the normal equations.
+    // Least-squares fit of sine, cosine and constant: Gaussian elimination of the normal equations.
     std::array<std::array<double, 4>, 3> equations{};
     const auto basis = [&](std::size_t i) {
         const double angle = 2 * std::numbers::pi * frequency / 44100 * static_cast<double>(i);
@@ -157,7 +157,7 @@ TEST(Conversion, decodesLosslessFormatsBitExactly) {
     }
 }
 
-TEST(Conversion, everyWavEncodingGivesTheSameFrames) {
+TEST(Conversion, decodesAllWavEncodingsToTheSameFrames) {
     const auto signal = testSignal(5000);
     std::vector<double> samples;
     for (const std::int16_t frame : signal)
@@ -173,13 +173,13 @@ TEST(Conversion, everyWavEncodingGivesTheSameFrames) {
         EXPECT_TRUE(convertedFrom(longWav(id, 44100, signal)) == signal) << id;
 }
 
-TEST(Conversion, eightBitsAreUnsigned) {
+TEST(Conversion, reads8BitSamplesAsUnsigned) {
     const auto data = bytes(std::string_view("\x00\x80\xFF\x81", 4));
     EXPECT_EQ(convertedFrom(riffFile({formatChunk(1, 1, 44100, 1, 8), riffChunk("data", data)})),
               (Frames{-32768, 0, 32512, 256}));
 }
 
-TEST(Conversion, bitsInUseStandAtTheTopOfAWiderContainer) {
+TEST(Conversion, readsValidBitsLeftAlignedInAWiderContainer) {
     // 0x123456 and -2 in 24 bits, each in the upper three of four bytes.
     const auto data = bytes(std::string_view("\x00\x56\x34\x12\x00\x00\xFE\xFF", 8));
     for (const auto& format : {formatChunk(1, 1, 44100, 4, 24),
@@ -187,23 +187,23 @@ TEST(Conversion, bitsInUseStandAtTheTopOfAWiderContainer) {
         EXPECT_EQ(convertedFrom(riffFile({format, riffChunk("data", data)})), (Frames{0x1234, -2}));
 }
 
-TEST(Conversion, onlyTheFirstDataChunkCounts) {
+TEST(Conversion, readsOnlyTheFirstDataChunk) {
     const auto file = riffFile({formatChunk(1, 1, 44100, 2, 16),
                                 riffChunk("data", bytes(std::string_view("\1\0\2\0", 4))),
                                 riffChunk("data", bytes(std::string_view("\7\0\7\0", 4)))});
     EXPECT_EQ(convertedFrom(file), (Frames{1, 2}));
 }
 
-TEST(Conversion, aFileThatWasCutShortGivesWhatIsThere) {
+TEST(Conversion, decodesTheFramesPresentInATruncatedFile) {
     auto file = wavOf(44100, testSignal(1000));
     file.resize(44 + 2 * 600 + 1);
     const auto expected = testSignal(600);
     EXPECT_TRUE(convertedFrom(file) == expected);
 }
 
-// Whoever writes into a pipe cannot know how much will come: the header says nothing, or far too
-// much.
-TEST(Conversion, aLengthThatIsNotTrueCostsNoSound) {
+// An encoder that writes to a pipe cannot go back to set the length: the header says 0 or the
+// maximum.
+TEST(Conversion, ignoresAWrongLengthField) {
     const TemporaryFolder folder;
     const auto frames = testSignal(5000);
     const auto wav = folder.write("a.wav", wavOf(44100, frames));
@@ -226,18 +226,18 @@ TEST(Conversion, aLengthThatIsNotTrueCostsNoSound) {
         EXPECT_EQ(convertedFrames(folder / name), frames) << name;
 }
 
-TEST(Conversion, channelsAreAveraged) {
+TEST(Conversion, averagesChannels) {
     const std::vector<double> stereo = {0.5, 0.25, -1, -1, 0.5, -0.5, 0.75, 0};
     EXPECT_EQ(convertedFrom(wavFile({44100, 2, 24}, stereo)), (Frames{12288, -32768, 0, 12288}));
     const std::vector<double> six = {0.75, 0, 0, 0, 0, 0, 0.5, 0.5, 0.5, 0.5, 0.5, 0.5};
     EXPECT_EQ(convertedFrom(wavFile({44100, 6, 16}, six)), (Frames{4096, 16384}));
-    // Left and right at full scale do not clip on the way.
+    // Left and right at full scale do not clip in between.
     const std::vector<double> loud = {1.5, -1.5, 1.5, 0.5};
     EXPECT_EQ(convertedFrom(wavFile({44100, 2, 32, WavEncoding::floatingPoint}, loud)),
               (Frames{0, 32767}));
 }
 
-TEST(Conversion, channelsOfCompressedFilesAreAveragedToo) {
+TEST(Conversion, averagesChannelsOfCompressedFiles) {
     const TemporaryFolder folder;
     std::vector<double> samples;
     for (const std::int16_t frame : testSignal(3000)) {
@@ -252,7 +252,7 @@ TEST(Conversion, channelsOfCompressedFilesAreAveragedToo) {
         EXPECT_TRUE(convertedFrames(folder / encoding.name) == expected) << encoding.name;
 }
 
-TEST(Conversion, valuesOutsideTheScaleAreClampedAndNoNumbersAreSilence) {
+TEST(Conversion, clampsValuesBeyondFullScaleAndMutesNaN) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const std::vector<double> samples = {
         2, -2, std::numeric_limits<double>::quiet_NaN(), infinity, -infinity, 1e300, 0.25};
@@ -260,14 +260,14 @@ TEST(Conversion, valuesOutsideTheScaleAreClampedAndNoNumbersAreSilence) {
               (Frames{32767, -32768, 0, 0, 0, 32767, 8192}));
 }
 
-TEST(Conversion, silenceStaysSilence) {
+TEST(Conversion, keepsSilence) {
     for (const unsigned rate : {44100U, 48000U, 22050U}) {
         const auto frames = convertedFrom(wavFile({rate, 2, 16}, std::vector<double>(2000)));
         EXPECT_TRUE(std::ranges::all_of(frames, [](std::int16_t frame) { return frame == 0; }));
     }
 }
 
-TEST(Conversion, lengthsAreExact) {
+TEST(Conversion, writesTheExactNumberOfFrames) {
     for (const std::uint32_t rate : {8000U, 11025U, 22050U, 32000U, 44099U, 44100U, 44101U, 48000U,
                                      88200U, 96000U, 176400U, 192000U}) {
         for (const std::size_t frames : {0U, 1U, 2U, 3U, 100U, 4095U, 4096U, 4097U, 50'001U}) {
@@ -278,7 +278,7 @@ TEST(Conversion, lengthsAreExact) {
     }
 }
 
-TEST(Conversion, frameZeroStaysFrameZero) {
+TEST(Conversion, addsNoDelay) {
     for (const std::uint32_t rate : {22050U, 44100U, 44101U, 48000U, 96000U, 192000U}) {
         std::vector<double> impulse(rate / 10);
         impulse[0] = 0.9;
@@ -289,8 +289,9 @@ TEST(Conversion, frameZeroStaysFrameZero) {
     }
 }
 
-TEST(Conversion, theBeginningIsAsExactAsTheMiddle) {
-    // Two rates with a short common period: the same sound one period later gives the same frames.
+TEST(Conversion, convertsTheBeginningAsPreciselyAsTheMiddle) {
+    // Two rates with a short common period: the same input one period later must give the same
+    // frames.
     for (const auto& [rate, inputPeriod, outputPeriod] :
          {std::array<std::size_t, 3>{48000, 160, 147}, {96000, 320, 147}, {22050, 1, 2}}) {
         const auto sound = sine(static_cast<double>(rate), 997, 0.9, 6000);
@@ -307,14 +308,14 @@ TEST(Conversion, theBeginningIsAsExactAsTheMiddle) {
     }
 }
 
-TEST(Conversion, theBlockSizeChangesNothing) {
+TEST(Conversion, isIndependentOfTheBlockSize) {
     const auto sound = sine(48000, 440, 0.5, 20'000);
     const auto expected = resampled(48000, sound);
     for (const std::size_t block : {1U, 7U, 1000U, 100'000U})
         EXPECT_TRUE(resampled(48000, sound, block) == expected) << block;
 }
 
-TEST(Conversion, aToneKeepsItsPurityIn16Bits) {
+TEST(Conversion, keepsAToneFreeOfDistortionAt16Bits) {
     for (const unsigned rate : {22050U, 48000U, 96000U}) {
         const auto tone = sine(rate, 997, std::pow(10, -1.0 / 20), 2 * rate);
         std::vector<double> frames;
@@ -324,8 +325,9 @@ TEST(Conversion, aToneKeepsItsPurityIn16Bits) {
     }
 }
 
-TEST(Conversion, imagesAndAliasesVanish) {
-    // A tone below both limits leaves nothing but itself, one above the device's limit nothing.
+TEST(Conversion, suppressesImagesAndAliases) {
+    // Only the tone remains when it is below both Nyquist frequencies, nothing when it is above the
+    // device's.
     EXPECT_LE(residualDecibels(resampled(22050, sine(22050, 9000, 0.9, 44'100)), 9000), -130);
     EXPECT_LE(residualDecibels(resampled(48000, sine(48000, 19'000, 0.9, 96'000)), 19'000), -130);
     for (const double frequency : {24'100.0, 30'000.0, 44'000.0}) {
@@ -335,14 +337,14 @@ TEST(Conversion, imagesAndAliasesVanish) {
     }
 }
 
-TEST(Conversion, lossyFormatsKeepPlaceAndLength) {
+TEST(Conversion, keepsTimingAndLengthOfLossyFormats) {
     struct Row {
         const char* arguments;
         const char* name;
         std::size_t maxExtraFrames;
         double minDecibels; ///< of the signal over what the encoder changed
     };
-    // Formats that tell their length are exact; the others end with their last block.
+    // Formats that store their length are exact; the others end with their last block.
     const Row rows[] = {
         {"-b:a 192k", "a.mp3", 0, 20},
         {"-c:a aac -b:a 192k", "a.m4a", 0, 15},
@@ -369,7 +371,7 @@ TEST(Conversion, lossyFormatsKeepPlaceAndLength) {
         EXPECT_LE(frames.size(), signal.size() + row.maxExtraFrames);
         EXPECT_GE(decibelsBetween(normalized(signal), normalized(frames)), row.minDecibels);
     }
-    // sox tells the true length of ADPCM in the "fact" chunk.
+    // SoX writes the true length of ADPCM to the "fact" chunk.
     for (const char* const encoding : {"ms-adpcm", "ima-adpcm"}) {
         SCOPED_TRACE(encoding);
         runTool(folder.path(), std::string("sox source.wav -e ") + encoding + " adpcm.wav");
@@ -379,8 +381,9 @@ TEST(Conversion, lossyFormatsKeepPlaceAndLength) {
     }
 }
 
-// Delay, padding and length of AAC as the field's usual tag tells them; the edit list says more.
-TEST(Conversion, theGaplessTagTellsTheLengthOfAac) {
+// The "iTunSMPB" tag stores delay, padding and length of AAC; it overrides the edit list, which is
+// longer here.
+TEST(Conversion, readsTheLengthOfAacFromTheGaplessTag) {
     const TemporaryFolder folder;
     folder.write("source.wav", wavOf(44100, testSignal(22'050)));
     encode(folder, "source.wav",
@@ -390,7 +393,7 @@ TEST(Conversion, theGaplessTagTellsTheLengthOfAac) {
     EXPECT_EQ(convertedFrames(folder / "tagged.m4a").size(), 0x1388U);
 }
 
-TEST(Conversion, aDamagedPacketIsPassedOver) {
+TEST(Conversion, skipsADamagedPacket) {
     const TemporaryFolder folder;
     const auto signal = testSignal(88'200);
     folder.write("source.wav", wavOf(44100, signal));

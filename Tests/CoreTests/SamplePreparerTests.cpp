@@ -28,7 +28,7 @@ TEST(SamplePreparer, copiesACompatibleFileByteForByte) {
     EXPECT_EQ(bytesOf(folder / "b.wav"), file);
 }
 
-TEST(SamplePreparer, convertsToTheDevicesFormat) {
+TEST(SamplePreparer, convertsToTheDeviceFormat) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({48000, 2, 24}, 4800));
     const auto before = bytesOf(source);
@@ -38,7 +38,7 @@ TEST(SamplePreparer, convertsToTheDevicesFormat) {
     EXPECT_EQ(bytesOf(source), before);
 }
 
-TEST(SamplePreparer, convertsWhateverTheReason) {
+TEST(SamplePreparer, convertsForEveryReason) {
     const TemporaryFolder folder;
     auto sample = sampleToConvert(folder.write("a.wav", wavFile({44100, 2, 16}, 100)));
     sample.compatibility = RequiresConversion{""};
@@ -47,7 +47,7 @@ TEST(SamplePreparer, convertsWhateverTheReason) {
     EXPECT_EQ(deviceFrames(folder / "b.wav").size(), 100U);
 }
 
-TEST(SamplePreparer, replacesWhatStandsAtTheDestination) {
+TEST(SamplePreparer, replacesAnExistingDestination) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 1, 16}, 100));
     const auto other = folder.write("other.txt", "left alone");
@@ -55,7 +55,7 @@ TEST(SamplePreparer, replacesWhatStandsAtTheDestination) {
         const auto destination = folder.write("b.wav", std::string(100'000, 'x'));
         AVAudioSamplePreparer{}.prepare(sample, FileURL(destination));
         EXPECT_EQ(bytesOf(destination), bytesOf(source));
-        // A link is replaced, what it points to is not.
+        // The link is replaced, not its target.
         fs::remove(destination);
         fs::create_symlink(other, destination);
         AVAudioSamplePreparer{}.prepare(sample, FileURL(destination));
@@ -115,7 +115,7 @@ TEST(SamplePreparer, namesADestinationThatCannotBeCreated) {
               "Unable to create destination WAV file b.wav. (OSStatus -2)");
 }
 
-TEST(SamplePreparer, refusesMoreAudioThanTheFormatHolds) {
+TEST(SamplePreparer, refusesMoreAudioThanAWavFileHolds) {
     const TemporaryFolder folder;
     // At the lowest rate, every frame becomes 441 frames.
     const auto source = folder.write("slow.wav", wavFile({100, 1, 8}, 4'869'578));
@@ -125,8 +125,8 @@ TEST(SamplePreparer, refusesMoreAudioThanTheFormatHolds) {
 }
 
 TEST(SamplePreparer, convertsInBlocks) {
-    constexpr std::size_t largestWrite = 4096 * sizeof(std::int16_t); // bytes, of mono frames
-    constexpr std::size_t largestRead = 256 * 1024;                   // bytes
+    constexpr std::size_t maxWriteSize = 4096 * sizeof(std::int16_t); // bytes, of mono frames
+    constexpr std::size_t maxReadSize = 256 * 1024;                   // bytes
     const TemporaryFolder folder;
     folder.write("a.wav", wavFile({48000, 2, 16}, 2'000'000));
     encode(folder, "a.wav", {{"", "a.aiff"}, {"", "a.flac"}});
@@ -139,14 +139,14 @@ TEST(SamplePreparer, convertsInBlocks) {
         };
         const AVAudioSamplePreparer preparer(hookedFileManager({.onRead = note, .onWrite = note}));
         preparer.prepare(sampleToConvert(folder / name), FileURL(folder / "b.wav"));
-        ASSERT_GT(fs::file_size(folder / name), 4 * largestRead);
-        EXPECT_LE(largest.at(name), largestRead);
+        ASSERT_GT(fs::file_size(folder / name), 4 * maxReadSize);
+        EXPECT_LE(largest.at(name), maxReadSize);
         EXPECT_GT(fs::file_size(folder / "b.wav"), 2'000'000U);
-        EXPECT_LE(largest.at("b.wav"), largestWrite);
+        EXPECT_LE(largest.at("b.wav"), maxWriteSize);
     }
 }
 
-TEST(SamplePreparer, saysThatReadingFailedAndLeavesThePart) {
+TEST(SamplePreparer, reportsReadErrorsAndLeavesThePartialFile) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100'000));
     const AVAudioSamplePreparer preparer(
@@ -159,7 +159,7 @@ TEST(SamplePreparer, saysThatReadingFailedAndLeavesThePart) {
     EXPECT_GT(fs::file_size(folder / "b.wav"), 44U);
 }
 
-TEST(SamplePreparer, saysThatReadingACompressedFileFailed) {
+TEST(SamplePreparer, reportsReadErrorsOfCompressedFiles) {
     const TemporaryFolder folder;
     folder.write("a.wav", wavOf(44100, testSignal(441'000)));
     encode(folder, "a.wav", "", "a.flac");
@@ -173,7 +173,7 @@ TEST(SamplePreparer, saysThatReadingACompressedFileFailed) {
               "Unable to read source audio data. (OSStatus -5)");
 }
 
-TEST(SamplePreparer, saysThatWritingFailedAndLeavesThePart) {
+TEST(SamplePreparer, reportsWriteErrorsAndLeavesThePartialFile) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100'000));
     const AVAudioSamplePreparer preparer(
@@ -186,7 +186,7 @@ TEST(SamplePreparer, saysThatWritingFailedAndLeavesThePart) {
     EXPECT_GT(fs::file_size(folder / "b.wav"), 100'000U);
 }
 
-TEST(SamplePreparer, passesTheFileManagersFailuresOn) {
+TEST(SamplePreparer, propagatesFileManagerErrors) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100));
     const auto fail = [](const fs::path& path) { throw failure(path, EACCES); };
