@@ -13,8 +13,8 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// The classifier's lists, put down a second time on purpose: libraries are sorted by these very
-// words, and a word that changes there has to change here as well.
+// Intentional second copy of the classifier's word lists: users' libraries depend on these words,
+// so a change there must be confirmed here.
 
 const Words closedHatWords{"closed hat",
                            "closed hats",
@@ -72,7 +72,7 @@ const Words percWords{"percussion hits",
                       "rimshot"};
 const Words ignoredFolderWords{"crash", "ride", "shaker", "shakers"};
 
-/// The ways in which people write the words of a name.
+/// Common spellings of a name of several words.
 Words spellings(const std::string& words) {
     auto joined = [&](char separator) {
         auto text = words;
@@ -102,12 +102,12 @@ TEST(RoleClassifier, knowsEveryWordOfEveryRole) {
     }
 }
 
-TEST(RoleClassifier, noWordCountsInsideAnother) {
+TEST(RoleClassifier, ignoresWordsInsideOtherWords) {
     for (const auto* words :
          {&closedHatWords, &openHatWords, &kickWords, &snareWords, &clapWords, &percWords}) {
         for (const auto& word : *words) {
-            // Glued to a letter, the last word of "closed hat" is none; what stands before it
-            // ("closed", "bass") decides nothing by itself, but "percussion" and "tuned perc" do.
+            // A letter appended to "closed hat" breaks its last word; the rest ("closed", "bass")
+            // has no role by itself, but "percussion" and "tuned perc" do.
             const auto lastWord = word.substr(word.rfind(' ') + 1);
             EXPECT_EQ(classifyRole("x" + lastWord), std::nullopt) << lastWord;
             EXPECT_EQ(classifyRole(lastWord + "x1"), std::nullopt) << lastWord;
@@ -116,7 +116,7 @@ TEST(RoleClassifier, noWordCountsInsideAnother) {
     }
 }
 
-TEST(RoleClassifier, anExclusionWordMakesAClosedHatAnOpenOneOrNone) {
+TEST(RoleClassifier, exclusionWordsTurnAClosedHatIntoAnOpenOneOrNone) {
     for (const auto& closed : closedHatWords) {
         for (const auto& exclusion : closedHatExclusionWords) {
             const auto name = closed + " " + exclusion;
@@ -131,7 +131,7 @@ TEST(RoleClassifier, anExclusionWordMakesAClosedHatAnOpenOneOrNone) {
     }
 }
 
-TEST(RoleClassifier, decidesNamesWithSeveralWords) {
+TEST(RoleClassifier, classifiesNamesOfSeveralWords) {
     struct Row {
         const char* name;
         std::optional<ChannelRole> role;
@@ -164,14 +164,14 @@ TEST(RoleClassifier, decidesNamesWithSeveralWords) {
         {"キック Kick", ChannelRole::kick},
         {"Kick\xFF", ChannelRole::kick},
         {"Kické", std::nullopt},
-        // A combining accent belongs to the word.
+        // A combining accent is part of the word.
         {"Kick\u0301", std::nullopt},
     };
     for (const auto& row : rows)
         EXPECT_EQ(classifyRole(row.name), row.role) << row.name;
 }
 
-TEST(RoleClassifier, ofTwoRolesTheEarlierOfTheTableWins) {
+TEST(RoleClassifier, prefersTheEarlierRoleOfTheTable) {
     const std::vector<std::pair<ChannelRole, const Words&>> table{{ChannelRole::kick, kickWords},
                                                                   {ChannelRole::snare, snareWords},
                                                                   {ChannelRole::clap, clapWords},
@@ -189,9 +189,9 @@ TEST(RoleClassifier, ofTwoRolesTheEarlierOfTheTableWins) {
     }
 }
 
-TEST(RoleClassifier, aBarePercDecidesNothing) {
-    // Intended: a folder named just Perc leaves the decision to its files' names, and libraries
-    // and seeds rely on the gap.
+TEST(RoleClassifier, doesNotClassifyABarePerc) {
+    // Intended: the files in a folder named just "Perc" are classified by their own names;
+    // libraries and seeds rely on it.
     for (const auto* name : {"Perc", "perc", "Percs", "PERC 01", "Hand Perc", "Percussions"})
         EXPECT_EQ(classifyRole(name), std::nullopt) << name;
     for (const auto* name : {"Perc Hits", "Tuned Perc", "Tuned Perc 3", "Percussion"})
@@ -199,7 +199,7 @@ TEST(RoleClassifier, aBarePercDecidesNothing) {
     EXPECT_EQ(classifyRole("Perc Hit"), std::nullopt) << "only the plural is listed";
 }
 
-TEST(RoleClassifier, knowsTheIgnoredFolders) {
+TEST(RoleClassifier, recognizesIgnoredFolders) {
     for (const auto& word : ignoredFolderWords) {
         for (const auto& name : spellings(word))
             EXPECT_TRUE(namesIgnoredFolder(name)) << name;
@@ -219,7 +219,7 @@ TEST(RoleClassifier, normalizesNames) {
     EXPECT_EQ(normalize(""), "");
 }
 
-RC_GTEST_PROP(RoleClassifier, normalizingTwiceChangesNothing, (const std::string& name)) {
+RC_GTEST_PROP(RoleClassifier, normalizingIsIdempotent, (const std::string& name)) {
     const auto once = normalize(name);
     RC_ASSERT(normalize(once) == once);
     RC_ASSERT(once.find("  ") == std::string::npos);

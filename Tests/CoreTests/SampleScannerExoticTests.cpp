@@ -65,7 +65,8 @@ TEST(SampleScannerLinks, followsALinkToAFileOutside) {
     fs::create_symlink(plain, kit.at("Snares/other.wav"));
     fs::create_symlink(text, kit.at("third.wav"));
     const auto report = kit.scan();
-    // Neither the folder of the link decides nor that of the target, but the target's file name.
+    // The role comes from the file name of the target, not from the folder of the link or of the
+    // target.
     EXPECT_THAT(pathsOf(report, ChannelRole::kick), ElementsAre(kick.string()));
     EXPECT_EQ(report.buckets.kick[0].displayName, "Kick 9");
     EXPECT_EQ(report.buckets.kick[0].sourceURL, FileURL(kick));
@@ -73,7 +74,7 @@ TEST(SampleScannerLinks, followsALinkToAFileOutside) {
                 ElementsAre("Snare.txt: Unsupported audio file", "plain.wav: Unclassified sample"));
 }
 
-TEST(SampleScannerLinks, aLinkInsideGivesItsTargetASecondTime) {
+TEST(SampleScannerLinks, listsTheTargetOfALinkInsideTwice) {
     const ScanFixture kit;
     kit.addAudio("Kicks/a.wav");
     kit.folder.createFolder("Kit/Snares");
@@ -83,7 +84,7 @@ TEST(SampleScannerLinks, aLinkInsideGivesItsTargetASecondTime) {
     EXPECT_THAT(pathsOf(report, ChannelRole::snare), IsEmpty());
 }
 
-TEST(SampleScannerLinks, theHiddenTestLooksAtTheTarget) {
+TEST(SampleScannerLinks, testsTheTargetOfALinkForHiddenNames) {
     const ScanFixture kit;
     fs::create_symlink(kit.folder.write("outside/.secret.wav", "audio"), kit.at("Kick.wav"));
     fs::create_symlink(kit.folder.write("outside/Kick 2.wav", "audio"), kit.at(".link"));
@@ -93,9 +94,9 @@ TEST(SampleScannerLinks, theHiddenTestLooksAtTheTarget) {
     EXPECT_EQ(report.buckets.kick.size(), 1U);
 }
 
-TEST(SampleScannerLinks, aNeighbourWhoseNameBeginsWithTheRootsDecides) {
-    // Intended: the test for "below the root" is one of the text, so the folders of "Kit Extra"
-    // count for the source folder "Kit". It stays, since banks of earlier runs rely on it.
+TEST(SampleScannerLinks, treatsASiblingWithTheSamePrefixAsInsideTheRoot) {
+    // Intended: "below the root" is a comparison of path prefixes, so the folders of "Kit Extra"
+    // count for the source folder "Kit". Banks of earlier runs rely on it.
     const ScanFixture kit;
     fs::create_symlink(kit.folder.write("Kit Extra/Kicks/x.wav", "audio"), kit.at("1.wav"));
     fs::create_symlink(kit.folder.write("Kit Extra/Crash/y.wav", "audio"), kit.at("2.wav"));
@@ -104,13 +105,13 @@ TEST(SampleScannerLinks, aNeighbourWhoseNameBeginsWithTheRootsDecides) {
     const auto report = kit.scan();
     EXPECT_THAT(pathsOf(report, ChannelRole::kick),
                 ElementsAre((kit.folder / "Kit Extra/Kicks/x.wav").string()));
-    // What lies outside is shown by its name alone.
+    // Files outside the root are shown by name only.
     EXPECT_THAT(texts(report.ignoredFolders), ElementsAre("Crash: Ignored v1 folder"));
     EXPECT_THAT(texts(report.ignoredFiles),
                 ElementsAre("w.wav: Unclassified sample", "z.wav: Unclassified sample"));
 }
 
-TEST(SampleScannerLinks, filesShownByOnePathKeepTheOrderOfTheWalk) {
+TEST(SampleScannerLinks, keepsTheWalkOrderOfFilesWithTheSameShownPath) {
     const ScanFixture kit;
     fs::create_symlink(kit.folder.write("Kit Extra/Kicks/x.txt", "text"), kit.at("1"));
     fs::create_symlink(kit.folder.write("Bag/x.txt", "text"), kit.at("2"));
@@ -118,7 +119,7 @@ TEST(SampleScannerLinks, filesShownByOnePathKeepTheOrderOfTheWalk) {
                 ElementsAre("x.txt: Unsupported audio file", "x.txt: Unclassified sample"));
 }
 
-TEST(SampleScannerLinks, linksToFoldersAreNotEntered) {
+TEST(SampleScannerLinks, doesNotFollowLinksToFolders) {
     const ScanFixture kit;
     kit.folder.write("outside/Kick.wav", "audio");
     kit.addAudio("Kicks/a.wav");
@@ -217,7 +218,7 @@ TEST(SampleScannerLinks, namesTheFailedItemAfterManyFiles) {
     }
 }
 
-TEST(SampleScannerLinks, theSourceFolderMayItselfBeALink) {
+TEST(SampleScannerLinks, acceptsALinkAsTheSourceFolder) {
     const ScanFixture kit;
     kit.addAudio("Kicks/a.wav");
     fs::create_symlink(kit.root.path(), kit.folder / "link");
@@ -229,7 +230,7 @@ TEST(SampleScannerLinks, theSourceFolderMayItselfBeALink) {
     }
 }
 
-TEST(SampleScannerExotic, pipesSocketsAndDevicesAreNeverOpened) {
+TEST(SampleScannerExotic, neverOpensPipesSocketsAndDevices) {
     const ScanFixture kit;
     ASSERT_EQ(::mkfifo(kit.at("Kick pipe.wav").c_str(), 0600), 0);
     bindSocket(kit.at("Kick socket"));
@@ -307,7 +308,7 @@ TEST(SampleScannerExotic, doesNotEnterPackages) {
                 ElementsAre("Kicks/app/Kick.wav", "Kicks/file.app", "Kicks/x.appl/Kick.wav"));
 }
 
-TEST(SampleScannerExotic, aSourceFolderThatIsAPackageIsScanned) {
+TEST(SampleScannerExotic, scansASourceFolderThatIsAPackage) {
     const TemporaryFolder folder;
     folder.write("Kit.bundle/Kick.wav", "audio");
     const SampleScanner scanner(std::make_shared<FakeInspector>(), {}, systemFileManager());
@@ -316,7 +317,7 @@ TEST(SampleScannerExotic, aSourceFolderThatIsAPackageIsScanned) {
               1U);
 }
 
-TEST(SampleScannerExotic, aLockedFolderIsPassedOver) {
+TEST(SampleScannerExotic, skipsALockedFolder) {
     const ScanFixture kit;
     kit.addAudio("Kicks/a.wav");
     kit.addAudio("Snares/a.wav");
@@ -331,7 +332,7 @@ TEST(SampleScannerExotic, aLockedFolderIsPassedOver) {
               GenerationError::exportFailed("Unable to read " + kit.root.path().string() + "."));
 }
 
-TEST(SampleScannerExotic, namesOfAnyBytesScan) {
+TEST(SampleScannerExotic, scansNamesOfAnyBytes) {
     const ScanFixture kit;
     const std::string longest = "Kick " + std::string(246, 'x') + ".wav"; // 255 bytes
     const Paths names{"Kick \xFF\xFE.wav", "Kick #?%20.wav", "Kick \"'`.wav", " Kick .wav",
@@ -350,7 +351,7 @@ TEST(SampleScannerExotic, namesOfAnyBytesScan) {
                 ElementsAre("\uFFFDolder/\uFFFD.wav: Unclassified sample"));
 }
 
-TEST(SampleScannerExotic, foldersOfAnyNameDecide) {
+TEST(SampleScannerExotic, classifiesByFoldersOfAnyName) {
     const ScanFixture kit;
     kit.addAudio("Kicks \xFF/1.wav");
     kit.addAudio("[Kicks] #1?/%2F.wav");
@@ -358,22 +359,22 @@ TEST(SampleScannerExotic, foldersOfAnyNameDecide) {
     EXPECT_EQ(kit.scan().buckets.kick.size(), 3U);
 }
 
-TEST(SampleScannerExotic, deepFoldersAreWalkedAsFarAsAPathReaches) {
+TEST(SampleScannerExotic, walksDeepFoldersUpToTheMaximumPathLength) {
     const ScanFixture kit;
-    // A path has at most 4095 bytes, so about 2000 folders of one letter fit into one another;
-    // deeper ones cannot be named as a path and are passed over like locked ones.
-    constexpr std::size_t longestPath = 4095;
+    // A path has at most 4095 bytes, so about 2000 folders with one-letter names can be nested;
+    // deeper ones cannot be addressed and are skipped like locked ones.
+    constexpr std::size_t maxPathLength = 4095;
     auto path = kit.at("Kicks").string();
     fs::create_directory(path);
     std::size_t depth = 0;
-    while (path.size() + 2 + std::string_view("/a.wav").size() <= longestPath) {
+    while (path.size() + 2 + std::string_view("/a.wav").size() <= maxPathLength) {
         path += "/d";
         fs::create_directory(path);
         ++depth;
     }
     ASSERT_GT(depth, 1900U);
     kit.folder.write(path.substr(kit.folder.path().native().size() + 1) + "/a.wav", "audio");
-    // One more level, made from inside since no path names it any more.
+    // One more level, created relative to its parent because its path is too long.
     const int folder = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_GE(folder, 0);
     const std::string tooLong(200, 'e');

@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(SampleScanner, theNearestFolderThatDecidesGivesTheRole) {
+TEST(SampleScanner, takesTheRoleFromTheNearestFolderThatHasOne) {
     struct Row {
         const char* path;
         ChannelRole role;
@@ -34,7 +34,7 @@ TEST(SampleScanner, theNearestFolderThatDecidesGivesTheRole) {
         {"Kick 01.wav", ChannelRole::kick},
         {"Kick_02.wav", ChannelRole::kick},
         {"kick.aif.wav", ChannelRole::kick},
-        {"Crash Kick.wav", ChannelRole::kick}, // only folders are left out by name
+        {"Crash Kick.wav", ChannelRole::kick}, // only folders are ignored by name
     };
     for (const auto& row : rows) {
         const ScanFixture kit;
@@ -46,7 +46,7 @@ TEST(SampleScanner, theNearestFolderThatDecidesGivesTheRole) {
     }
 }
 
-TEST(SampleScanner, reportsWhatASampleIs) {
+TEST(SampleScanner, reportsAllDetailsOfASample) {
     const ScanFixture kit;
     kit.add("Kicks/Boom 01.WAV", "audio 48000");
     const auto report = kit.scan();
@@ -60,8 +60,8 @@ TEST(SampleScanner, reportsWhatASampleIs) {
     EXPECT_EQ(report.countsByRole().at(ChannelRole::kick), 1);
 }
 
-TEST(SampleScanner, aFolderNamedPercLeavesTheRoleToItsFiles) {
-    // Intended: the bare word is in no list.
+TEST(SampleScanner, classifiesFilesInAPercFolderByTheirNames) {
+    // Intended: the bare word has no role.
     const ScanFixture kit;
     kit.addAudio("Perc/Conga.wav");
     kit.addAudio("Perc/Loose.wav");
@@ -70,7 +70,7 @@ TEST(SampleScanner, aFolderNamedPercLeavesTheRoleToItsFiles) {
     EXPECT_THAT(texts(report.ignoredFiles), ElementsAre("Perc/Loose.wav: Unclassified sample"));
 }
 
-TEST(SampleScanner, theSourceFoldersOwnNameDecidesNothing) {
+TEST(SampleScanner, ignoresTheNameOfTheSourceFolder) {
     const TemporaryFolder folder;
     for (const auto* name : {"Kicks", "Crash"}) {
         folder.write(std::string(name) + "/x.wav", "audio");
@@ -81,7 +81,7 @@ TEST(SampleScanner, theSourceFoldersOwnNameDecidesNothing) {
     }
 }
 
-TEST(SampleScanner, anIgnoredFolderIsListedOnceAndItsFilesNot) {
+TEST(SampleScanner, listsAnIgnoredFolderOnceWithoutItsFiles) {
     const ScanFixture kit;
     for (int i = 0; i < 20; ++i)
         kit.addAudio("Ride Cymbals/Kick " + std::to_string(i) + ".wav");
@@ -97,7 +97,7 @@ TEST(SampleScanner, anIgnoredFolderIsListedOnceAndItsFilesNot) {
     EXPECT_THAT(kit.inspector->inspected(), ElementsAre(kit.at("Kicks/a.wav")));
 }
 
-TEST(SampleScanner, aFolderThatNamesBothIsIgnored) {
+TEST(SampleScanner, ignoresAFolderWithARoleAndAnIgnoredWord) {
     const ScanFixture kit;
     for (const auto* folder : {"Crash Kicks", "Kicks/Ride Hats", "Snares and Shakers"})
         kit.addAudio(std::string(folder) + "/a.wav");
@@ -110,7 +110,7 @@ TEST(SampleScanner, aFolderThatNamesBothIsIgnored) {
         EXPECT_EQ(report.countsByRole().at(role), 0) << displayName(role);
 }
 
-TEST(SampleScanner, anEmptyIgnoredFolderIsNotListed) {
+TEST(SampleScanner, doesNotListAnEmptyIgnoredFolder) {
     const ScanFixture kit;
     kit.folder.createFolder("Kit/Crash");
     kit.add("Ride/.hidden", "");
@@ -120,7 +120,7 @@ TEST(SampleScanner, anEmptyIgnoredFolderIsNotListed) {
                 ElementsAre("Ride/.hidden: Ignored hidden or sidecar file"));
 }
 
-TEST(SampleScanner, loopsAndStabsTakeEveryFileWhateverItsName) {
+TEST(SampleScanner, takesEveryFileForLoopsAndStabs) {
     for (const auto& [mode, role] : {std::pair{GenerationMode::loops, ChannelRole::loop},
                                      std::pair{GenerationMode::stabs, ChannelRole::stab}}) {
         const ScanFixture kit;
@@ -139,7 +139,7 @@ TEST(SampleScanner, loopsAndStabsTakeEveryFileWhateverItsName) {
     }
 }
 
-TEST(SampleScanner, hiddenAndSidecarFilesAreIgnoredBeforeAnythingElse) {
+TEST(SampleScanner, ignoresHiddenAndSidecarFilesFirst) {
     for (const auto mode : allGenerationModes) {
         const ScanFixture kit;
         for (const auto* path : {".DS_Store", "Kicks/.Kick.wav", "Kicks/Kick.asd", "Kick.ASD",
@@ -154,14 +154,14 @@ TEST(SampleScanner, hiddenAndSidecarFilesAreIgnoredBeforeAnythingElse) {
     }
 }
 
-TEST(SampleScanner, filesInAHiddenFolderAreSamples) {
-    // Intended: the file's own name decides, hidden folders are walked.
+TEST(SampleScanner, acceptsFilesInAHiddenFolder) {
+    // Intended: only the name of the file counts; hidden folders are walked.
     const ScanFixture kit;
     kit.addAudio(".cache/Kick 1.wav");
     EXPECT_THAT(pathsOf(kit.scan(), ChannelRole::kick), ElementsAre(".cache/Kick 1.wav"));
 }
 
-TEST(SampleScanner, rolesComeBeforeOpening) {
+TEST(SampleScanner, classifiesBeforeOpening) {
     const ScanFixture kit;
     kit.add("notes.txt", "text");
     kit.add("Kicks/notes.txt", "text");
@@ -173,7 +173,7 @@ TEST(SampleScanner, rolesComeBeforeOpening) {
     EXPECT_EQ(kit.inspector->inspected().size(), 2U);
 }
 
-TEST(SampleScanner, ignoredFilesAreSortedByTheBytesOfTheirPaths) {
+TEST(SampleScanner, sortsIgnoredFilesByTheBytesOfTheirPaths) {
     const ScanFixture kit;
     for (const auto* name : {"b", "B", "a/z", "a b", "é", "Z", "a.b", "10", "9"})
         kit.add(name, "");
@@ -185,17 +185,17 @@ TEST(SampleScanner, ignoredFilesAreSortedByTheBytesOfTheirPaths) {
                             "é: Unclassified sample"));
 }
 
-TEST(SampleScanner, bucketsKeepTheOrderOfTheWalk) {
+TEST(SampleScanner, keepsTheWalkOrderInBuckets) {
     const ScanFixture kit;
-    // Depth first, each folder in byte order of the names.
+    // Depth first, each folder in the byte order of its names.
     for (const auto* path : {"b.wav", "a/b.wav", "a.wav", "a/a/z.wav", "B.wav", "a0.wav"})
         kit.addAudio(path);
     EXPECT_THAT(pathsOf(kit.scan(GenerationMode::loops), ChannelRole::loop),
                 ElementsAre("B.wav", "a/a/z.wav", "a/b.wav", "a.wav", "a0.wav", "b.wav"));
 }
 
-// More than are opened in one go, on whatever thread.
-TEST(SampleScanner, manyFilesKeepTheOrderOfTheWalkInEveryScan) {
+// More files than one batch opens, on any thread.
+TEST(SampleScanner, keepsTheWalkOrderOfManyFilesInEveryScan) {
     const ScanFixture kit;
     Paths samples;
     for (int i = 0; i < 300; ++i) {
@@ -210,13 +210,13 @@ TEST(SampleScanner, manyFilesKeepTheOrderOfTheWalkInEveryScan) {
     EXPECT_EQ(kit.scan(), first);
 }
 
-TEST(SampleScanner, anEmptyFolderGivesAnEmptyReport) {
+TEST(SampleScanner, returnsAnEmptyReportForAnEmptyFolder) {
     const ScanFixture kit;
     for (const auto mode : allGenerationModes)
         EXPECT_EQ(kit.scan(mode), (ScanReport{mode, kit.root, {}, {}, {}}));
 }
 
-TEST(SampleScanner, aFolderThatCannotBeReadIsNamedAsItWasGiven) {
+TEST(SampleScanner, namesAnUnreadableFolderAsGiven) {
     const ScanFixture kit;
     kit.add("file", "");
     const SampleScanner scanner(kit.inspector, {}, systemFileManager());

@@ -14,7 +14,7 @@ namespace torvo::test {
 
 using Paths = std::vector<std::string>;
 
-/// As the inspector answers when its decoders are gone.
+/// Fails like the inspector when its decoder library cannot be loaded.
 class BrokenInspector final : public AudioFileInspecting {
     AudioFormatDetails inspectAudioFile(const FileURL&) const override {
         throw BrokenInstallation("decoders.so is gone.");
@@ -42,8 +42,8 @@ struct ScanFixture {
     }
 };
 
-/// The paths of a role's samples below the source folder, in the report's order; those outside
-/// whole.
+/// The paths of a role's samples in the order of the report, relative to the source folder;
+/// absolute for files outside.
 inline Paths pathsOf(const ScanReport& report, ChannelRole role) {
     const auto prefix = report.sourceFolder.nativePath() + "/";
     Paths paths;
