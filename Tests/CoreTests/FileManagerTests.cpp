@@ -18,13 +18,13 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The file error's reason, or success.
+/// The error code of the file error, or success.
 std::error_code codeOf(const auto& action) {
     const auto error = thrown<FileError>(action);
     return error ? error->code() : std::error_code();
 }
 
-TEST(FileManager, tellsWhatStandsAtAPath) {
+TEST(FileManager, reportsTheKindOfAnItem) {
     const Zoo zoo;
     struct Row {
         fs::path path;
@@ -55,7 +55,7 @@ TEST(FileManager, tellsWhatStandsAtAPath) {
               std::errc::filename_too_long);
 }
 
-TEST(FileManager, tellsSizeIdentityAndPermissions) {
+TEST(FileManager, reportsSizeIdentityAndPermissions) {
     const Zoo zoo;
     fs::create_hard_link(zoo.file, zoo.folder / "same");
     fs::permissions(zoo.file, fs::perms(0640));
@@ -69,7 +69,7 @@ TEST(FileManager, tellsSizeIdentityAndPermissions) {
     EXPECT_NE(files().status(zoo.directory)->identity, status->identity);
 }
 
-TEST(FileManager, resolvesLinksOfWhatExists) {
+TEST(FileManager, resolvesLinksOfExistingItems) {
     const Zoo zoo;
     EXPECT_EQ(files().resolve(zoo.fileLink), zoo.file);
     EXPECT_EQ(files().resolve(zoo.directoryLink / ".." / "./file"), zoo.file);
@@ -101,7 +101,7 @@ TEST(FileManager, listsAFolder) {
               std::errc::no_such_file_or_directory);
 }
 
-TEST(FileManager, createsFoldersWithThoseAbove) {
+TEST(FileManager, createsFoldersWithParents) {
     const Zoo zoo;
     files().createDirectory(zoo.folder / "a/b/c");
     zoo.folder.write("a/b/c/kept", "x");
@@ -112,7 +112,7 @@ TEST(FileManager, createsFoldersWithThoseAbove) {
     EXPECT_NE(codeOf([&] { files().createDirectory(zoo.file / "x"); }), std::error_code());
 }
 
-TEST(FileManager, removesAnItemAndNeverALinksTarget) {
+TEST(FileManager, removesItemsButNeverLinkTargets) {
     const Zoo zoo;
     zoo.folder.write("directory/a/b", "x");
     fs::create_directory_symlink(zoo.directory, zoo.folder / "directory/a/round");
@@ -128,7 +128,7 @@ TEST(FileManager, removesAnItemAndNeverALinksTarget) {
     EXPECT_THAT(files().contentsOfDirectory(zoo.folder.path()), IsEmpty());
 }
 
-TEST(FileManager, copiesBytesToANewFileWithOrdinaryPermissions) {
+TEST(FileManager, copiesToANewFileWithDefaultPermissions) {
     const Zoo zoo;
     std::string content(700'001, 'a');
     for (std::size_t i = 0; i < content.size(); ++i)
@@ -153,7 +153,7 @@ TEST(FileManager, copiesBytesToANewFileWithOrdinaryPermissions) {
     EXPECT_FALSE(fs::exists(zoo.folder / "x"));
 }
 
-/// A new folder on another volume than this one.
+/// A new folder on a different volume.
 fs::path folderElsewhere(const TemporaryFolder& folder) {
     const auto device = files().status(folder.path())->identity.device;
     for (const fs::path& candidate : {fs::path("/dev/shm"), fs::path("/tmp"), fs::current_path()}) {
@@ -168,7 +168,7 @@ fs::path folderElsewhere(const TemporaryFolder& folder) {
 }
 
 TEST(FileManager, copiesAcrossVolumes) {
-    // Where the kernel cannot copy between the volumes, the bytes go through the program.
+    // When the kernel cannot copy between the volumes, the program reads and writes the bytes.
     const TemporaryFolder folder;
     const auto elsewhere = folderElsewhere(folder);
     const std::string content(600'000, 'x');
@@ -178,7 +178,7 @@ TEST(FileManager, copiesAcrossVolumes) {
     EXPECT_TRUE(same);
 }
 
-TEST(FileManager, replacesInOneStep) {
+TEST(FileManager, replacesAtomically) {
     const Zoo zoo;
     const auto source = zoo.folder.write("source", "new");
     files().replaceItem(zoo.file, source);
@@ -232,7 +232,7 @@ TEST(FileManager, readsAndWritesAtOffsets) {
               std::error_code());
 }
 
-TEST(FileManager, createsFilesWithOrdinaryPermissions) {
+TEST(FileManager, createsFilesWithDefaultPermissions) {
     const Zoo zoo;
     files().open(zoo.folder / "new", OpenMode::createUnique)->close();
     EXPECT_EQ(fs::status(zoo.folder / "new").permissions(), ordinaryFilePermissions());
@@ -242,8 +242,8 @@ TEST(FileManager, createsFilesWithOrdinaryPermissions) {
     EXPECT_EQ(fs::status(zoo.file).permissions(), fs::perms(0600));
 }
 
-TEST(FileManager, aFullVolumeIsAnError) {
-    // The device that is always full answers as a full card does.
+TEST(FileManager, failsOnAFullVolume) {
+    // /dev/full gives the same error as a full card.
     const auto full = [] {
         const TemporaryFolder folder;
         fs::create_symlink("/dev/full", folder / "file");

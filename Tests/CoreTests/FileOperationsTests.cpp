@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(ReadFile, givesTheWholeFile) {
+TEST(ReadFile, readsTheWholeFile) {
     const Zoo zoo;
     EXPECT_EQ(readFile(files(), zoo.file), bytes("12345"));
     EXPECT_THAT(readFile(files(), zoo.folder.write("empty", "")), IsEmpty());
@@ -30,7 +30,7 @@ TEST(ReadFile, givesTheWholeFile) {
     EXPECT_EQ(error->code(), std::errc::is_a_directory);
 }
 
-TEST(WriteFileAtomically, replacesAndLeavesNothingBeside) {
+TEST(WriteFileAtomically, replacesTheFileWithoutLeftovers) {
     const TemporaryFolder folder;
     const auto longest = folder / std::string(255, 'x');
     writeFileAtomically(files(), longest, bytes("one"));
@@ -44,7 +44,7 @@ TEST(WriteFileAtomically, replacesAndLeavesNothingBeside) {
     EXPECT_EQ(files().contentsOfDirectory(folder.path()).size(), 1U);
 }
 
-TEST(WriteFileAtomically, aFailureNamesTheTargetAndLeavesNothingBeside) {
+TEST(WriteFileAtomically, namesTheTargetOnFailureWithoutLeftovers) {
     const TemporaryFolder folder;
     const auto inTheWay = folder.createFolder("folder");
     const auto error =
@@ -60,7 +60,7 @@ TEST(WriteFileAtomically, aFailureNamesTheTargetAndLeavesNothingBeside) {
     EXPECT_EQ(missing->path(), folder / "missing/file");
 }
 
-TEST(ResolvingSymlinks, followsLinksAsFarAsThereIsSomething) {
+TEST(ResolvingSymlinks, followsLinksAsFarAsThePathExists) {
     const Zoo zoo;
     const auto& folder = zoo.folder;
     fs::create_directory_symlink("directory", folder / "relative");
@@ -115,7 +115,7 @@ TEST(EnumerateDeep, walksDepthFirstInByteOrder) {
         ElementsAre("A", "a", "a/B", "a/B/x", "a/b", "a/z", "a b", "a.b", "b", "é", "\xFF"));
 }
 
-TEST(EnumerateDeep, skipsWhatItIsToldTo) {
+TEST(EnumerateDeep, skipsWhatTheOptionsExclude) {
     const TemporaryFolder folder;
     for (const auto* path : {".hidden", ".folder/x", "x.app/y", "x.app.d/y"})
         folder.write(path, "");
@@ -133,7 +133,7 @@ TEST(EnumerateDeep, yieldsLinksWithoutFollowingThem) {
                             "directory link", "file", "file link", "pipe"));
 }
 
-TEST(EnumerateDeep, passesOverLockedFoldersOrFailsAsItIsTold) {
+TEST(EnumerateDeep, skipsLockedFoldersOrFailsByOption) {
     const TemporaryFolder folder;
     folder.write("a/x", "");
     folder.write("b/x", "");
@@ -148,7 +148,7 @@ TEST(EnumerateDeep, passesOverLockedFoldersOrFailsAsItIsTold) {
     EXPECT_EQ(error->path(), folder / "a");
 }
 
-TEST(EnumerateDeep, aRootThatCannotBeReadHasNoItems) {
+TEST(EnumerateDeep, yieldsNothingForAnUnreadableRoot) {
     const TemporaryFolder folder;
     const LockedFolderFileManager locked(folder.path());
     const auto isEnumerated = [](const FileManager& fileManager, const FileURL& root,

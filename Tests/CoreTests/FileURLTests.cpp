@@ -19,7 +19,7 @@ TEST(FileURL, isTheRootByDefault) {
     EXPECT_EQ(FileURL(), FileURL("/"));
 }
 
-TEST(FileURL, takesPathsAsTheyAreButForSlashes) {
+TEST(FileURL, changesOnlySlashesOfPaths) {
     struct Row {
         const char* path;
         const char* expected;
@@ -41,12 +41,12 @@ TEST(FileURL, relativePathsStartInTheCurrentFolder) {
     EXPECT_EQ(FileURL("kit/a.wav").path(), std::filesystem::current_path() / "kit/a.wav");
 }
 
-TEST(FileURL, aFolderAndAFileOfOnePathDiffer) {
+TEST(FileURL, distinguishesAFolderFromAFileOfTheSamePath) {
     EXPECT_NE(FileURL("/a"), FileURL::directory("/a"));
     EXPECT_EQ(FileURL("/a/"), FileURL::directory("/a"));
 }
 
-TEST(FileURL, percentEncodesWhatAURLCannotHold) {
+TEST(FileURL, percentEncodesReservedCharacters) {
     struct Row {
         const char* path;
         const char* text;
@@ -90,7 +90,7 @@ TEST(FileURL, readsEveryFormOfAFileURL) {
         EXPECT_EQ(FileURL::parse(row.text), FileURL(row.path, row.kind)) << row.text;
 }
 
-TEST(FileURL, refusesWhatIsNoFileURL) {
+TEST(FileURL, refusesOtherURLs) {
     for (const auto* text : {"",
                              "/a/b",
                              "a",
@@ -142,7 +142,7 @@ TEST(FileURL, splitsTheLastComponent) {
     }
 }
 
-TEST(FileURL, showsBytesThatAreNoTextAsReplacements) {
+TEST(FileURL, showsInvalidUTF8AsReplacementCharacters) {
     EXPECT_EQ(FileURL("/a\xFF/b").shownPath(), "/a\uFFFD/b");
     EXPECT_EQ(FileURL("/a\xFF/b").nativePath(), "/a\xFF/b");
 }
@@ -160,7 +160,7 @@ TEST(FileURL, appendsAndDeletesComponents) {
     EXPECT_EQ(FileURL().deletingLastPathComponent(), FileURL());
 }
 
-TEST(FileURL, standardizesTheTextAlone) {
+TEST(FileURL, standardizesLexically) {
     struct Row {
         const char* path;
         FileURL expected;
@@ -178,7 +178,7 @@ TEST(FileURL, standardizesTheTextAlone) {
         EXPECT_EQ(FileURL(row.path).standardized(), row.expected) << row.path;
 }
 
-/// A path of raw bytes: anything but NUL, slashes where they fall.
+/// A path of arbitrary bytes except NUL, with slashes anywhere.
 rc::Gen<std::string> anyPath() {
     return rc::gen::map(
         rc::gen::container<std::string>(rc::gen::suchThat(
@@ -187,7 +187,7 @@ rc::Gen<std::string> anyPath() {
         [](const std::string& text) { return "/" + text; });
 }
 
-RC_GTEST_PROP(FileURL, writingAndReadingIsIdentityForAnyBytes, ()) {
+RC_GTEST_PROP(FileURL, roundTripsAnyBytes, ()) {
     const auto path = *anyPath();
     const auto kind = *rc::gen::element(Kind::file, Kind::directory);
     const FileURL url(path, kind);
@@ -198,19 +198,19 @@ RC_GTEST_PROP(FileURL, writingAndReadingIsIdentityForAnyBytes, ()) {
         RC_ASSERT(c > ' ' && c < 0x7F);
 }
 
-RC_GTEST_PROP(FileURL, equalityIsThatOfTheURLStrings, ()) {
+RC_GTEST_PROP(FileURL, comparesLikeTheURLStrings, ()) {
     const FileURL left(*anyPath());
     const FileURL right(*anyPath());
     RC_ASSERT((left == right) == (left.absoluteString() == right.absoluteString()));
 }
 
-RC_GTEST_PROP(FileURL, readingAnyTextNeverFailsOtherwise, (const std::string& text)) {
+RC_GTEST_PROP(FileURL, parsesOrRefusesAnyText, (const std::string& text)) {
     const auto url = FileURL::parse("file:///" + text);
     if (url)
         RC_ASSERT(FileURL::parse(url->absoluteString()) == url);
 }
 
-RC_GTEST_PROP(FileURL, standardizingTwiceChangesNothing, ()) {
+RC_GTEST_PROP(FileURL, standardizingIsIdempotent, ()) {
     const auto once = FileURL(*anyPath()).standardized();
     RC_ASSERT(once.standardized() == once);
     RC_ASSERT(once.nativePath().find("//") == std::string::npos);

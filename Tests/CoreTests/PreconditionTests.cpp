@@ -7,12 +7,12 @@
 namespace torvo::test {
 namespace {
 
-TEST(PreconditionDeathTest, aBrokenOneEndsTheProcessAndSaysWhich) {
+TEST(PreconditionDeathTest, abortsWithAMessageWhenBroken) {
     EXPECT_EXIT(precondition(false, "a bank has eight channels"), testing::KilledBySignal(SIGABRT),
                 "^Broken precondition: a bank has eight channels\n$");
 }
 
-TEST(Precondition, aKeptOneDoesNothing) {
+TEST(Precondition, doesNothingWhenMet) {
     testing::internal::CaptureStderr();
     precondition(true, "never seen");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");

@@ -8,7 +8,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-TEST(UnicodeText, replacesWhatIsNoUTF8) {
+TEST(UnicodeText, replacesInvalidUTF8) {
     struct Row {
         std::string bytes;
         std::string text;
@@ -27,7 +27,7 @@ TEST(UnicodeText, replacesWhatIsNoUTF8) {
         EXPECT_EQ(text::validUTF8(row.bytes), row.text);
 }
 
-TEST(UnicodeText, mapsCasesInFull) {
+TEST(UnicodeText, usesFullCaseMappings) {
     EXPECT_EQ(text::lowercased("Closed HAT 01"), "closed hat 01");
     EXPECT_EQ(text::lowercased("ÉTÉ ΑΒΓ ЖУК"), "été αβγ жук");
     EXPECT_EQ(text::lowercased("ΟΔΟΣ"), "οδος") << "the final sigma";
@@ -38,14 +38,14 @@ TEST(UnicodeText, mapsCasesInFull) {
     EXPECT_EQ(text::uppercased("i"), "I");
 }
 
-TEST(UnicodeText, comparesWithoutCase) {
+TEST(UnicodeText, comparesIgnoringCase) {
     EXPECT_TRUE(text::equalsIgnoringCase("QZT508", "qzt508"));
     EXPECT_TRUE(text::equalsIgnoringCase("STRASSE", "straße"));
     EXPECT_FALSE(text::equalsIgnoringCase("QZT508", "QZT508 "));
     EXPECT_FALSE(text::equalsIgnoringCase("é", "e"));
 }
 
-TEST(UnicodeText, splitsWordsAtWhatIsNoLetterMarkOrNumber) {
+TEST(UnicodeText, splitsWordsAtOtherCharactersThanLettersMarksAndNumbers) {
     EXPECT_EQ(text::alphanumericWords("Closed_HiHat-01 (Dry)"),
               (Words{"Closed", "HiHat", "01", "Dry"}));
     EXPECT_EQ(text::alphanumericWords(""), Words{});
@@ -60,7 +60,7 @@ TEST(UnicodeText, splitsWordsAtWhatIsNoLetterMarkOrNumber) {
     EXPECT_EQ(text::alphanumericWords("𝒦𝒾𝓉 2"), (Words{"𝒦𝒾𝓉", "2"})) << "outside the first plane";
 }
 
-TEST(UnicodeText, countsCharactersAsPeopleDo) {
+TEST(UnicodeText, countsGraphemeClusters) {
     EXPECT_EQ(text::characterCount(""), 0U);
     EXPECT_EQ(text::characterCount("kit"), 3U);
     EXPECT_EQ(text::characterCount("e\u0301"), 1U);
@@ -83,7 +83,7 @@ TEST(UnicodeText, listsScalars) {
     EXPECT_EQ(text::scalars("e\u0301"), U"e\u0301");
 }
 
-TEST(UnicodeText, writesASCIIAsFarAsItGoes) {
+TEST(UnicodeText, transliteratesToASCII) {
     struct Row {
         const char* text;
         const char* ascii;
@@ -106,12 +106,12 @@ TEST(UnicodeText, writesASCIIAsFarAsItGoes) {
         EXPECT_EQ(text::lossyASCII(row.text), row.ascii) << row.text;
 }
 
-RC_GTEST_PROP(UnicodeText, anyBytesGiveASCII, (const std::string& bytes)) {
+RC_GTEST_PROP(UnicodeText, givesASCIIForAnyBytes, (const std::string& bytes)) {
     for (const char c : text::lossyASCII(bytes))
         RC_ASSERT(static_cast<unsigned char>(c) < 0x80);
 }
 
-RC_GTEST_PROP(UnicodeText, validTextStaysAsItIs, (const std::string& bytes)) {
+RC_GTEST_PROP(UnicodeText, keepsValidTextUnchanged, (const std::string& bytes)) {
     const auto valid = text::validUTF8(bytes);
     RC_ASSERT(text::validUTF8(valid) == valid);
     RC_ASSERT(text::scalars(valid) == text::scalars(bytes));
