@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A card that already holds an export, so that whatever is deleted shows.
+/// A card with an existing export, so that any deletion is visible.
 struct FilledCard : ExportFixture {
     FilledCard() {
         job.recipes = {bank(1, {"Old"})};
@@ -27,7 +27,7 @@ struct FilledCard : ExportFixture {
         before = snapshotOf(folder.path());
     }
 
-    /// The refusal, which must leave everything as it was.
+    /// Exports, expects that nothing changes, and returns the error's description or "none".
     std::string refusal() {
         const auto error = thrown<GenerationError>([&] { run(); });
         EXPECT_THAT(differences(before, snapshotOf(folder.path())), testing::IsEmpty());
@@ -38,7 +38,7 @@ struct FilledCard : ExportFixture {
     TreeSnapshot before;
 };
 
-TEST(BankExporterRefusal, aNameThatLeadsElsewhereIsRefused) {
+TEST(BankExporterRefusal, refusesNamesThatEscapeTheOutputFolder) {
     using namespace std::string_literals;
     for (const auto& name :
          {""s, "."s, ".."s, "a/b"s, "../Kit"s, "/"s, "/etc"s, "Kit/"s, "Kit\0x"s, "\0"s}) {
@@ -48,7 +48,7 @@ TEST(BankExporterRefusal, aNameThatLeadsElsewhereIsRefused) {
     }
 }
 
-TEST(BankExporterRefusal, aNameThatOnlyLooksOddIsNone) {
+TEST(BankExporterRefusal, acceptsUnusualButSafeNames) {
     for (const std::string name : {"...", "..Kit", " ", "\\", "#?%", "ドラム", "-", "\xFF"}) {
         ExportFixture fixture;
         fixture.job.naming.sourceFolderName = name;
@@ -93,7 +93,7 @@ TEST(BankExporterRefusal, acceptsALinkedExportFolder) {
 
 class SampleInside : public testing::Test {
 protected:
-    /// The answer to a run of which one sample lies at this path.
+    /// The result of a run with one sample at this path.
     std::string refusalOf(const fs::path& path) {
         card.before = snapshotOf(card.folder.path());
         card.job.recipes = {card.bank(1, {"New"}), card.bank(2, {"New"})};
@@ -114,7 +114,7 @@ TEST_F(SampleInside, isRefused) {
     EXPECT_EQ(refusalOf(card.inDevice("no/such/Old.wav")), expected("Old.wav"));
 }
 
-TEST_F(SampleInside, isRefusedByADetour) {
+TEST_F(SampleInside, isRefusedThroughAnUnnormalizedPath) {
     EXPECT_EQ(refusalOf(card.folder / "card/Kit/x/../QZT508/./Bank 1/1/Old.wav"),
               expected("Old.wav"));
 }
@@ -134,14 +134,14 @@ TEST_F(SampleInside, isRefusedThroughALinkToTheFile) {
 }
 
 TEST_F(SampleInside, isRefusedWhenItIsALinkToASampleOutside) {
-    // The sample would survive, but its name would not.
+    // The sample itself would survive, but the link to it would be deleted.
     fs::create_symlink(card.source, card.inDevice("link.wav"));
     EXPECT_EQ(refusalOf(card.inDevice("link.wav")), expected("link.wav"));
     fs::create_directory_symlink(card.folder / "source", card.inDevice("linked"));
     EXPECT_EQ(refusalOf(card.inDevice("linked/a.wav")), expected("a.wav"));
 }
 
-TEST_F(SampleInside, isRefusedWhenTheExportFolderIsNamedByALink) {
+TEST_F(SampleInside, isRefusedWhenTheExportFolderIsALink) {
     fs::create_directory_symlink(card.folder / "card", card.folder / "link");
     card.job.exportFolder = FileURL::directory(card.folder / "link");
     EXPECT_EQ(refusalOf(card.inDevice("Bank 1/1/Old.wav")),
@@ -200,7 +200,7 @@ TEST_F(SampleInside, isNotDetectedThroughAHardLinkOutside) {
     EXPECT_TRUE(fs::exists(card.inDevice("Bank 1/1/Same.wav")));
 }
 
-TEST_F(SampleInside, neighboursOfTheDeviceFolderAreOutside) {
+TEST_F(SampleInside, siblingsOfTheDeviceFolderAreOutside) {
     for (const auto* path :
          {"card/Kit/a.wav", "card/Kit/QZT508 old/a.wav", "card/QZT508/a.wav", "card/a.wav"}) {
         FilledCard other;
@@ -212,7 +212,7 @@ TEST_F(SampleInside, neighboursOfTheDeviceFolderAreOutside) {
     }
 }
 
-TEST(BankExporterRefusal, aSourceFolderInsideIsRefused) {
+TEST(BankExporterRefusal, refusesASourceFolderInsideTheDeviceFolder) {
     for (const auto* below : {"QZT508", "QZT508/Pool", "QZT508/no/such"}) {
         FilledCard card;
         const auto source = card.folder / ("card/Kit/" + std::string(below));
@@ -224,8 +224,8 @@ TEST(BankExporterRefusal, aSourceFolderInsideIsRefused) {
     }
 }
 
-TEST(BankExporterRefusal, aDeviceFolderThatIsALinkMayPointToTheSamples) {
-    // Only the link is removed.
+TEST(BankExporterRefusal, acceptsADeviceFolderThatIsALinkToTheSamples) {
+    // Only the link is removed, not its target.
     ExportFixture fixture;
     fixture.folder.createFolder("card/Kit");
     fs::create_directory_symlink(fixture.folder / "source", fixture.folder / "card/Kit/QZT508");
@@ -235,7 +235,7 @@ TEST(BankExporterRefusal, aDeviceFolderThatIsALinkMayPointToTheSamples) {
     EXPECT_TRUE(fs::exists(fixture.source));
 }
 
-TEST(BankExporterRefusal, aLockedRunFolderIsReportedBeforeAnythingIsDeleted) {
+TEST(BankExporterRefusal, reportsALockedRunFolderBeforeDeletingAnything) {
     FilledCard card;
     const auto locked = std::make_shared<LockedFolderFileManager>(card.folder / "card/Kit");
     const auto error = thrown<FileError>([&] { card.run(locked); });
@@ -244,7 +244,7 @@ TEST(BankExporterRefusal, aLockedRunFolderIsReportedBeforeAnythingIsDeleted) {
     EXPECT_THAT(differences(card.before, snapshotOf(card.folder.path())), testing::IsEmpty());
 }
 
-TEST(BankExporterRefusal, aRunFolderThatIsAFileIsReported) {
+TEST(BankExporterRefusal, reportsARunFolderThatIsAFile) {
     ExportFixture fixture;
     fixture.folder.write("card/Kit", "a file");
     const auto error = thrown<FileError>([&] { fixture.run(); });

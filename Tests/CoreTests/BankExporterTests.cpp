@@ -24,7 +24,7 @@ std::string asText(const std::vector<std::byte>& content) {
     return text;
 }
 
-/// The bytes of a file of six data bytes after its stamp.
+/// The expected bytes of a stamped file with six data bytes.
 std::string stamped(const std::string& data, const ExpectedStamp& stamp) {
     auto file = riffFile({riffChunk("data", bytes(data))});
     append(file, riffChunk("busy", freshBusyPayload(stamp)));
@@ -69,7 +69,7 @@ TEST(BankExporter, writesTheWholeTree) {
         << "the sample itself is left alone";
 }
 
-TEST(BankExporter, stampsTheJobsSettingsWithEachChannel) {
+TEST(BankExporter, stampsTheJobSettingsOnEveryChannel) {
     ExportFixture fixture;
     fixture.job.metadataOptions = {8, TorvoPlaybackRate::rate22, TorvoFilterType::notch, true, {2}};
     fixture.job.recipes = {fixture.bank(1, {"Kick"})};
@@ -88,7 +88,7 @@ TEST(BankExporter, stampsTheJobsSettingsWithEachChannel) {
     }
 }
 
-TEST(BankExporter, numbersBanksWithZerosInThePoolOnly) {
+TEST(BankExporter, zeroPadsBankNumbersInThePoolOnly) {
     ExportFixture fixture;
     for (const std::int64_t index : {1, 9, 10, 99, 100})
         fixture.job.recipes.push_back({index, fixture.job.naming.bankName(index), {}, 7, false});
@@ -101,7 +101,7 @@ TEST(BankExporter, numbersBanksWithZerosInThePoolOnly) {
     EXPECT_EQ(textOf(fixture.inDevice("Bank 10/info.txt")), "Kit010") << "no line end";
 }
 
-TEST(BankExporter, infoIsASCII) {
+TEST(BankExporter, writesInfoAsASCII) {
     struct Row {
         const char* shortName;
         const char* info;
@@ -155,9 +155,9 @@ TEST(BankExporter, sanitizesFileNames) {
     }
 }
 
-TEST(BankExporter, poolNamesThatClashAreNumbered) {
+TEST(BankExporter, numbersClashingPoolNames) {
     ExportFixture fixture;
-    // "KICK" and "Kick" are one name on the card's file system; "Kick 002" takes a number's place.
+    // "KICK" and "Kick" are the same name on FAT, and "Kick-004" uses up the fourth number.
     fixture.job.recipes = {fixture.bank(1, {"Big Kick (1)", "Big_Kick_1", "Kick", "KICK", "kick",
                                             "Kick 002", "Kick-004", "Kick"}),
                            fixture.bank(2, {"a", "b", "c", "d", "e", "f", "g", "Kick"})};
@@ -172,7 +172,7 @@ TEST(BankExporter, poolNamesThatClashAreNumbered) {
         << "each bank has its own pool";
 }
 
-TEST(BankExporter, aRepeatedBankIndexKeepsBothPools) {
+TEST(BankExporter, keepsBothPoolsOfARepeatedBankIndex) {
     ExportFixture fixture;
     fixture.job.recipes = {fixture.bank(3, {"Kick"}), fixture.bank(3, {"Kick"})};
     fixture.job.recipes[1].shortName = "Second";
@@ -197,8 +197,8 @@ TEST(BankExporter, countsCopiesConversionsAndReusedBanks) {
               stamped("converted.", {.dataSize = 10, .channelIndex = 3}));
 }
 
-TEST(BankExporter, poolFilesAreAFixedCountForEachBankWithChannels) {
-    // Intended: 8 a bank that has channels, however many files are made.
+TEST(BankExporter, countsEightPoolFilesForEachBankWithChannels) {
+    // Intended: 8 per bank with channels, regardless of how many files are written.
     ExportFixture fixture;
     fixture.job.recipes = {{1, "Empty", {}, 7, false}, fixture.bank(2, {"a"})};
     fixture.job.recipes[1].channels.emplace(9, fixture.sample("beyond the device"));
@@ -209,7 +209,7 @@ TEST(BankExporter, poolFilesAreAFixedCountForEachBankWithChannels) {
     EXPECT_FALSE(fs::exists(fixture.inDevice("Bank 2/9")));
 }
 
-TEST(BankExporter, noRecipesMakeTheFoldersAlone) {
+TEST(BankExporter, createsOnlyFoldersWithoutRecipes) {
     ExportFixture fixture;
     const auto summary = fixture.run();
     EXPECT_EQ(summary, (ExportSummary{FileURL::directory(fixture.inDevice("")), 0, 0, 0, 0, 0}));
@@ -219,7 +219,7 @@ TEST(BankExporter, noRecipesMakeTheFoldersAlone) {
     EXPECT_THAT(fixture.updates, IsEmpty());
 }
 
-TEST(BankExporter, tellsEachFinishedBank) {
+TEST(BankExporter, reportsProgressAfterEachBank) {
     ExportFixture fixture;
     fixture.job.recipes = {
         fixture.bank(1, {"a"}), {5, "Other", {}, 7, false}, fixture.bank(2, {"b"})};
@@ -231,11 +231,11 @@ TEST(BankExporter, tellsEachFinishedBank) {
                   .exportBanks(fixture.job)
                   .banksWritten,
               3)
-        << "nobody needs to listen";
+        << "the progress callback is optional";
 }
 
-TEST(BankExporter, tellsOnTheThreadThatExports) {
-    // With the real preparer, which converts on other threads.
+TEST(BankExporter, reportsProgressOnTheExportingThread) {
+    // The real preparer converts on other threads.
     ExportFixture fixture;
     fixture.source = fixture.folder.write("source/a.wav", wavFile({48000, 2, 24}, 4800));
     fixture.job.recipes = {fixture.bank(1, {"a"}), fixture.bank(2, {"b"}), fixture.bank(3, {"c"})};
@@ -255,14 +255,14 @@ TEST(BankExporter, tellsOnTheThreadThatExports) {
     EXPECT_THAT(told, ElementsAre(exporting, exporting, exporting));
 }
 
-TEST(BankExporter, createsTheExportFolderWithThoseAboveIt) {
+TEST(BankExporter, createsTheExportFolderAndItsParents) {
     ExportFixture fixture;
     fixture.job.exportFolder = FileURL::directory(fixture.folder / "new/deep/card");
     fixture.run();
     EXPECT_TRUE(fs::is_directory(fixture.folder / "new/deep/card/Kit/QZT508/Pool"));
 }
 
-TEST(BankExporter, aSecondExportReplacesTheDeviceFolderAndNothingElse) {
+TEST(BankExporter, replacesOnlyTheDeviceFolderOnASecondExport) {
     ExportFixture fixture;
     fixture.job.recipes = {fixture.bank(1, {"Old"}), fixture.bank(2, {"Old"})};
     fixture.run();
@@ -279,7 +279,7 @@ TEST(BankExporter, aSecondExportReplacesTheDeviceFolderAndNothingElse) {
     EXPECT_EQ(namesIn(fixture.inDevice("Pool")), std::set<std::string>{"Bank 01"});
 }
 
-TEST(BankExporter, whateverStandsInTheDeviceFoldersPlaceIsRemoved) {
+TEST(BankExporter, removesAnyItemInPlaceOfTheDeviceFolder) {
     {
         ExportFixture fixture;
         fixture.folder.write("card/Kit/QZT508", "a file");
@@ -304,14 +304,14 @@ TEST(BankExporter, whateverStandsInTheDeviceFoldersPlaceIsRemoved) {
     EXPECT_EQ(textOf(fixture.folder / "elsewhere/kept.txt"), "kept") << "the link alone is removed";
 }
 
-TEST(BankExporter, aMissingChannelEndsTheExport) {
+TEST(BankExporter, failsOnAMissingChannel) {
     ExportFixture fixture;
     fixture.job.recipes = {fixture.bank(1, {"a"}), fixture.bank(12, {"b"}),
                            fixture.bank(13, {"c"})};
     fixture.job.recipes[1].channels.erase(7);
     EXPECT_EQ(thrown<GenerationError>([&] { fixture.run(); }),
               GenerationError::exportFailed("Missing channel 7 for bank 12"));
-    // Nothing is rolled back.
+    // The files written before the failure stay.
     EXPECT_TRUE(fs::exists(fixture.inDevice("Bank 1/8/a.wav")));
     EXPECT_TRUE(fs::exists(fixture.inDevice("Bank 12/6/b.wav")));
     EXPECT_FALSE(fs::exists(fixture.inDevice("Bank 12/7")));
@@ -319,7 +319,7 @@ TEST(BankExporter, aMissingChannelEndsTheExport) {
     EXPECT_EQ(fixture.updates.size(), 1U);
 }
 
-TEST(BankExporter, asksThePreparerTwiceForEachChannelInOrder) {
+TEST(BankExporter, preparesEachChannelTwiceInOrder) {
     ExportFixture fixture;
     fixture.job.recipes = {fixture.bank(1, {"a"})};
     fixture.run();
@@ -348,7 +348,7 @@ TEST(BankExporter, propagatesPreparerErrorsUnchanged) {
     EXPECT_THAT(fixture.updates, ElementsAre(ProgressUpdate{1, 2, "Kit001"}));
 }
 
-TEST(BankExporter, aSampleThatIsNoWavAfterPreparationEndsTheExport) {
+TEST(BankExporter, failsWhenAPreparedSampleIsNotWav) {
     ExportFixture fixture;
     fixture.source = fixture.folder.write("source/a.wav", "text");
     fixture.job.recipes = {fixture.bank(1, {"a"})};
@@ -356,7 +356,7 @@ TEST(BankExporter, aSampleThatIsNoWavAfterPreparationEndsTheExport) {
               GenerationError::exportFailed("Not a RIFF/WAVE file."));
 }
 
-TEST(BankExporter, aVanishedSampleEndsTheExportByItsName) {
+TEST(BankExporter, namesAVanishedSample) {
     ExportFixture fixture;
     fixture.job.recipes = {fixture.bank(1, {"a"})};
     fs::remove(fixture.source);
@@ -366,13 +366,13 @@ TEST(BankExporter, aVanishedSampleEndsTheExportByItsName) {
     EXPECT_EQ(error->code(), std::errc::no_such_file_or_directory);
 }
 
-TEST(BankExporter, aNameTooLongForTheFileSystemEndsTheExport) {
+TEST(BankExporter, failsOnANameTooLongForTheFileSystem) {
     ExportFixture fixture;
     const std::string longest(251, 'x');
     fixture.job.recipes = {fixture.bank(1, {longest, "a"})};
     fixture.run();
     EXPECT_TRUE(fs::exists(fixture.inDevice("Bank 1/1/" + longest + ".wav")));
-    // Names are not shortened; the number of a second one no longer fits.
+    // Names are not shortened; the number of the second file no longer fits.
     fixture.job.recipes = {fixture.bank(1, {longest})};
     const auto error = thrown<FileError>([&] { fixture.run(); });
     ASSERT_TRUE(error);

@@ -35,7 +35,7 @@ struct ExportFixture {
         return sampleAt(source, displayName);
     }
 
-    /// A bank whose eight channels hold samples of these names, the last one repeated.
+    /// A bank whose eight channels have samples of these names, the last one repeated.
     BankRecipe bank(std::int64_t index, const std::vector<std::string>& names) const {
         BankRecipe recipe{index, job.naming.bankName(index), {}, job.seed, false};
         for (std::int64_t channel = 1; channel <= 8; ++channel) {

@@ -1,6 +1,6 @@
-// Every file operation of a scan, a run, a document save and a stamp fails once, and once for good
-// from then on: no half written file under a final name, no false success, no lost source, and a
-// second try gives what an undisturbed first one gives.
+// Fails every file operation of a scan, a run, a document save and a stamp, first alone and then
+// together with all later ones: no partial file under a final name, no false success, no damaged
+// source, and a retry gives the result of an undisturbed run.
 
 #include "FaultyFileManager.h"
 #include "Models/UserFacingDescription.h"
@@ -36,7 +36,7 @@ constexpr std::array errorNumbers{EIO, ENOSPC, EACCES, EROFS, EDQUOT, ENAMETOOLO
 constexpr std::int64_t bankCount = 1;
 constexpr std::uint64_t seed = 20260301;
 
-/// What became of one attempt: nothing, or the text for the user.
+/// The result of one attempt: no error, or the message for the user.
 using Failure = std::optional<std::string>;
 
 Failure attempt(const std::function<void()>& job) {
@@ -51,8 +51,8 @@ Failure attempt(const std::function<void()>& job) {
 using Job = std::function<void(const CoreServices&)>;
 using Judge = std::function<void(const FaultPlan&, const Failure&)>;
 
-/// Runs the job with a fault at its first operation, at its second, … until none is left to fail.
-/// Returns the number of faults that struck.
+/// Runs the job with a fault at its first operation, its second and so on until it succeeds.
+/// Returns the number of faults injected.
 std::uint64_t sweep(int errorNumber, FaultPlan::Extent extent, const Job& job, const Judge& judge) {
     std::uint64_t struck = 0;
     for (std::uint64_t n = 1;; ++n) {
@@ -68,7 +68,7 @@ std::uint64_t sweep(int errorNumber, FaultPlan::Extent extent, const Job& job, c
         SCOPED_TRACE("fault " + std::to_string(n) + ": " + faults.front().errorDescription());
         judge(*plan, failure);
         if (::testing::Test::HasFailure())
-            return struck; // one example is enough, the rest would drown it
+            return struck; // one example is enough
     }
 }
 
@@ -105,8 +105,8 @@ std::string knownPath(const FileError& fault) {
                                        : fault.path().string();
 }
 
-/// A file that failed and the system's reason; a conversion's message has a fixed text and gives
-/// the reason as a number.
+/// Whether the message names the failed file and the system's reason; conversions have a fixed text
+/// and give the reason as a number.
 void expectNamesFileAndCause(const FaultPlan& plan, const std::string& message) {
     EXPECT_THAT(message, Not(HasSubstr(".torvo-")));
     std::vector<Matcher<std::string>> expected;
@@ -127,7 +127,7 @@ void expectNamesFileAndCause(const FaultPlan& plan, const std::string& message) 
     EXPECT_THAT(message, AnyOfArray(expected));
 }
 
-/// A library, the document of an undisturbed run and the tree that it gave.
+/// A library, and the document and tree of an undisturbed run.
 class FaultSweepTests : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -146,7 +146,7 @@ protected:
     }
 
     TemporaryFolder folder_;
-    /// Undisturbed, and without waiting for the medium.
+    /// Without faults and without waiting for the medium.
     CoreServices services_{
         std::make_shared<FaultyFileManager>(systemFileManager(), std::make_shared<FaultPlan>())};
     fs::path source_;
@@ -156,7 +156,7 @@ protected:
     TreeSnapshot reference_;
 };
 
-TEST_F(FaultSweepTests, aRunFailsWholeOrSucceedsWhole) {
+TEST_F(FaultSweepTests, aRunNeverReportsFalseSuccess) {
     const auto struck =
         sweepAll([&](const CoreServices& services) { services.exportDocument(document_, out_); },
                  [&](const FaultPlan& plan, const Failure& failure) {
@@ -173,7 +173,7 @@ TEST_F(FaultSweepTests, aRunFailsWholeOrSucceedsWhole) {
     EXPECT_GT(struck, 2000U);
 }
 
-TEST_F(FaultSweepTests, aStampLeavesEveryFileOldOrNew) {
+TEST_F(FaultSweepTests, aStampLeavesNoPartialFile) {
     const TorvoMetadataOptions options(12, TorvoPlaybackRate::rate22, TorvoFilterType::lowPass,
                                        true, {1, 5});
     std::int64_t stampedCount = 0;
@@ -197,7 +197,7 @@ TEST_F(FaultSweepTests, aStampLeavesEveryFileOldOrNew) {
             const auto name = fs::path(path).filename().string();
             if (reference_.contains(path))
                 EXPECT_TRUE(item == reference_.at(path) || item == stamped.at(path)) << path;
-            else // the card was pulled out in the middle of this file
+            else // the card was removed during this file
                 EXPECT_TRUE(name.starts_with('.') && name.ends_with(".tmp")) << path;
         }
         // Not always the first fault: looking for the folder to lock may fail before.
@@ -206,7 +206,7 @@ TEST_F(FaultSweepTests, aStampLeavesEveryFileOldOrNew) {
         });
         if (failure)
             expectNamesFileAndCause(plan, *failure);
-        else if (couldNotBegin) // a folder that cannot be enumerated has no files, on purpose
+        else if (couldNotBegin) // intended: an unreadable root counts as empty
             EXPECT_TRUE(stampedCount == 0 || now == stamped);
         else
             EXPECT_THAT(differences(stamped, now), IsEmpty());
@@ -219,7 +219,7 @@ TEST_F(FaultSweepTests, aStampLeavesEveryFileOldOrNew) {
     EXPECT_GT(struck, 1000U);
 }
 
-TEST_F(FaultSweepTests, aSavedDocumentIsTheOldOneOrTheNewOne) {
+TEST_F(FaultSweepTests, aSaveLeavesNoPartialDocument) {
     const auto folder = folder_.createFolder("documents");
     const auto path = folder / "Kit001.json";
     const auto save = [&](const CoreServices& services) {
@@ -238,7 +238,7 @@ TEST_F(FaultSweepTests, aSavedDocumentIsTheOldOneOrTheNewOne) {
         const auto struck = sweepAll(save, [&](const FaultPlan& plan, const Failure& failure) {
             if (failure)
                 expectNamesFileAndCause(plan, *failure);
-            else // looking for what an accident left may fail; the save may not
+            else // only the search for leftovers may fail without failing the save
                 EXPECT_EQ(textOf(path), newText);
             if (fs::exists(path))
                 EXPECT_THAT(textOf(path), AnyOf(oldText, newText));
@@ -260,7 +260,7 @@ TEST_F(FaultSweepTests, aSavedDocumentIsTheOldOneOrTheNewOne) {
     }
 }
 
-TEST_F(FaultSweepTests, aLoadedDocumentIsWholeOrAnError) {
+TEST_F(FaultSweepTests, aLoadNeverReturnsAPartialDocument) {
     const auto path = folder_ / "Kit001.json";
     services_.store().exportDocument(document_, FileURL(path));
     const auto whole = services_.store().importDocument(FileURL(path));
@@ -289,7 +289,7 @@ std::set<std::string> samplesOf(const ScanReport& report) {
     return paths;
 }
 
-TEST_F(FaultSweepTests, aScanNeverInventsAndReportsWhatItCouldNotOpen) {
+TEST_F(FaultSweepTests, aScanReportsUnreadableFilesAndAddsNone) {
     const auto whole = services_.scan(source_);
     const auto wholeSamples = samplesOf(whole);
     std::optional<ScanReport> report;
@@ -305,7 +305,7 @@ TEST_F(FaultSweepTests, aScanNeverInventsAndReportsWhatItCouldNotOpen) {
                     expectNamesFileAndCause(plan, *failure);
                 return;
             }
-            // A file that cannot be opened is listed; a folder that cannot be read is passed over.
+            // Unreadable files are listed as ignored; unreadable folders are skipped.
             const auto samples = samplesOf(*report);
             EXPECT_TRUE(std::ranges::includes(wholeSamples, samples));
             const bool folderWasPassedOver =

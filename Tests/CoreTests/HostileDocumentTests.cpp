@@ -1,5 +1,5 @@
-// Mapping documents that nobody's program wrote: each is a clear error, or gives what such a
-// document says, and nothing outside the chosen output folder is written or deleted.
+// Malicious and damaged mapping documents: each one is either a clear error or carried out as
+// written, and nothing outside the chosen output folder is written or deleted.
 
 #include "Json.h"
 #include "Models/UserFacingDescription.h"
@@ -27,8 +27,8 @@ using ::testing::StartsWith;
 
 struct HostileDocument {
     std::string name;
-    std::function<void(json&)> edit; ///< of a document with one whole bank
-    /// Part of the message for the user, or none when the document is to be obeyed.
+    std::function<void(json&)> edit; ///< applied to a document with one complete bank
+    /// Part of the message for the user, or none when the document is valid.
     std::optional<std::string> message;
 };
 
@@ -167,7 +167,7 @@ const std::vector<HostileDocument>& documents() {
     return all;
 }
 
-/// A library beside things that a document might reach for.
+/// A library next to files that a hostile document might target.
 class HostileDocumentTests : public ::testing::TestWithParam<HostileDocument> {
 protected:
     void SetUp() override {
@@ -192,7 +192,8 @@ protected:
         }
     }
 
-    /// Everything outside the new run folder, and what an earlier run of another name left inside.
+    /// Everything outside the new run folder, and the output of an earlier run with another name
+    /// inside.
     void expectNothingElseTouched(const std::string& runFolder) const {
         for (const auto& line : differences(before_, snapshotOf(folder_.path()))) {
             const auto path = line.substr(2);
@@ -210,7 +211,7 @@ protected:
     mutable TreeSnapshot before_;
 };
 
-TEST_P(HostileDocumentTests, isAClearErrorOrStaysInItsFolder) {
+TEST_P(HostileDocumentTests, failsClearlyOrStaysInsideTheOutputFolder) {
     GetParam().edit(document_);
     const auto failure = import(document_.dump());
     if (GetParam().message) {
@@ -225,7 +226,7 @@ TEST_P(HostileDocumentTests, isAClearErrorOrStaysInItsFolder) {
 INSTANTIATE_TEST_SUITE_P(Documents, HostileDocumentTests, ::testing::ValuesIn(documents()),
                          [](const auto& each) { return each.param.name; });
 
-TEST_F(HostileDocumentTests, aHundredMegabytesOfNestingAreRefused) {
+TEST_F(HostileDocumentTests, refuses100MegabytesOfNesting) {
     for (const char bracket : {'[', '{'}) {
         std::string text;
         while (text.size() < 100'000'000)
@@ -237,8 +238,8 @@ TEST_F(HostileDocumentTests, aHundredMegabytesOfNestingAreRefused) {
     expectNothingElseTouched("out/Kit");
 }
 
-TEST_F(HostileDocumentTests, tenThousandRecipesForOneBankGiveOneBank) {
-    // Without channels, so that the bank is made anew ten thousand times and holds nothing.
+TEST_F(HostileDocumentTests, writesOneBankForTenThousandRecipesOfIt) {
+    // Without channels, so the bank is recreated ten thousand times and stays empty.
     document_["recipes"][0]["channels"] = json::object();
     const json recipe = document_["recipes"][0];
     for (int i = 1; i < 10'000; ++i)
@@ -251,7 +252,7 @@ TEST_F(HostileDocumentTests, tenThousandRecipesForOneBankGiveOneBank) {
     EXPECT_THAT(names, ::testing::UnorderedElementsAre("Bank 1", "Pool"));
 }
 
-TEST_F(HostileDocumentTests, tenThousandBanksAreWritten) {
+TEST_F(HostileDocumentTests, writesTenThousandBanks) {
     document_["recipes"][0]["channels"] = json::object();
     const json recipe = document_["recipes"][0];
     for (int i = 2; i <= 10'000; ++i) {
@@ -263,7 +264,7 @@ TEST_F(HostileDocumentTests, tenThousandBanksAreWritten) {
     EXPECT_TRUE(fs::exists(out_ / "Kit/QZT508/Bank 10000/info.txt"));
 }
 
-TEST_F(HostileDocumentTests, theSecondRecipeOfABankIsAddedToItsPool) {
+TEST_F(HostileDocumentTests, addsTheSecondRecipeOfABankToItsPool) {
     document_["recipes"].push_back(document_["recipes"][0]);
     EXPECT_EQ(import(document_.dump()), std::nullopt);
     std::size_t poolFiles = 0;
@@ -273,7 +274,7 @@ TEST_F(HostileDocumentTests, theSecondRecipeOfABankIsAddedToItsPool) {
     EXPECT_EQ(poolFiles, 16U);
 }
 
-TEST_F(HostileDocumentTests, aPipeUnderASamplesNameHoldsNobody) {
+TEST_F(HostileDocumentTests, doesNotBlockOnAPipeNamedLikeASample) {
     const auto pipe = folder_ / "pipe.wav";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     firstSample(document_)["sourceURL"] = FileURL(pipe).absoluteString();
@@ -283,8 +284,8 @@ TEST_F(HostileDocumentTests, aPipeUnderASamplesNameHoldsNobody) {
     expectNothingElseTouched("out/Kit");
 }
 
-/// Cut anywhere, a document is an error that names it, and not a part of a document.
-TEST_F(HostileDocumentTests, aDocumentCutShortIsAnError) {
+/// A document truncated at any byte is an error that names it, never a partial document.
+TEST_F(HostileDocumentTests, refusesTruncatedDocuments) {
     const auto text = document_.dump();
     for (std::size_t length = 0; length < text.size(); length += 37) {
         const auto failure = import(text.substr(0, length));

@@ -41,7 +41,7 @@ std::int64_t stampFolder(const TemporaryFolder& folder) {
     return TorvoWAVMetadataWriter().apply(plain, folder.url());
 }
 
-TEST(TorvoMetadataFolder, theChannelIsTheNumberThatTheFolderIsNamed) {
+TEST(TorvoMetadataFolder, takesTheChannelFromTheFolderName) {
     struct Row {
         const char* folder;
         std::optional<std::int64_t> channel;
@@ -119,7 +119,7 @@ TEST(TorvoMetadataFolder, entersFoldersThatLookLikeFilesAndPackages) {
     EXPECT_EQ(bytesOf(inPackage), stampedWav(3));
 }
 
-TEST(TorvoMetadataFolder, aFolderThatCannotBeListedHoldsNothing) {
+TEST(TorvoMetadataFolder, treatsAnUnreadableRootAsEmpty) {
     const TemporaryFolder folder;
     const TorvoWAVMetadataWriter writer;
     EXPECT_EQ(writer.apply(plain, FileURL::directory(folder / "missing")), 0);
@@ -131,8 +131,8 @@ TEST(TorvoMetadataFolder, aFolderThatCannotBeListedHoldsNothing) {
     EXPECT_EQ(TorvoWAVMetadataWriter(locked).apply(plain, folder.url()), 0);
 }
 
-TEST(TorvoMetadataFolder, aLockedFolderInsideEndsTheWalk) {
-    // The count that is shown must not hide files that were left out.
+TEST(TorvoMetadataFolder, failsOnALockedSubfolder) {
+    // The count shown to the user must not hide skipped files.
     const TemporaryFolder folder;
     folder.write("1/a.wav", smallWav());
     folder.write("2/a.wav", smallWav());
@@ -144,7 +144,7 @@ TEST(TorvoMetadataFolder, aLockedFolderInsideEndsTheWalk) {
     EXPECT_EQ(bytesOf(folder / "2/a.wav"), smallWav()) << "the list is made before the first write";
 }
 
-TEST(TorvoMetadataFolder, theFirstFailureEndsTheWalkAndWhatIsWrittenStays) {
+TEST(TorvoMetadataFolder, stopsAtTheFirstFailureAndKeepsWrittenFiles) {
     const TemporaryFolder folder;
     folder.write("1/a.wav", smallWav());
     folder.write("2/b.wav", "no audio");
@@ -156,7 +156,7 @@ TEST(TorvoMetadataFolder, theFirstFailureEndsTheWalkAndWhatIsWrittenStays) {
     EXPECT_EQ(bytesOf(folder / "3/c.wav"), smallWav());
 }
 
-TEST(TorvoMetadataFolder, aLinkIsReplacedAndItsTargetLeftAlone) {
+TEST(TorvoMetadataFolder, replacesALinkAndNotItsTarget) {
     const TemporaryFolder outside;
     const auto target = outside.write("target.wav", smallWav());
     const TemporaryFolder folder;
@@ -172,7 +172,7 @@ TEST(TorvoMetadataFolder, aLinkIsReplacedAndItsTargetLeftAlone) {
     EXPECT_EQ(bytesOf(folder / "5/link.wav"), stampedWav(4));
 }
 
-TEST(TorvoMetadataFolder, pipesAndSocketsAreLeftAlone) {
+TEST(TorvoMetadataFolder, skipsPipesAndSockets) {
     const TemporaryFolder folder;
     ASSERT_EQ(::mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
     EXPECT_EQ(stampFolder(folder), 0);
@@ -308,7 +308,7 @@ TEST(TorvoMetadataFolder, keepsTheOldContentOfAHardLinkElsewhere) {
     EXPECT_EQ(bytesOf(folder / "same.bin"), smallWav());
 }
 
-TEST(TorvoMetadataFolder, namesOfAnyBytesAreStamped) {
+TEST(TorvoMetadataFolder, stampsFilesWithNamesOfAnyBytes) {
     const TemporaryFolder folder;
     const std::vector<std::string> names{"\xFF\xFE.wav",    "#?%20\"'.wav",
                                          " blank .wav",     "ドラム.wav",
@@ -320,7 +320,7 @@ TEST(TorvoMetadataFolder, namesOfAnyBytesAreStamped) {
         EXPECT_EQ(bytesOf(folder / ("2/" + name)), stampedWav(1)) << name;
 }
 
-TEST(TorvoMetadataFolder, passesFileErrorsOn) {
+TEST(TorvoMetadataFolder, propagatesFileErrors) {
     const TemporaryFolder folder;
     const auto path = folder.write("1/a.wav", smallWav());
     const TorvoWAVMetadataWriter writer;

@@ -38,7 +38,7 @@ TEST(TorvoPlaybackRate, hasItsNumberNameAndStoredByte) {
     }
 }
 
-TEST(TorvoPlaybackRate, noOtherNumberIsOne) {
+TEST(TorvoPlaybackRate, refusesOtherNumbers) {
     int found = 0;
     for (std::int64_t number = -100; number <= 100; ++number)
         found += torvoPlaybackRate(number) ? 1 : 0;
@@ -88,13 +88,13 @@ TEST(TorvoMetadataOptions, clampsTheBitDepth) {
         EXPECT_EQ(withBits(row.given).bits, row.kept) << row.given;
 }
 
-TEST(TorvoMetadataOptions, keepsTheChannelsOfTheDevice) {
+TEST(TorvoMetadataOptions, keepsOnlyChannelsOfTheDevice) {
     EXPECT_EQ(withCV(true, {0, 1, 8, 9}).cvAssignedChannels, (std::set<std::int64_t>{1, 8}));
     EXPECT_EQ(withCV(true, {-1, 100}).cvAssignedChannels, std::set<std::int64_t>{});
     EXPECT_EQ(withCV(false, {3}).cvAssignedChannels, std::set<std::int64_t>{3});
 }
 
-TEST(TorvoMetadataOptions, storesTheRestUnchanged) {
+TEST(TorvoMetadataOptions, storesOtherFieldsUnchanged) {
     const TorvoMetadataOptions options(8, TorvoPlaybackRate::rate11, TorvoFilterType::notch, true,
                                        {2});
     EXPECT_EQ(options.bits, 8);

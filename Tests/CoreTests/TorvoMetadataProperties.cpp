@@ -24,7 +24,7 @@ rc::Gen<Bytes> anyEvenBytes() {
     });
 }
 
-/// Chunks as wild files have them, busy ones of any content among them.
+/// Chunks as found in real files, including busy chunks of any content.
 rc::Gen<Bytes> anyChunk(const rc::Gen<Bytes>& busyPayload) {
     return rc::gen::oneOf(
         rc::gen::map(anyBytes(), [](const Bytes& payload) { return riffChunk("LIST", payload); }),
@@ -46,8 +46,8 @@ TorvoMetadataOptions anyOptions() {
             *rc::gen::container<std::set<std::int64_t>>(rc::gen::inRange<std::int64_t>(1, 9))};
 }
 
-/// Busy chunks of odd length stand behind the data only: the pad byte that one of them leaves would
-/// hide the data from the next stamp.
+/// Busy chunks of odd length only follow the data chunk: the pad byte left over from one of them
+/// would hide the data from the next stamp.
 Bytes anyWav() {
     auto chunks = *anyChunks(anyEvenBytes());
     chunks.push_back(riffChunk("data", *anyBytes()));
@@ -70,7 +70,7 @@ std::uint32_t sizeAt(const Bytes& file, std::size_t offset) {
     return size;
 }
 
-/// Every chunk up to the first busy one, and the byte string behind that.
+/// Every chunk up to the first busy one, and the bytes after it.
 struct Parts {
     std::vector<Chunk> before;
     Bytes behind;
@@ -98,7 +98,7 @@ Parts partsOf(const Bytes& file) {
     return parts;
 }
 
-RC_GTEST_PROP(TorvoMetadata, everyOtherByteStaysAndASecondStampChangesNothing, ()) {
+RC_GTEST_PROP(TorvoMetadata, keepsAllOtherBytesAndIsIdempotent, ()) {
     const auto original = anyWav();
     const auto options = anyOptions();
     const auto channel = *rc::gen::inRange<std::int64_t>(1, 9);
@@ -118,7 +118,7 @@ RC_GTEST_PROP(TorvoMetadata, everyOtherByteStaysAndASecondStampChangesNothing, (
     RC_ASSERT(twice == once);
 }
 
-RC_GTEST_PROP(TorvoMetadata, theThreeRoadsGiveTheSameBytes, ()) {
+RC_GTEST_PROP(TorvoMetadata, allThreeInterfacesWriteTheSameBytes, ()) {
     const auto original = anyWav();
     const auto options = anyOptions();
     const auto channel = *rc::gen::inRange<std::int64_t>(1, 9);

@@ -21,7 +21,7 @@ const TorvoMetadataOptions plain;
 const TorvoMetadataOptions withCV(16, TorvoPlaybackRate::rate44, TorvoFilterType::off, true,
                                   {1, 2, 3, 4, 5, 6, 7, 8});
 
-/// The bytes after a stamp; the same stamp inside a file must give the same.
+/// The stamped bytes; stamping a file must give the same result.
 Bytes stamped(const Bytes& file, const TorvoMetadataOptions& options = plain, Channel channel = 1) {
     auto inMemory = file;
     TorvoWAVMetadataWriter().updateBusyChunk(inMemory, options, channel);
@@ -62,7 +62,7 @@ Bytes smallWav() {
     return riffFile({riffChunk("fmt ", Bytes(16)), riffChunk("data", bytes("0123456789"))});
 }
 
-/// A header that promises `size` bytes.
+/// A chunk header that announces `size` bytes.
 Bytes chunkOf(std::string_view id, std::uint32_t size) {
     auto header = bytes(id);
     appendUInt32(header, size);
@@ -73,9 +73,9 @@ Bytes busyChunk(const Bytes& payload) {
     return riffChunk("busy", payload);
 }
 
-TEST(TorvoMetadata, appendsOneChunkAndLeavesTheRIFFSizeAlone) {
+TEST(TorvoMetadata, appendsOneChunkWithoutChangingTheRIFFSize) {
     const auto original = smallWav();
-    // Intended: the size at offset 4 stays, also when the file grows.
+    // Intended: the size at offset 4 does not change although the file grows.
     const auto expected =
         joined({original, bytes("busy"), Bytes{std::byte{0x90}, std::byte{0x07}, {}, {}},
                 freshBusyPayload({.dataSize = 10})});
@@ -84,7 +84,7 @@ TEST(TorvoMetadata, appendsOneChunkAndLeavesTheRIFFSizeAlone) {
     EXPECT_EQ(differences(result, expected), std::vector<std::size_t>{});
 }
 
-TEST(TorvoMetadata, theDataSizeIsThatOfTheDataChunk) {
+TEST(TorvoMetadata, writesTheSizeOfTheDataChunk) {
     const Bytes data(0x01020304);
     const auto file = riffFile({riffChunk("LIST", bytes("odd")), riffChunk("data", data)});
     auto result = file;
@@ -169,7 +169,7 @@ TEST(TorvoMetadata, routesCVOnTheAssignedChannelsOnly) {
         << "no channel, no routing";
 }
 
-TEST(TorvoMetadata, aSecondStampChangesTheSettingsAlone) {
+TEST(TorvoMetadata, changesOnlyTheSettingsOnASecondStamp) {
     const auto first = stamped(smallWav(), plain, 3);
     const TorvoMetadataOptions other(8, TorvoPlaybackRate::rate22, TorvoFilterType::highPass, false,
                                      {});
@@ -181,14 +181,14 @@ TEST(TorvoMetadata, aSecondStampChangesTheSettingsAlone) {
     EXPECT_EQ(stamped(second, other, 5), second);
 }
 
-TEST(TorvoMetadata, aRoutingStaysUntilALaterOneAppliesAgain) {
-    // Intended: switching the routing off does not take back what a file holds.
+TEST(TorvoMetadata, keepsTheRoutingUntilALaterOneApplies) {
+    // Intended: disabling the routing does not clear the routing stored in a file.
     const auto routed = stamped(smallWav(), withCV, 2);
     EXPECT_EQ(stamped(routed, plain, 2), routed);
 }
 
 TEST(TorvoMetadata, keepsTheOtherBitsOfAReusedPayload) {
-    // Every byte is 0xFF but the signature, so that each bit that is cleared shows.
+    // Every byte except the signature is 0xFF, so that each cleared bit is visible.
     Bytes old(1936, std::byte{0xFF});
     std::ranges::copy_n(freshBusyPayload({}).begin(), 4, old.begin());
     const auto result =
@@ -243,12 +243,12 @@ TEST(TorvoMetadata, replacesAForeignBusyChunkInPlace) {
     }
 }
 
-TEST(TorvoMetadata, thePadByteOfAnOddOldPayloadStaysBehind) {
+TEST(TorvoMetadata, leavesThePadByteOfAnOddPayload) {
     const auto head = riffFile({riffChunk("data", bytes("01"))});
     const auto tail = riffChunk("LIST", bytes("tail"));
     for (const std::size_t size : {1U, 55U, 1935U, 1937U, 4001U}) {
-        // Intended: the pad byte is not part of what is replaced. It stays, and what follows it no
-        // longer stands where a walk over the chunks looks.
+        // Intended: the pad byte is not part of the replaced chunk. It stays, so later chunks are
+        // misaligned by one byte.
         auto old = busyChunk(Bytes(size, std::byte{7}));
         old.back() = std::byte{0xAB};
         const auto result = stamped(joined({head, old, tail}));
@@ -259,8 +259,8 @@ TEST(TorvoMetadata, thePadByteOfAnOddOldPayloadStaysBehind) {
     }
 }
 
-TEST(TorvoMetadata, aPadByteLeftBeforeTheDataHidesItFromTheNextStamp) {
-    // The price of the above, kept with it: no device makes such a file.
+TEST(TorvoMetadata, failsToFindDataAfterALeftPadByte) {
+    // A known consequence of the leftover pad byte: no device writes such a file.
     auto file = riffFile({busyChunk(bytes("odd")), riffChunk("data", bytes("0123"))});
     const TorvoWAVMetadataWriter writer;
     writer.updateBusyChunk(file, plain, 1);
@@ -270,10 +270,10 @@ TEST(TorvoMetadata, aPadByteLeftBeforeTheDataHidesItFromTheNextStamp) {
     EXPECT_EQ(file, once);
 }
 
-TEST(TorvoMetadata, aMissingPadByteAtTheEndHidesTheChunkFromTheNextStamp) {
-    // Intended: the new chunk stands at the very end, as in every file that was ever stamped, while
-    // the search walks past a pad byte that is not there. Such a file is not valid; each stamp adds
-    // a chunk, and the bytes in front of it stay.
+TEST(TorvoMetadata, appendsAnotherChunkWhenAPadByteIsMissingAtTheEnd) {
+    // Intended: the new chunk is appended at the very end, as in all files stamped so far, while
+    // the search skips a pad byte that does not exist. Such a file is invalid; each stamp adds a
+    // chunk, and the bytes before it are kept.
     auto file = riffFile({riffChunk("data", bytes("abc"))});
     file.pop_back();
     for (int i = 0; i < 3; ++i) {
@@ -283,7 +283,7 @@ TEST(TorvoMetadata, aMissingPadByteAtTheEndHidesTheChunkFromTheNextStamp) {
     }
 }
 
-TEST(TorvoMetadata, changesTheFirstBusyChunkWhereverItStands) {
+TEST(TorvoMetadata, changesTheFirstBusyChunkAnywhere) {
     const auto data = riffChunk("data", bytes("abc")); // odd, with a pad byte
     const auto empty = busyChunk({});
     const auto fresh = busyChunk(freshBusyPayload({.dataSize = 3}));
@@ -291,9 +291,9 @@ TEST(TorvoMetadata, changesTheFirstBusyChunkWhereverItStands) {
     EXPECT_EQ(Bytes(result.begin() + 12, result.end()), joined({fresh, data, empty}));
 }
 
-TEST(TorvoMetadata, aDamagedTailEndsTheSearchForTheChunk) {
+TEST(TorvoMetadata, stopsSearchingAtATruncatedChunk) {
     for (const std::uint32_t size : {1945U, 0x7FFFFFFFU, 0xFFFFFFF7U, 0xFFFFFFFFU}) {
-        // A busy chunk behind the cut one is not found; a new one is appended.
+        // A busy chunk after the truncated one is not found; a new one is appended.
         const auto file = joined(
             {smallWav(), chunkOf("LIST", size), busyChunk(freshBusyPayload({.dataSize = 10}))});
         EXPECT_EQ(stamped(file), joined({file, busyChunk(freshBusyPayload({.dataSize = 10}))}))
@@ -304,18 +304,18 @@ TEST(TorvoMetadata, aDamagedTailEndsTheSearchForTheChunk) {
         EXPECT_EQ(stamped(file), joined({file, busyChunk(freshBusyPayload({.dataSize = 10}))}))
             << stray << " stray bytes";
     }
-    // A busy chunk that itself runs past the end.
+    // A busy chunk that itself extends past the end.
     const auto file = joined({smallWav(), chunkOf("busy", 1936), Bytes(1935)});
     EXPECT_EQ(stamped(file), joined({file, busyChunk(freshBusyPayload({.dataSize = 10}))}));
 }
 
-TEST(TorvoMetadata, anIdThatIsNoASCIINeverMatches) {
+TEST(TorvoMetadata, neverMatchesANonASCIIId) {
     const auto file = riffFile({riffChunk("d\xE4ta", bytes("xx")), riffChunk("data", bytes("abcd")),
                                 riffChunk("b\xFCsy", Bytes(1936))});
     EXPECT_EQ(stamped(file), joined({file, busyChunk(freshBusyPayload({.dataSize = 4}))}));
 }
 
-TEST(TorvoMetadata, refusesWhatIsNoWavAndLeavesItAsItWas) {
+TEST(TorvoMetadata, refusesOtherFilesAndLeavesThemUnchanged) {
     struct Row {
         const char* name;
         Bytes file;
@@ -359,7 +359,7 @@ TEST(TorvoMetadata, refusesWhatIsNoWavAndLeavesItAsItWas) {
     }
 }
 
-TEST(TorvoMetadataDeathTest, aBitDepthThatIsNoByteEndsTheProcess) {
+TEST(TorvoMetadataDeathTest, abortsOnABitDepthThatDoesNotFitAByte) {
     auto file = smallWav();
     for (const std::int64_t bits : {std::int64_t{-1}, std::int64_t{256}}) {
         TorvoMetadataOptions options;
