@@ -11,7 +11,7 @@
 namespace torvo::test {
 namespace {
 
-/// The names in the order in which the pool handed them out.
+/// The sample names in the order in which they were drawn.
 std::vector<std::string> handedOut(const std::vector<BankRecipe>& recipes) {
     std::vector<std::string> names;
     for (const auto& recipe : recipes) {
@@ -28,7 +28,7 @@ std::vector<BankRecipe> loopRecipes(std::size_t available, std::int64_t banks, s
                                        BankNameScheme("kit"), seed);
 }
 
-RC_GTEST_PROP(BankGenerator, handsOutEverySampleBeforeAnyComesAgain, (std::uint64_t seed)) {
+RC_GTEST_PROP(BankGenerator, drawsEverySampleBeforeRepeatingOne, (std::uint64_t seed)) {
     const auto available = *rc::gen::inRange<std::size_t>(8, 200);
     const auto banks = (available + 7) / 8;
     const auto names = handedOut(loopRecipes(available, static_cast<std::int64_t>(banks), seed));
@@ -37,7 +37,7 @@ RC_GTEST_PROP(BankGenerator, handsOutEverySampleBeforeAnyComesAgain, (std::uint6
     RC_ASSERT(different.size() == available);
 }
 
-RC_GTEST_PROP(BankGenerator, aBankHoldsNoSampleTwiceWhileThePoolAllows, (std::uint64_t seed)) {
+RC_GTEST_PROP(BankGenerator, avoidsDuplicatesWithinABankWhilePossible, (std::uint64_t seed)) {
     const auto available = *rc::gen::inRange<std::size_t>(8, 40);
     for (const auto& recipe : loopRecipes(available, 99, seed)) {
         const auto names = handedOut({recipe});
@@ -45,7 +45,7 @@ RC_GTEST_PROP(BankGenerator, aBankHoldsNoSampleTwiceWhileThePoolAllows, (std::ui
     }
 }
 
-RC_GTEST_PROP(BankGenerator, aDrumBankWithDoublesIsMarked, (std::uint64_t seed)) {
+RC_GTEST_PROP(BankGenerator, marksDrumBanksWithDuplicates, (std::uint64_t seed)) {
     RoleBuckets buckets;
     buckets.kick = bucketOf(ChannelRole::kick, *rc::gen::inRange<std::size_t>(1, 5));
     buckets.snare = bucketOf(ChannelRole::snare, *rc::gen::inRange<std::size_t>(0, 5));

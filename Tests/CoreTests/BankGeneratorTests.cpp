@@ -57,7 +57,7 @@ std::vector<BankRecipe> make(const RoleBuckets& buckets, GenerationMode mode, st
                                        BankNameScheme("kit"), seed);
 }
 
-/// The golden files' form: the names of channels 1 to 8, then "reused".
+/// The format of the golden vectors: the names of channels 1 to 8, then "reused" if it applies.
 std::string line(const BankRecipe& recipe) {
     std::string text;
     for (const auto& [channel, sample] : recipe.channels)
@@ -72,7 +72,7 @@ std::vector<std::string> lines(const std::vector<BankRecipe>& recipes) {
     return all;
 }
 
-TEST(BankGenerator, wholeRunsAreTheGoldenOnes) {
+TEST(BankGenerator, matchesTheGoldenRuns) {
     struct Row {
         const char* name;
         RoleBuckets buckets;
@@ -96,7 +96,7 @@ TEST(BankGenerator, wholeRunsAreTheGoldenOnes) {
     }
 }
 
-TEST(BankGenerator, recipesCarryIndexNameSeedAndSample) {
+TEST(BankGenerator, fillsIndexNameSeedAndSampleOfRecipes) {
     const auto buckets = drumBuckets(fullDrums);
     const auto recipes = make(buckets, GenerationMode::drums, 3, 9);
     ASSERT_EQ(recipes.size(), 3U);
@@ -109,7 +109,7 @@ TEST(BankGenerator, recipesCarryIndexNameSeedAndSample) {
     EXPECT_EQ(recipes[0].channels.at(4), buckets.openHat[0]);
 }
 
-TEST(BankGenerator, seedZeroGivesTheBanksOfTheGammaButRecordsZero) {
+TEST(BankGenerator, replacesSeedZeroByTheGammaButRecordsZero) {
     const auto buckets = drumBuckets(fullDrums);
     const auto zero = make(buckets, GenerationMode::drums, 20, 0);
     auto gamma = make(buckets, GenerationMode::drums, 20, 0x9E3779B97F4A7C15);
@@ -120,7 +120,7 @@ TEST(BankGenerator, seedZeroGivesTheBanksOfTheGammaButRecordsZero) {
     EXPECT_EQ(zero, gamma);
 }
 
-TEST(BankGenerator, sameInputsGiveTheSameRecipes) {
+TEST(BankGenerator, isDeterministic) {
     const auto buckets = drumBuckets(fullDrums);
     EXPECT_EQ(make(buckets, GenerationMode::drums, 99, 77),
               make(buckets, GenerationMode::drums, 99, 77));
@@ -128,7 +128,7 @@ TEST(BankGenerator, sameInputsGiveTheSameRecipes) {
               lines(make(buckets, GenerationMode::drums, 99, 78)));
 }
 
-TEST(BankGenerator, tellsWhetherThereIsEnough) {
+TEST(BankGenerator, reportsMissingSamples) {
     struct Row {
         const char* name;
         RoleBuckets buckets;
@@ -145,7 +145,7 @@ TEST(BankGenerator, tellsWhetherThereIsEnough) {
          GenerationError::insufficientPercussion(2)},
         {"only other drums", drumBuckets({.kick = 1, .clap = 9, .snare = 9}), GenerationMode::drums,
          GenerationError::insufficientPercussion(0)},
-        // The kick is asked for first.
+        // The kick is checked first.
         {"nothing",
          {},
          GenerationMode::drums,
@@ -164,7 +164,7 @@ TEST(BankGenerator, tellsWhetherThereIsEnough) {
     }
 }
 
-TEST(BankGenerator, missingDrumsAreFilledFromThePercs) {
+TEST(BankGenerator, fillsMissingDrumsFromThePercs) {
     const auto recipes = make(drumBuckets(percOnly), GenerationMode::drums, 10, 5);
     for (const auto& recipe : recipes) {
         EXPECT_EQ(recipe.channels.at(1).role, ChannelRole::kick);
@@ -173,13 +173,13 @@ TEST(BankGenerator, missingDrumsAreFilledFromThePercs) {
             EXPECT_EQ(recipe.channels.at(channel).role, ChannelRole::perc);
         for (std::int64_t channel = 2; channel <= 4; ++channel)
             firstThree.insert(recipe.channels.at(channel).displayName);
-        // Three different ones first; the fourth and later picks repeat, so every bank is marked.
+        // Only three samples: the fourth pick repeats one, so every bank is marked.
         EXPECT_EQ(firstThree.size(), 3U);
         EXPECT_TRUE(recipe.reusedSamples);
     }
 }
 
-TEST(BankGenerator, onlyTheBankOfAWrapIsMarked) {
+TEST(BankGenerator, marksOnlyTheBankInWhichThePoolWraps) {
     // Sixteen loops fill two banks; the third starts over.
     const auto recipes = make(loops(16), GenerationMode::loops, 6, 5);
     const bool expected[] = {false, false, true, false, true, false};
@@ -187,9 +187,9 @@ TEST(BankGenerator, onlyTheBankOfAWrapIsMarked) {
         EXPECT_EQ(recipes[i].reusedSamples, expected[i]) << "bank " << i + 1;
 }
 
-TEST(BankGenerator, twoNamesOfOneFileAreOneSample) {
+TEST(BankGenerator, treatsTwoPathsOfOneFileAsOneSample) {
     auto buckets = loops(9);
-    // The second names the first's file by a detour; no bank may hold both.
+    // The second path names the same file with a ".." component; no bank may contain both.
     buckets.loop[1].sourceURL = FileURL("/Kit/other/../loop1.wav");
     for (const auto& recipe : make(buckets, GenerationMode::loops, 30, 8)) {
         std::set<std::string> paths;
@@ -199,15 +199,15 @@ TEST(BankGenerator, twoNamesOfOneFileAreOneSample) {
     }
 }
 
-TEST(BankGenerator, slotsAreFilledInChannelOrder) {
+TEST(BankGenerator, fillsSlotsInChannelOrder) {
     auto reversed = generationTemplate(GenerationMode::drums);
     std::ranges::reverse(reversed.slots);
     EXPECT_EQ(make(drumBuckets(fullDrums), GenerationMode::drums, 20, 4, reversed),
               make(drumBuckets(fullDrums), GenerationMode::drums, 20, 4));
 }
 
-TEST(BankGenerator, theLastOfTheSlotsOfAChannelWins) {
-    // Many, so that an order which is not stable shows.
+TEST(BankGenerator, usesTheLastSlotOfAChannel) {
+    // Enough slots to expose an unstable sort.
     for (const auto last : {ChannelRole::clap, ChannelRole::kick}) {
         const auto others = last == ChannelRole::kick ? ChannelRole::clap : ChannelRole::kick;
         GenerationTemplate crowded{"Crowded", {}};
@@ -224,7 +224,7 @@ TEST(BankGenerator, theLastOfTheSlotsOfAChannelWins) {
     }
 }
 
-TEST(BankGenerator, aSlotThatTheModeCannotFillIsRefused) {
+TEST(BankGenerator, refusesSlotsThatTheModeCannotFill) {
     struct Row {
         GenerationMode mode;
         ChannelRole slot;
@@ -250,7 +250,7 @@ TEST(BankGenerator, aSlotThatTheModeCannotFillIsRefused) {
     }
 }
 
-TEST(BankGenerator, aTemplateMayHaveFewerSlots) {
+TEST(BankGenerator, acceptsTemplatesWithFewerSlots) {
     const GenerationTemplate two{"Two", {{5, ChannelRole::loop, "A"}, {2, ChannelRole::loop, "B"}}};
     const auto recipes = make(loops(8), GenerationMode::loops, 4, 1, two);
     for (const auto& recipe : recipes) {

@@ -35,6 +35,7 @@ BankMappingDocument smallDocument() {
             .exportedAt = sys_seconds(1772373909s)}; // 2026-03-01T14:05:09Z
 }
 
+/// A document's JSON that a test edits and the store then reads.
 class Reading {
 public:
     BankMappingDocument operator()(const std::string& text) const {
@@ -60,7 +61,7 @@ std::string errorOf(const auto& action) {
     return error ? error->errorDescription() : "none";
 }
 
-TEST(BankMappingStore, fillsADocument) {
+TEST(BankMappingStore, buildsADocumentFromAReport) {
     const auto before = std::chrono::system_clock::now() - 1s;
     const auto wanted = smallDocument();
     const auto document =
@@ -133,7 +134,7 @@ TEST(BankMappingStore, readsBackWhatItWrote) {
     EXPECT_EQ(BankMappingStore().importDocument(url), smallDocument());
 }
 
-TEST(BankMappingStore, replacesWhatStoodThereAndLeavesNothingBeside) {
+TEST(BankMappingStore, replacesAnExistingFileWithoutLeftovers) {
     const TemporaryFolder folder;
     const FileURL url(folder.write("Kit001.json", std::string(100'000, 'x')));
     BankMappingStore().exportDocument(smallDocument(), url);
@@ -252,17 +253,17 @@ TEST(BankMappingStore, readsEarlierDocumentsWithoutVersionModeAndDate) {
     EXPECT_LE(exportedAt, std::chrono::system_clock::now());
 }
 
-TEST(BankMappingStore, everythingElseIsRequired) {
+TEST(BankMappingStore, requiresAllOtherKeys) {
     const Reading read;
     for (const auto* key : {"sourceFolder", "naming", "template", "recipes"})
         EXPECT_EQ(errorOf([&] { read.without(key); }), std::string(key) + ": missing");
 }
 
-TEST(BankMappingStore, typesAreStrict) {
+TEST(BankMappingStore, rejectsValuesOfTheWrongType) {
     const Reading read;
     for (const auto* key : {"version", "sourceFolder", "generationMode", "naming", "template",
                             "recipes", "exportedAt"}) {
-        // A value that is there but null is not a missing one.
+        // An explicit null is not a missing value.
         const auto error = errorOf([&] { read.with(key, nullptr); });
         EXPECT_TRUE(error.starts_with(std::string(key) + ": not ") ||
                     error.starts_with(std::string(key) + ".") || error.ends_with("not an object"))
@@ -281,7 +282,7 @@ TEST(BankMappingStore, typesAreStrict) {
     EXPECT_EQ(errorOf([&] { read.with("recipes", {1}); }), "recipes[0]: not an object");
 }
 
-TEST(BankMappingStore, errorsNameTheWholeKeyPathAndTheDocument) {
+TEST(BankMappingStore, namesTheKeyPathAndTheDocumentInErrors) {
     const Reading read;
     nlohmann::json document = smallDocument();
     auto& recipes = document["recipes"];
@@ -315,7 +316,7 @@ TEST(BankMappingStore, readsDatesInWholeSecondsWithAnOffset) {
         EXPECT_EQ(read.with("exportedAt", row.text).exportedAt, row.expected) << row.text;
 }
 
-TEST(BankMappingStore, refusesEveryOtherDate) {
+TEST(BankMappingStore, refusesOtherDateFormats) {
     const Reading read;
     for (const auto* text : {"",
                              "2026-03-01",
@@ -350,7 +351,7 @@ TEST(BankMappingStore, refusesEveryOtherDate) {
     EXPECT_EQ(errorOf([&] { read.with("exportedAt", 1772373909); }), "exportedAt: not a text");
 }
 
-TEST(BankMappingStore, refusesWhatIsNoJSON) {
+TEST(BankMappingStore, refusesInvalidJSON) {
     const Reading read;
     EXPECT_EQ(errorOf([&] { read(""); }), "malformed JSON at byte 1");
     EXPECT_EQ(errorOf([&] { read("{\"version\": }"); }), "malformed JSON at byte 13");
@@ -361,7 +362,7 @@ TEST(BankMappingStore, refusesWhatIsNoJSON) {
     EXPECT_EQ(errorOf([&] { read("null"); }), "not an object");
 }
 
-TEST(BankMappingStore, refusesNestingThatNoDocumentHas) {
+TEST(BankMappingStore, refusesExcessiveNesting) {
     const Reading read;
     const auto nested = [](std::size_t depth) {
         return std::string(depth, '[') + std::string(depth, ']');
@@ -373,7 +374,7 @@ TEST(BankMappingStore, refusesNestingThatNoDocumentHas) {
     };
     EXPECT_EQ(errorOf([&] { read(within(nested(30))); }), "none") << "an unknown key is ignored";
     EXPECT_EQ(errorOf([&] { read(within(nested(100))); }), "nested too deeply");
-    // Would overflow the stack of a reader that recurses.
+    // Would overflow the stack of a recursive parser.
     EXPECT_EQ(errorOf([&] { read(std::string(1'000'000, '[')); }), "nested too deeply");
     std::string objects;
     for (int i = 0; i < 100'000; ++i)

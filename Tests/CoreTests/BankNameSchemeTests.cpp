@@ -13,7 +13,7 @@ TEST(BankNameScheme, derivesThePrefixFromTheFolderName) {
         const char* prefix;
     };
     const Row rows[] = {
-        // Only the first character of the whole is raised, so no "MyDrum": the steps decide.
+        // Only the first character of the whole prefix is capitalized, so not "MyDrum".
         {"my drum kit", "Mydrum"},
         {"808 kicks!!", "808kic"},
         {"Lo-Fi_Loops", "LoFiLo"},
@@ -29,11 +29,11 @@ TEST(BankNameScheme, derivesThePrefixFromTheFolderName) {
         {"élan vital", "Élanvi"},
         {"ドラムキット集音", "ドラムキット"},
         {"ß", "SS"},
-        // The upper case of the first character comes on top of the six.
+        // Upper-casing the first character may exceed six characters.
         {"ﬃnders", "FFInders"},
         {"½ kit", "½kit"},
         {"कि ", "कि"},
-        // A letter and its combining accents count as one character.
+        // A letter with its combining accents counts as one character.
         {"e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301",
          "E\u0301e\u0301e\u0301e\u0301e\u0301e\u0301"},
         // A leading accent of a word combines with the preceding letter, so six characters are
@@ -50,7 +50,7 @@ TEST(BankNameScheme, derivesThePrefixFromTheFolderName) {
     }
 }
 
-TEST(BankNameScheme, keepsAGivenPrefixAsItIs) {
+TEST(BankNameScheme, keepsAGivenPrefixUnchanged) {
     const BankNameScheme naming("Kit", "a much longer prefix!");
     EXPECT_EQ(naming.prefix, "a much longer prefix!");
     EXPECT_EQ(naming.firstBankName(), "a much longer prefix!001");
@@ -68,13 +68,13 @@ TEST(BankNameScheme, numbersBanksWithAtLeastThreeDigits) {
     EXPECT_EQ(naming.manifestFileName(), "Drums001.json");
 }
 
-TEST(BankNameScheme, equalityLooksAtBothFields) {
+TEST(BankNameScheme, comparesBothFields) {
     EXPECT_EQ(BankNameScheme("kit"), BankNameScheme("kit", "Kit"));
     EXPECT_NE(BankNameScheme("kit"), BankNameScheme("kit", "kit"));
     EXPECT_NE(BankNameScheme("kit"), BankNameScheme("Kit"));
 }
 
-TEST(ZeroPadded, padsAsTheFormatOfAPrinterDoes) {
+TEST(ZeroPadded, padsLikePrintf) {
     for (const std::int64_t number :
          {std::int64_t{0}, std::int64_t{7}, std::int64_t{-7}, std::int64_t{-123},
           std::int64_t{12345}, std::numeric_limits<std::int64_t>::max(),

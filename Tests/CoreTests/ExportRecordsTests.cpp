@@ -12,7 +12,7 @@ GenerationReport report() {
             {"Loop", "Stab"}};
 }
 
-TEST(GenerationReport, holdsOneWholeRun) {
+TEST(GenerationReport, containsACompleteRun) {
     const auto made = report();
     EXPECT_EQ(made.scanReport.sourceFolder, FileURL::directory("/Loops"));
     EXPECT_EQ(made.summary.banksWritten, 99);
@@ -20,7 +20,7 @@ TEST(GenerationReport, holdsOneWholeRun) {
     EXPECT_EQ(made.missingRequirements, (std::vector<std::string>{"Loop", "Stab"}));
 }
 
-TEST(GenerationReport, isEqualInAllFieldsOrNotAtAll) {
+TEST(GenerationReport, comparesEveryField) {
     const auto made = report();
     EXPECT_EQ(report(), made);
     auto other = made;
@@ -37,7 +37,7 @@ TEST(GenerationReport, isEqualInAllFieldsOrNotAtAll) {
     EXPECT_NE(other, made);
 }
 
-TEST(ExportJob, writesAllOfADocumentWithTheSettingsGiven) {
+TEST(ExportJob, combinesADocumentWithTheGivenSettings) {
     BankMappingDocument document{
         .version = 2,
         .sourceFolder = FileURL::directory("/Kit A"),

@@ -1,4 +1,4 @@
-// The pages of docs/formats and the word table of the README, held against the code.
+// Checks the pages of docs/formats and the word table of the README against the code.
 
 #include "BankMappingStore.h"
 #include "ExportFixture.h"
@@ -268,7 +268,7 @@ TEST(FormatDocuments, describeTheNamesOfBanks) {
 
 const fs::path exampleDocument = sourceTree / "docs/formats/example.json";
 
-TEST(FormatDocuments, exampleIsWhatTheStoreWrites) {
+TEST(FormatDocuments, exampleMatchesTheOutputOfTheStore) {
     const BankMappingStore store;
     const auto document = store.importDocument(FileURL(exampleDocument));
     ASSERT_EQ(document.recipes.size(), 1U);
@@ -280,7 +280,7 @@ TEST(FormatDocuments, exampleIsWhatTheStoreWrites) {
     EXPECT_EQ(textOf(copy.path()), textOf(exampleDocument));
 }
 
-/// Where an object of each section stands in the example, in the order of the page.
+/// The path of one object of each section within the example, in the order of the page.
 const std::vector<std::pair<std::string, std::string>> sections{
     {"Document", ""},
     {"Naming", "/naming"},
@@ -300,7 +300,7 @@ std::optional<BankMappingDocument> imported(const nlohmann::json& document) {
     }
 }
 
-/// Whether a value is of the type that a table names. Throws for a name that is none.
+/// Whether a value has the type named in a table. Throws for an unknown type name.
 bool isOfType(const std::string& type, const nlohmann::json& value) {
     using Json = nlohmann::json;
     static const auto text = [](const auto& accepts) {
@@ -320,7 +320,7 @@ bool isOfType(const std::string& type, const nlohmann::json& value) {
          }},
         {"file URL", text([](const std::string& url) { return url.starts_with("file:///"); })},
         {"role", text([](const std::string& name) { return channelRole(name).has_value(); })},
-        // The names of the modes, as they stand between the outer backticks.
+        // The names of the modes as written between the outer backticks.
         {"drums`, `loops` or `stabs",
          text([](const std::string& name) { return generationMode(name).has_value(); })},
     };
@@ -366,7 +366,7 @@ TEST(FormatDocuments, describeTheTypeOfEveryValue) {
     }
 }
 
-TEST(FormatDocuments, describeWhatAMissingKeyMeans) {
+TEST(FormatDocuments, describeTheEffectOfAMissingKey) {
     const auto description = page("docs/formats/mapping-document.md");
     const auto example = nlohmann::json::parse(textOf(exampleDocument));
     for (const auto& [section, place] : sections) {
@@ -394,7 +394,7 @@ TEST(FormatDocuments, describeWhatAMissingKeyMeans) {
 
 // The word table of the README
 
-TEST(FormatDocuments, readmeListsWordsThatDecide) {
+TEST(FormatDocuments, readmeListsTheWordsOfTheClassifier) {
     const std::map<std::string, ChannelRole> roles{{"kick", ChannelRole::kick},
                                                    {"clap", ChannelRole::clap},
                                                    {"closed hat", ChannelRole::closedHat},

@@ -32,14 +32,14 @@ std::vector<Row> rows() {
     };
 }
 
-TEST(GenerationError, describesItself) {
+TEST(GenerationError, hasADescription) {
     for (const auto& row : rows()) {
         EXPECT_EQ(row.error.errorDescription(), row.description);
         EXPECT_STREQ(row.error.what(), row.description);
     }
 }
 
-TEST(GenerationError, equalsOnlyTheSameCaseWithTheSameValue) {
+TEST(GenerationError, comparesCaseAndValue) {
     const auto left = rows();
     const auto right = rows();
     for (std::size_t i = 0; i < left.size(); ++i) {
@@ -54,7 +54,7 @@ TEST(GenerationError, equalsOnlyTheSameCaseWithTheSameValue) {
         << "the same text, another file";
 }
 
-TEST(GenerationError, tellsItsCase) {
+TEST(GenerationError, reportsItsCase) {
     const auto error = GenerationError::insufficientPercussion(1);
     const auto* value = std::get_if<GenerationError::InsufficientPercussion>(&error.value());
     ASSERT_NE(value, nullptr);

@@ -67,7 +67,7 @@ TEST(GenerationMode, isFoundByItsExactRawValueOnly) {
         EXPECT_EQ(generationMode(name), std::nullopt) << name;
 }
 
-TEST(GenerationTemplate, drumsHaveTheClapOnTwoAndTheSnareOnFive) {
+TEST(GenerationTemplate, assignsDrumChannels) {
     const std::vector<TemplateSlot> expected{{1, ChannelRole::kick, "Kick"},
                                              {2, ChannelRole::clap, "Clap"},
                                              {3, ChannelRole::closedHat, "Closed Hat"},
@@ -101,7 +101,7 @@ TEST(GenerationTemplate, loopsAndStabsHaveEightSlotsOfOneRole) {
     }
 }
 
-TEST(GenerationTemplate, equalityLooksAtEveryField) {
+TEST(GenerationTemplate, comparesEveryField) {
     const TemplateSlot slot{1, ChannelRole::kick, "Kick"};
     EXPECT_NE(slot, (TemplateSlot{2, ChannelRole::kick, "Kick"}));
     EXPECT_NE(slot, (TemplateSlot{1, ChannelRole::snare, "Kick"}));

@@ -43,7 +43,7 @@ SampleCandidate convertedSample() {
             AudioFormatDetails{"aif", 48000.5, 2, 24, true}};
 }
 
-TEST(Json, enumerationsAreTheirRawValues) {
+TEST(Json, writesEnumerationsAsRawValues) {
     for (const auto role : allChannelRoles) {
         EXPECT_EQ(json(role), json(rawValue(role)));
         expectIdentity(role);
@@ -62,7 +62,7 @@ TEST(Json, enumerationsAreTheirRawValues) {
     }
 }
 
-TEST(Json, otherNamesAndNumbersAreRefused) {
+TEST(Json, refusesUnknownNamesAndNumbers) {
     EXPECT_EQ(errorOf<ChannelRole>("closedhat"), "\"closedhat\" is no channel role");
     EXPECT_EQ(errorOf<ChannelRole>("Kick"), "\"Kick\" is no channel role");
     EXPECT_EQ(errorOf<ChannelRole>(3), "not a text");
@@ -75,7 +75,7 @@ TEST(Json, otherNamesAndNumbersAreRefused) {
     EXPECT_EQ(errorOf<TorvoFilterType>(1.0), "not an integer");
 }
 
-TEST(Json, templatesKeepTheirSlotsInOrder) {
+TEST(Json, keepsTheOrderOfTemplateSlots) {
     const auto& drums = GenerationTemplate::torvoV1();
     EXPECT_EQ(json(drums.slots[1]), (json{{"channel", 2}, {"role", "clap"}, {"label", "Clap"}}));
     EXPECT_EQ(json(GenerationTemplate{"T", {}}).dump(), R"({"name":"T","slots":[]})");
@@ -86,7 +86,7 @@ TEST(Json, templatesKeepTheirSlotsInOrder) {
     expectIdentity(reversed);
 }
 
-TEST(Json, aTemplateIsWholeOrNone) {
+TEST(Json, refusesIncompleteTemplates) {
     const json slot = GenerationTemplate::torvoV1().slots[0];
     const json whole = GenerationTemplate::torvoV1();
     EXPECT_EQ(errorOf<TemplateSlot>(without(slot, "channel")), "channel: missing");
@@ -104,7 +104,7 @@ TEST(Json, aTemplateIsWholeOrNone) {
     EXPECT_EQ(errorOf<GenerationTemplate>(badSlot), "slots[6].role: \"Perc\" is no channel role");
 }
 
-TEST(Json, compatibilityIsAnObjectOfOneKey) {
+TEST(Json, writesCompatibilityAsAnObjectWithOneKey) {
     EXPECT_EQ(json(SampleCompatibility(CompatibleWav{})).dump(), R"({"compatibleWav":{}})");
     EXPECT_EQ(json(SampleCompatibility(RequiresConversion{"bit depth 8"})).dump(),
               R"({"requiresConversion":{"reason":"bit depth 8"}})");
@@ -127,7 +127,7 @@ TEST(Json, compatibilityIsAnObjectOfOneKey) {
     EXPECT_EQ(errorOf<SampleCompatibility>("compatibleWav"), "not an object");
 }
 
-TEST(Json, candidatesHoldTheirURLAsAText) {
+TEST(Json, writesTheURLOfACandidateAsAString) {
     const json encoded = convertedSample();
     EXPECT_EQ(encoded.dump(),
               R"({"compatibility":{"requiresConversion":{"reason":"non-WAV source, )"
@@ -140,7 +140,7 @@ TEST(Json, candidatesHoldTheirURLAsAText) {
         expectIdentity(compatibleSample(role, 1));
 }
 
-TEST(Json, aCandidateIsWholeOrNone) {
+TEST(Json, refusesIncompleteCandidates) {
     const json whole = convertedSample();
     for (const auto* key : {"sourceURL", "role", "displayName", "compatibility", "formatDetails"})
         EXPECT_EQ(errorOf<SampleCandidate>(without(whole, key)), std::string(key) + ": missing");
@@ -162,7 +162,7 @@ TEST(Json, aCandidateIsWholeOrNone) {
     EXPECT_EQ(errorOf<SampleCandidate>(with(whole, "another key", 1)), "none");
 }
 
-TEST(Json, aSampleRateMayBeWrittenAsAnInteger) {
+TEST(Json, readsIntegerSampleRates) {
     const json details{{"fileExtension", "wav"},
                        {"sampleRate", 44100},
                        {"channels", 1},
@@ -177,7 +177,7 @@ TEST(Json, aSampleRateMayBeWrittenAsAnInteger) {
               "bitDepth: not an integer");
 }
 
-TEST(Json, integersStayInTheirRange) {
+TEST(Json, refusesIntegersOutOfRange) {
     const auto slotWith = [](const std::string& number) {
         return json::parse(R"({"channel":)" + number + R"(,"role":"kick","label":""})");
     };
@@ -191,7 +191,7 @@ TEST(Json, integersStayInTheirRange) {
     EXPECT_EQ(errorOf<TemplateSlot>(slotWith("1e0")), "channel: not an integer");
 }
 
-TEST(Json, seedsAreExactOverTheWholeRange) {
+TEST(Json, keepsAll64BitsOfSeeds) {
     BankRecipe recipe{1, "Kit001", {}, 0, false};
     for (const std::uint64_t seed :
          {std::uint64_t{0}, std::uint64_t{1}, (std::uint64_t{1} << 53U) + 1,
@@ -209,7 +209,7 @@ TEST(Json, seedsAreExactOverTheWholeRange) {
     EXPECT_EQ(errorOf<BankRecipe>(with(encoded, "seed", "1")), "seed: not an integer");
 }
 
-TEST(Json, channelsAreKeyedByTheirNumber) {
+TEST(Json, keysChannelsByNumber) {
     const BankRecipe recipe{7,
                             "Kit007",
                             {{1, compatibleSample(ChannelRole::kick, 1)},
@@ -234,7 +234,7 @@ TEST(Json, channelsAreKeyedByTheirNumber) {
         EXPECT_EQ(errorOf<BankRecipe>(without(encoded, key)), std::string(key) + ": missing");
 }
 
-TEST(Json, theOtherRecordsHaveTheirFieldNames) {
+TEST(Json, usesFieldNamesAsKeysOfOtherRecords) {
     EXPECT_EQ(json(IgnoredItem{"Kicks/a.txt", "Unsupported audio file"}).dump(),
               R"({"path":"Kicks/a.txt","reason":"Unsupported audio file"})");
     expectIdentity(IgnoredItem{"a", "b"});
@@ -246,7 +246,7 @@ TEST(Json, theOtherRecordsHaveTheirFieldNames) {
     EXPECT_EQ(errorOf<BankNameScheme>({{"sourceFolderName", "a"}}), "prefix: missing");
 }
 
-TEST(Json, metadataOptionsHaveFiveKeys) {
+TEST(Json, writesMetadataOptionsWithFiveKeys) {
     const TorvoMetadataOptions options(12, TorvoPlaybackRate::rate22, TorvoFilterType::notch, true,
                                        {1, 3, 8});
     EXPECT_EQ(json(options).dump(), R"({"bits":12,"cvAssignedChannels":[1,3,8],)"

@@ -13,7 +13,7 @@ TEST(RoleBuckets, countsAllEightRolesWhenEmpty) {
         EXPECT_EQ(counts.at(role), 0) << displayName(role);
 }
 
-TEST(RoleBuckets, aCandidateLandsInTheListOfItsRoleOnly) {
+TEST(RoleBuckets, addsACandidateToTheListOfItsRoleOnly) {
     for (const auto role : allChannelRoles) {
         RoleBuckets buckets;
         const auto candidate = compatibleSample(role, 1);
@@ -27,7 +27,7 @@ TEST(RoleBuckets, aCandidateLandsInTheListOfItsRoleOnly) {
     }
 }
 
-TEST(RoleBuckets, everyRoleHasTheListOfItsName) {
+TEST(RoleBuckets, hasAListForEveryRole) {
     RoleBuckets buckets;
     const std::vector<std::pair<ChannelRole, std::vector<SampleCandidate>*>> lists{
         {ChannelRole::kick, &buckets.kick},       {ChannelRole::closedHat, &buckets.closedHat},
@@ -38,7 +38,7 @@ TEST(RoleBuckets, everyRoleHasTheListOfItsName) {
         EXPECT_EQ(&buckets.samples(role), list) << displayName(role);
 }
 
-TEST(ScanReport, countsAreThoseOfItsBuckets) {
+TEST(ScanReport, reportsTheCountsOfItsBuckets) {
     ScanReport report;
     report.buckets.perc = bucketOf(ChannelRole::perc, 3);
     report.buckets.stab = bucketOf(ChannelRole::stab, 2);
@@ -46,7 +46,7 @@ TEST(ScanReport, countsAreThoseOfItsBuckets) {
     EXPECT_EQ(report.countsByRole().at(ChannelRole::perc), 3);
 }
 
-TEST(SampleCandidate, equalityLooksAtEveryField) {
+TEST(SampleCandidate, comparesEveryField) {
     const auto original = compatibleSample(ChannelRole::kick, 1);
     EXPECT_EQ(original, compatibleSample(ChannelRole::kick, 1));
     const auto changed = [&](auto change) {
@@ -65,7 +65,7 @@ TEST(SampleCandidate, equalityLooksAtEveryField) {
     EXPECT_NE(original, changed([](auto& c) { c.formatDetails.isLinearPCM = false; }));
 }
 
-TEST(SampleCandidate, candidatesOfDifferentReasonsDiffer) {
+TEST(SampleCandidate, comparesConversionReasons) {
     auto one = compatibleSample(ChannelRole::kick, 1);
     auto two = one;
     one.compatibility = RequiresConversion{"bit depth 8"};

@@ -10,7 +10,7 @@
 namespace torvo::test {
 namespace {
 
-TEST(SeededGenerator, drawsTheGoldenWords) {
+TEST(SeededGenerator, matchesTheGoldenDraws) {
     for (const auto& row : golden::draws) {
         SeededGenerator random(row.seed);
         for (const auto expected : row.values)
@@ -18,14 +18,14 @@ TEST(SeededGenerator, drawsTheGoldenWords) {
     }
 }
 
-TEST(SeededGenerator, seedZeroStartsWhereTheGammaDoes) {
+TEST(SeededGenerator, replacesSeedZeroByTheGamma) {
     SeededGenerator zero(0);
     SeededGenerator gamma(0x9E3779B97F4A7C15);
     for (int i = 0; i < 100; ++i)
         EXPECT_EQ(zero.next(), gamma.next());
 }
 
-TEST(SeededGenerator, boundedDrawsAreTheGoldenOnesAndTakeExactlyTheirDraws) {
+TEST(SeededGenerator, matchesTheGoldenBoundedDrawsAndTheirCount) {
     int rejections = 0;
     for (const auto& row : golden::boundedDraws) {
         SeededGenerator random(golden::boundedSeed);
@@ -37,7 +37,7 @@ TEST(SeededGenerator, boundedDrawsAreTheGoldenOnesAndTakeExactlyTheirDraws) {
     ASSERT_GT(rejections, 10) << "the table must hold bounds that reject";
 }
 
-TEST(SeededGenerator, shufflesAreTheGoldenOnesAndTakeOneDrawLessThanItems) {
+TEST(SeededGenerator, matchesTheGoldenShufflesWithOneDrawFewerThanItems) {
     for (const auto& row : golden::shuffles) {
         std::vector<int> items(row.length);
         std::iota(items.begin(), items.end(), 0);
@@ -48,14 +48,15 @@ TEST(SeededGenerator, shufflesAreTheGoldenOnesAndTakeOneDrawLessThanItems) {
     }
 }
 
-RC_GTEST_PROP(SeededGenerator, staysBelowItsBound, (std::uint64_t seed)) {
+RC_GTEST_PROP(SeededGenerator, staysBelowTheBound, (std::uint64_t seed)) {
     const auto bound = *rc::gen::suchThat<std::uint64_t>([](auto n) { return n > 0; });
     SeededGenerator random(seed);
     for (int i = 0; i < 20; ++i)
         RC_ASSERT(random.below(bound) < bound);
 }
 
-RC_GTEST_PROP(SeededGenerator, aShuffleLosesNothing, (std::uint64_t seed, std::vector<int> items)) {
+RC_GTEST_PROP(SeededGenerator, shufflesToAPermutation,
+              (std::uint64_t seed, std::vector<int> items)) {
     auto shuffled = items;
     SeededGenerator(seed).shuffle(shuffled);
     std::ranges::sort(items);
@@ -63,7 +64,7 @@ RC_GTEST_PROP(SeededGenerator, aShuffleLosesNothing, (std::uint64_t seed, std::v
     RC_ASSERT(shuffled == items);
 }
 
-TEST(SeededGeneratorDeathTest, aBoundOfZeroEndsTheProcess) {
+TEST(SeededGeneratorDeathTest, abortsOnABoundOfZero) {
     SeededGenerator random(1);
     EXPECT_DEATH(random.below(0),
                  "Broken precondition: a bounded draw needs a bound of at least 1");

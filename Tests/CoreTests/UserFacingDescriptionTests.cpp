@@ -12,12 +12,12 @@
 namespace torvo::test {
 namespace {
 
-TEST(UserFacingDescription, saysEveryFailureInOneSentence) {
+TEST(UserFacingDescription, describesEveryFailureInOneSentence) {
     const DecodingError missing("recipes[3].channels.2.sourceURL", "missing");
     const std::vector<std::pair<std::exception_ptr, const char*>> rows{
         {std::make_exception_ptr(GenerationError::noRecipesGenerated()),
          "No banks could be generated."},
-        // A message of the core is shown as it stands, also without a full stop.
+        // A message of the core is shown unchanged, even without a full stop.
         {std::make_exception_ptr(GenerationError::exportFailed("Missing channel 7 for bank 12")),
          "Missing channel 7 for bank 12"},
         {std::make_exception_ptr(FileError(FileOperation::write, "/card/info.txt", ENOSPC)),
