@@ -7,7 +7,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-from trustlib import Failed, wait_until  # noqa: E402
+from robustness import Failed, wait_until  # noqa: E402
 
 # Pure containers and decoration: nobody stops at them, so they may stay unnamed.
 UNNAMED_ROLES = {"filler", "frame", "layered-pane", "menu-bar", "panel", "scroll-bar", "scroll-pane",

@@ -12,7 +12,7 @@ import signal
 import subprocess
 import time
 
-from trustlib import check, require_tool, told, wait_until, work_folder
+from robustness import check, require_tool, told, wait_until, work_folder
 
 TOOLS = ["Xvfb", "openbox", "dbus-daemon", "xdotool", "xprop", "import"]
 SCREEN = (1600, 1300)

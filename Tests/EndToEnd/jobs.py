@@ -4,8 +4,8 @@ import json
 import os
 import shutil
 
-import trustlib
-from trustlib import check, check_same, snapshot
+import robustness
+from robustness import check, check_same, snapshot
 
 TEMPORARY = (".torvo-", ".tmp")
 
@@ -20,12 +20,12 @@ class Bench:
 
     def __init__(self, program):
         self.program = program
-        self.folder = trustlib.work_folder()
-        self.source = trustlib.make_library(self.folder + "/Kit")
+        self.folder = robustness.work_folder()
+        self.source = robustness.make_library(self.folder + "/Kit")
         self.out = self.folder + "/out"
         self.document = self.folder + "/Kit001.json"
         os.mkdir(self.out)
-        trustlib.run_well([program, "--source", self.source, "--out", self.out, "--banks", "1",
+        robustness.run_well([program, "--source", self.source, "--out", self.out, "--banks", "1",
                            "--seed", "7", "--json", self.document])
         self.device = self.out + "/Kit/QZT508"
         self.source_before = snapshot(self.source)
@@ -49,7 +49,7 @@ class Run:
         self.reference = snapshot(bench.device, times=False)
 
     def reset(self):
-        trustlib.run_well(self.command)
+        robustness.run_well(self.command)
 
     def check_disturbed(self, result):
         self.bench.check_source()
@@ -57,7 +57,7 @@ class Run:
             check_same(self.reference, snapshot(self.bench.device, times=False), "false success")
 
     def check_repaired(self):
-        trustlib.run_well(self.command)
+        robustness.run_well(self.command)
         check_same(self.reference, snapshot(self.bench.device, times=False), "after a rerun")
 
 
@@ -71,15 +71,15 @@ class Stamp:
         self.kept = bench.folder + "/kept"
         self.command = [bench.program, "--stamp", bench.device, "--bits", "9", "--rate", "22",
                         "--filter", "lp", "--cv", "1,4"]
-        trustlib.replace_tree(bench.device, self.kept)
+        robustness.replace_tree(bench.device, self.kept)
         self.old = snapshot(bench.device, times=False)
-        trustlib.run_well(self.command)
+        robustness.run_well(self.command)
         self.new = snapshot(bench.device, times=False)
         check(self.old != self.new, "the stamp changes nothing, so it shows nothing")
         self.reset()
 
     def reset(self):
-        trustlib.replace_tree(self.kept, self.bench.device)
+        robustness.replace_tree(self.kept, self.bench.device)
 
     def check_disturbed(self, result):
         self.bench.check_source()
@@ -97,7 +97,7 @@ class Stamp:
             check_same(self.new, now, "false success")
 
     def check_repaired(self):
-        trustlib.run_well(self.command)
+        robustness.run_well(self.command)
         check_same(self.new, snapshot(self.bench.device, times=False), "after a rerun")
 
 
@@ -119,7 +119,7 @@ class Save:
             file.write(text[:start] + '"recipes": [],\n  ' + text[end:])
         self.command = [bench.program, "--import", empty, "--out", bench.folder + "/nothing",
                         "--json", self.path]
-        trustlib.run_well(self.command)
+        robustness.run_well(self.command)
         self.new = open(self.path).read()
         self.reset()
 
@@ -139,7 +139,7 @@ class Save:
             check(name == "Kit001.json" or is_temporary(name), name + " appeared")
 
     def check_repaired(self):
-        trustlib.run_well(self.command)
+        robustness.run_well(self.command)
         check(open(self.path).read() == self.new, "the document differs after a rerun")
         check(os.listdir(self.folder) == ["Kit001.json"], "something stays beside the document")
 

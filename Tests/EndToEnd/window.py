@@ -15,7 +15,7 @@ import wave
 
 import accessible
 from desktop import Desktop, read_line
-from trustlib import Failed, check, wait_until
+from robustness import Failed, check, wait_until
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 TITLE = "Torvo Quastle Bank Generator"
