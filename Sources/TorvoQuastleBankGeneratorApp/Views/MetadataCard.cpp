@@ -67,7 +67,7 @@ QStringList displayNames(const Options& options) {
 
 QStringList bitNames() {
     QStringList names;
-    for (auto bits = device::lowestBits; bits <= device::highestBits; ++bits)
+    for (auto bits = device::minBits; bits <= device::maxBits; ++bits)
         names.append(QString::number(bits));
     return names;
 }
@@ -105,8 +105,7 @@ QLayout* MetadataCard::makePickers() {
 
     connect(bits.box, &QComboBox::activated, this, [this](int index) {
         change([index](TorvoMetadataOptions& options) {
-            options.bits =
-                std::clamp(index + device::lowestBits, device::lowestBits, device::highestBits);
+            options.bits = std::clamp(index + device::minBits, device::minBits, device::maxBits);
         });
     });
     connect(rate.box, &QComboBox::activated, this, [this](int index) {
@@ -123,7 +122,7 @@ QLayout* MetadataCard::makePickers() {
         model_, this,
         [this, bits, rate, filter] {
             const TorvoMetadataOptions& options = model_.metadataOptions();
-            bits.box->setCurrentIndex(static_cast<int>(options.bits - device::lowestBits));
+            bits.box->setCurrentIndex(static_cast<int>(options.bits - device::minBits));
             rate.box->setCurrentIndex(indexOf(allTorvoPlaybackRates, options.rate));
             filter.box->setCurrentIndex(indexOf(allTorvoFilterTypes, options.filterType));
         },

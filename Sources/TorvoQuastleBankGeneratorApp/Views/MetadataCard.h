@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TorvoMetadataOptions.h"
+#include "Models/TorvoMetadataOptions.h"
 
 #include <QWidget>
 
