@@ -2,7 +2,7 @@
 
 #include "Models/Device.h"
 #include "Platform/FileManager.h"
-#include "Platform/UnicodeText.h"
+#include "SourceFolder.h"
 
 #include <QRandomGenerator>
 
@@ -13,10 +13,6 @@ namespace torvo::app {
 namespace {
 
 constexpr std::int64_t targetBankCount = 99;
-
-bool isDeviceFolder(const FileURL& folder) {
-    return text::equalsIgnoringCase(folder.lastPathComponent(), device::folderName);
-}
 
 /// Uniform over 1 … 2^64 − 1, from the system's cryptographic source; 0 is drawn again.
 std::uint64_t drawSeed() {

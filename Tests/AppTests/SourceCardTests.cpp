@@ -131,6 +131,52 @@ TEST_F(SourceCardTest, takesTheFirstFolderOfADrop) {
     waitForWork();
 }
 
+// What is shown and what is written have one name: the folder's own.
+TEST_F(SourceCardTest, handsOnTheFolderThatALinkLeadsTo) {
+    const FileURL kit = drumKit();
+    folder.createFolder("links");
+    const auto link = folder / "links/Favourite";
+    std::filesystem::create_directory_symlink("../Kit A", link);
+    EXPECT_TRUE(drop({url(link)}));
+    EXPECT_EQ(model.sourceFolder(), kit);
+    EXPECT_TRUE(shows("Kit A"));
+    waitForWork();
+    press(button("CLEAR"));
+    panels->folder = FileURL::directory(link);
+    press(sourceButton());
+    EXPECT_EQ(model.sourceFolder(), kit);
+    waitForWork();
+    // A link further up.
+    std::filesystem::create_directory_symlink(folder.path(), folder / "links/all");
+    EXPECT_TRUE(drop({url(folder / "links/all/Kit A")}));
+    EXPECT_EQ(model.sourceFolder(), kit);
+    waitForWork();
+}
+
+// The name decides whether banks are stamped or samples scanned: it stays as it was given.
+TEST_F(SourceCardTest, handsOnLinksOfDeviceFoldersAsTheyAre) {
+    drumKit();
+    std::filesystem::create_directory_symlink("Kit A", folder / "qzt508");
+    EXPECT_TRUE(drop({url(folder / "qzt508")}));
+    EXPECT_EQ(model.sourceFolder(), FileURL::directory(folder / "qzt508"));
+    EXPECT_TRUE(model.isUpdatingExistingBank());
+    const FileURL device = deviceFolder();
+    std::filesystem::create_directory_symlink(device.path(), folder / "Card");
+    EXPECT_TRUE(drop({url(folder / "Card")}));
+    EXPECT_EQ(model.sourceFolder(), FileURL::directory(folder / "Card"));
+    EXPECT_FALSE(model.isUpdatingExistingBank());
+    waitForWork();
+}
+
+TEST_F(SourceCardTest, handsOnWhatCannotBeResolvedAsItIs) {
+    std::filesystem::create_symlink("loop", folder / "loop");
+    panels->folder = FileURL::directory(folder / "loop");
+    press(sourceButton());
+    EXPECT_EQ(model.sourceFolder(), panels->folder);
+    waitForWork();
+    EXPECT_TRUE(shows(("Unable to read " + (folder / "loop").string() + ".").c_str()));
+}
+
 TEST_F(SourceCardTest, aTrailingSlashDenotesAFolder) {
     EXPECT_TRUE(drop({QUrl(QStringLiteral("file:///nowhere/Kit/"))}));
     EXPECT_EQ(model.sourceFolder(), FileURL::directory("/nowhere/Kit"));

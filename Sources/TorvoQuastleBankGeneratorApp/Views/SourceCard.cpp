@@ -8,6 +8,7 @@
 #include "Controls/Labels.h"
 #include "Controls/MarloButton.h"
 #include "Panels.h"
+#include "SourceFolder.h"
 #include "Text.h"
 
 #include <QHBoxLayout>
@@ -74,7 +75,7 @@ SourceCard::SourceCard(AppModel& model, QWidget* parent) : QWidget(parent), mode
     connect(dropZone, &QAbstractButton::clicked, this, &SourceCard::chooseFolder,
             Qt::QueuedConnection);
     connect(dropZone, &DropZone::folderDropped, this,
-            [this](const FileURL& folder) { model_.setSourceFolder(folder); });
+            [this](const FileURL& folder) { model_.setSourceFolder(resolvedSource(folder)); });
 
     bind(
         model, this,
@@ -93,7 +94,7 @@ SourceCard::SourceCard(AppModel& model, QWidget* parent) : QWidget(parent), mode
 
 void SourceCard::chooseFolder() {
     if (const auto folder = model_.pickFolder(sourceFolderTitle))
-        model_.setSourceFolder(*folder);
+        model_.setSourceFolder(resolvedSource(*folder));
 }
 
 } // namespace torvo::app

@@ -1,0 +1,24 @@
+#include "SourceFolder.h"
+
+#include "Models/Device.h"
+#include "Platform/FileManager.h"
+#include "Platform/UnicodeText.h"
+
+namespace torvo::app {
+
+bool isDeviceFolder(const FileURL& folder) {
+    return text::equalsIgnoringCase(folder.lastPathComponent(), device::folderName);
+}
+
+FileURL resolvedSource(const FileURL& folder) {
+    if (isDeviceFolder(folder))
+        return folder;
+    try {
+        const FileURL resolved = resolvingSymlinks(*systemFileManager(), folder);
+        return isDeviceFolder(resolved) ? folder : FileURL::directory(resolved.path());
+    } catch (const FileError&) {
+        return folder;
+    }
+}
+
+} // namespace torvo::app
