@@ -21,4 +21,15 @@ FileURL resolvedSource(const FileURL& folder) {
     }
 }
 
+bool leadsTo(const FileURL& folder, const FileURL& resolvedFolder) {
+    if (folder.nativePath() == resolvedFolder.nativePath())
+        return true;
+    try {
+        return resolvingSymlinks(*systemFileManager(), folder).nativePath() ==
+               resolvedFolder.nativePath();
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
 } // namespace torvo::app

@@ -13,4 +13,8 @@ bool isDeviceFolder(const FileURL& folder);
 /// when it cannot be resolved.
 FileURL resolvedSource(const FileURL& folder);
 
+/// Whether `folder` is the folder at `resolvedFolder`, links in `folder` resolved. False when it
+/// cannot be resolved.
+bool leadsTo(const FileURL& folder, const FileURL& resolvedFolder);
+
 } // namespace torvo::app

@@ -9,6 +9,8 @@
 #include <QToolTip>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 using namespace torvo;
 using namespace torvo::app;
 using namespace torvo::test;
@@ -90,6 +92,56 @@ TEST_F(OutputCardTest, offersNoRunWhileOneIsCarriedOut) {
     gate->open();
     waitForWork();
     EXPECT_TRUE(mainButton()->isEnabled());
+}
+
+// TARGET names the folder of the source on the screen; a press must write nowhere else.
+TEST_F(OutputCardTest, generatesFromTheFolderOnTheScreenOnly) {
+    panels->document = savedRun();
+    scan(drumKit("Kit B"));
+    EXPECT_TRUE(mainButton()->isEnabled());
+    model.importJSON();
+    waitForWork();
+    EXPECT_EQ(model.sourceFolder(), drumKit());
+    EXPECT_TRUE(model.canGenerate());
+    EXPECT_FALSE(mainButton()->isEnabled());
+    EXPECT_EQ(mainButton()->toolTip(), hint);
+    scan(drumKit());
+    EXPECT_TRUE(mainButton()->isEnabled());
+    // The document of the folder that was scanned.
+    model.importJSON();
+    waitForWork();
+    EXPECT_TRUE(mainButton()->isEnabled());
+}
+
+TEST_F(OutputCardTest, doesNotGenerateFromAScanThatOutlivedItsSource) {
+    model.setExportFolder(outputFolder());
+    const auto first = inspector->hold("Slow");
+    model.setSourceFolder(drumKit("Slow"));
+    model.setSourceFolder(drumKit("Fast"));
+    EXPECT_TRUE(waitUntil([this] { return mainButton()->isEnabled(); }));
+    first->open();
+    waitForWork();
+    EXPECT_TRUE(model.canGenerate());
+    EXPECT_FALSE(mainButton()->isEnabled());
+
+    const auto second = inspector->hold("Late");
+    model.setSourceFolder(drumKit("Late"));
+    model.clearSource();
+    second->open();
+    waitForWork();
+    EXPECT_TRUE(model.canGenerate());
+    EXPECT_FALSE(mainButton()->isEnabled());
+}
+
+TEST_F(OutputCardTest, generatesFromTheFolderThatALinkLeadsTo) {
+    prepareRun();
+    std::filesystem::create_directory_symlink("Kit A", folder / "link");
+    scan(FileURL::directory(folder / "link"));
+    EXPECT_TRUE(mainButton()->isEnabled());
+    std::filesystem::remove(folder / "link");
+    std::filesystem::create_directory_symlink(drumKit("Kit B").path(), folder / "link");
+    model.setExportFolder(outputFolder("other"));
+    EXPECT_FALSE(mainButton()->isEnabled());
 }
 
 TEST_F(OutputCardTest, showsTheSavedMappingFile) {

@@ -7,6 +7,7 @@
 #include "Controls/Labels.h"
 #include "Controls/MarloButton.h"
 #include "Panels.h"
+#include "SourceFolder.h"
 #include "Text.h"
 
 #include <QHBoxLayout>
@@ -27,6 +28,14 @@ QString exportText(const AppModel& model) {
     if (model.exportFolder())
         return shownPath(*model.exportFolder());
     return OutputCard::tr("Choose output folder.");
+}
+
+/// Whether the report is that of the folder shown under SOURCE. After an import, or when two scans
+/// overlapped, it can be another folder's, and a run would replace banks that TARGET does not name.
+bool showsReportOfSource(const AppModel& model) {
+    const auto* ready = std::get_if<AppModel::Ready>(&model.scanState());
+    return ready != nullptr && model.sourceFolder() &&
+           leadsTo(*model.sourceFolder(), ready->report->sourceFolder);
 }
 
 ElidedPathLabel* makePath() {
@@ -107,8 +116,9 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
 
 void OutputCard::render() {
     const bool updating = model_.isUpdatingExistingBank();
-    const bool allowed = updating ? model_.canApplyExistingBankMetadata() : model_.canGenerate();
-    const bool enabled = allowed && !model_.hasUnfinishedRun();
+    const bool enabled = !model_.hasUnfinishedRun() &&
+                         (updating ? model_.canApplyExistingBankMetadata()
+                                   : model_.canGenerate() && showsReportOfSource(model_));
     choose_->setShown(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
     main_->setAvailable(enabled);
