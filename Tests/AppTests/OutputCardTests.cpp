@@ -37,6 +37,37 @@ TEST_F(OutputCardTest, aCancelledOutputPanelClearsTheOutput) {
     EXPECT_FALSE(mainButton()->isEnabled());
 }
 
+TEST_F(OutputCardTest, doesNotApplyToAFolderThatHasGone) {
+    const FileURL device = deviceFolder();
+    model.setSourceFolder(device);
+    ASSERT_TRUE(mainButton()->isEnabled());
+    std::filesystem::remove_all(device.path());
+    press(mainButton());
+    EXPECT_FALSE(mainButton()->isEnabled());
+    EXPECT_TRUE(std::holds_alternative<AppModel::Idle>(model.runState()));
+    EXPECT_FALSE(shows("Metadata applied to 0 WAVs"));
+}
+
+TEST_F(OutputCardTest, asksForTheFolderAgainWhenTheWindowIsActivated) {
+    const FileURL device = deviceFolder();
+    model.setSourceFolder(device);
+    std::filesystem::remove_all(device.path());
+    ASSERT_TRUE(mainButton()->isEnabled());
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    view.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    std::filesystem::create_directory(device.path());
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    view.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    EXPECT_TRUE(mainButton()->isEnabled());
+}
+
 TEST_F(OutputCardTest, theMainButtonIsAsWideAsItsLabelAndPadding) {
     QApplication::processEvents();
     EXPECT_EQ(mainButton()->size(), MarloButtonStyle::size(QStringLiteral("GENERATE")));

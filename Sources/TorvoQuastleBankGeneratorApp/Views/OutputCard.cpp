@@ -10,6 +10,7 @@
 #include "SourceFolder.h"
 #include "Text.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 
@@ -144,10 +145,21 @@ void OutputCard::chooseFolder() {
 }
 
 void OutputCard::startMainAction() {
+    // The folder may have gone since the button was enabled.
+    render();
+    if (!main_->isEnabled())
+        return;
     if (model_.isUpdatingExistingBank())
         model_.applyMetadataToExistingBank();
     else
         model_.generateBanks();
+}
+
+bool OutputCard::event(QEvent* event) {
+    // The user may come back from a file manager.
+    if (event->type() == QEvent::WindowActivate)
+        render();
+    return QWidget::event(event);
 }
 
 } // namespace torvo::app

@@ -15,6 +15,9 @@ class OutputCard final : public QWidget {
 public:
     explicit OutputCard(AppModel& model, QWidget* parent = nullptr);
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     void render();
     void renderMappingFile();
