@@ -1,10 +1,12 @@
 #include "QtPanels.h"
 
+#include "Platform/FileManager.h"
 #include "Text.h"
 
 #include <QFile>
 #include <QFileDialog>
-#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
 
 namespace torvo::app {
 
@@ -21,9 +23,40 @@ bool isJSON(const FileURL& url) {
     return toQString(url.pathExtension()).compare(QLatin1String("json"), Qt::CaseInsensitive) == 0;
 }
 
+/// The URL itself when it names a JSON file, otherwise with ".json" after its name.
+FileURL withJSONExtension(const FileURL& url) {
+    if (isJSON(url))
+        return url;
+    return FileURL(url.path().native() + ".json", FileURL::Kind::file);
+}
+
 void allowJSONOnly(QFileDialog& panel) {
     panel.setNameFilter(QFileDialog::tr("JSON (*.json)"));
-    panel.setDefaultSuffix(QStringLiteral("json"));
+}
+
+/// Whether saving under this name replaces a file. A folder is never replaced, and what cannot be
+/// looked at cannot be written either: saving then fails by itself.
+bool wouldReplaceFile(const FileURL& url) {
+    try {
+        const auto status = systemFileManager()->status(url.path());
+        return status && status->kind != FileKind::directory;
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
+bool isReplacementAllowed(QWidget* window, const FileURL& url) {
+    QMessageBox question(window);
+    question.setWindowTitle(QMessageBox::tr("Replace File"));
+    question.setTextFormat(Qt::PlainText);
+    question.setText(QMessageBox::tr("\"%1\" already exists. Do you want to replace it?")
+                         .arg(toQString(url.lastPathComponent())));
+    question.setInformativeText(QMessageBox::tr("Its present content will be lost."));
+    const auto* replace = question.addButton(QMessageBox::tr("Replace"), QMessageBox::AcceptRole);
+    question.setDefaultButton(question.addButton(QMessageBox::Cancel));
+    question.setEscapeButton(QMessageBox::Cancel);
+    question.exec();
+    return question.clickedButton() == replace;
 }
 
 } // namespace
@@ -44,24 +77,25 @@ std::optional<FileURL> QtPanels::saveJSONPanel(const std::string& defaultFileNam
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.setFileMode(QFileDialog::AnyFile);
     allowJSONOnly(panel);
+    // The question is ours, for the completed name. Panels differ in when they complete a name and
+    // when they ask: the GTK panel asks about "kit" where "kit.json" would be replaced.
+    panel.setOption(QFileDialog::DontConfirmOverwrite);
     panel.selectFile(toQString(defaultFileName));
     for (;;) {
-        auto picked = run(panel, FileURL::Kind::file);
-        if (!picked || isJSON(*picked))
-            return picked;
-        // The toolkit completes no name that has a dot of its own: "kit 1.2".
-        const std::string completed = picked->path().native() + ".json";
-        const QString shown = QFile::decodeName(completed.c_str());
-        if (!QFileInfo::exists(shown))
-            return FileURL(completed, FileURL::Kind::file);
-        // Something has that name: the panel asks, as it does for any other.
-        panel.selectFile(shown);
+        const auto picked = run(panel, FileURL::Kind::file);
+        if (!picked)
+            return std::nullopt;
+        FileURL target = withJSONExtension(*picked);
+        if (!wouldReplaceFile(target) || isReplacementAllowed(window_, target))
+            return target;
+        panel.selectFile(QFile::decodeName(target.path().c_str()));
     }
 }
 
 std::optional<FileURL> QtPanels::pickJSONFile() {
     QFileDialog panel(window_, QFileDialog::tr("Import bank mapping JSON"));
     panel.setFileMode(QFileDialog::ExistingFile);
+    panel.setDefaultSuffix(QStringLiteral("json"));
     allowJSONOnly(panel);
     return run(panel, FileURL::Kind::file);
 }

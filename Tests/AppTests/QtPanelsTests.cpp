@@ -9,6 +9,9 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <vector>
+
 using namespace torvo;
 using namespace torvo::app;
 using namespace torvo::test;
@@ -47,67 +50,143 @@ TEST(QtPanels, savesJSONUnderASuggestedName) {
                     EXPECT_EQ(panel.acceptMode(), QFileDialog::AcceptSave);
                     EXPECT_EQ(panel.fileMode(), QFileDialog::AnyFile);
                     EXPECT_EQ(panel.nameFilters(), jsonOnly);
-                    EXPECT_EQ(panel.defaultSuffix(), QStringLiteral("json"));
+                    // One question, ours, for the completed name.
+                    EXPECT_TRUE(panel.testOption(QFileDialog::DontConfirmOverwrite));
+                    EXPECT_EQ(panel.defaultSuffix(), QString());
                     EXPECT_EQ(panel.findChild<QLineEdit*>()->text(),
                               QStringLiteral("KitA001.json"));
                 });
 }
 
-/// Types a name, and says yes when the panel asks whether to replace what has it.
+/// Types a name into the save panel and accepts it, answers the questions in turn, and cancels the
+/// panel once there is no answer left.
 class SavePanelUser {
 public:
-    explicit SavePanelUser(std::string name) : name_(std::move(name)) {
+    SavePanelUser(std::string name, std::vector<QString> answers)
+        : name_(std::move(name)), answers_(std::move(answers)) {
         QObject::connect(&timer_, &QTimer::timeout, [this] { act(); });
         timer_.start();
     }
-    int questions() const { return questions_; }
+
+    /// What was asked, in order.
+    const std::vector<QString>& questions() const { return questions_; }
+    /// What stood in the field of names when the panel came back.
+    const std::vector<QString>& namesKept() const { return namesKept_; }
 
 private:
     void act() {
         QWidget* const modal = QApplication::activeModalWidget();
-        if (auto* question = qobject_cast<QMessageBox*>(modal)) {
-            ++questions_;
-            question->button(QMessageBox::Yes)->click();
-        } else if (auto* panel = qobject_cast<QFileDialog*>(modal); panel && !isAccepting_) {
-            if (!std::exchange(hasTyped_, true))
-                panel->findChild<QLineEdit*>()->setText(QString::fromStdString(name_));
-            isAccepting_ = true;
-            // Not in here: the timer rests until this returns, and the question is asked before.
-            QMetaObject::invokeMethod(
-                panel,
-                [this, panel] {
-                    static_cast<QDialog*>(panel)->accept();
-                    isAccepting_ = false;
-                },
-                Qt::QueuedConnection);
-        }
+        if (auto* question = qobject_cast<QMessageBox*>(modal))
+            answer(*question);
+        else if (auto* panel = qobject_cast<QFileDialog*>(modal); panel && !isClosing_)
+            use(*panel);
+    }
+
+    void answer(QMessageBox& question) {
+        EXPECT_EQ(question.windowTitle(), QStringLiteral("Replace File"));
+        EXPECT_EQ(question.textFormat(), Qt::PlainText);
+        EXPECT_EQ(question.defaultButton(), question.button(QMessageBox::Cancel));
+        EXPECT_EQ(question.escapeButton(), question.button(QMessageBox::Cancel));
+        questions_.push_back(question.text());
+        const QString wanted = answers_.empty() ? QStringLiteral("Cancel") : answers_.front();
+        if (!answers_.empty())
+            answers_.erase(answers_.begin());
+        for (QAbstractButton* button : question.buttons())
+            if (button->text().remove(QLatin1Char('&')) == wanted) {
+                button->click();
+                return;
+            }
+        ADD_FAILURE() << "no button " << wanted.toStdString();
+        question.reject();
+    }
+
+    void use(QFileDialog& panel) {
+        auto* field = panel.findChild<QLineEdit*>();
+        const bool isFirst = questions_.empty();
+        if (isFirst)
+            field->setText(QString::fromStdString(name_));
+        else
+            namesKept_.push_back(field->text());
+        isClosing_ = true;
+        const bool accepts = isFirst || !answers_.empty();
+        // Not in here: a panel that asked by itself would do so before this returned, and the timer
+        // would not run meanwhile.
+        QMetaObject::invokeMethod(
+            &panel,
+            [this, &panel, accepts] {
+                if (accepts)
+                    static_cast<QDialog&>(panel).accept();
+                else
+                    panel.reject();
+                isClosing_ = false;
+            },
+            Qt::QueuedConnection);
     }
 
     QTimer timer_;
     std::string name_;
-    bool hasTyped_ = false;
-    bool isAccepting_ = false;
-    int questions_ = 0;
+    std::vector<QString> answers_;
+    std::vector<QString> questions_;
+    std::vector<QString> namesKept_;
+    bool isClosing_ = false;
 };
+
+const QString replaceAnswer = QStringLiteral("Replace");
+const QString cancelAnswer = QStringLiteral("Cancel");
+
+QString questionAbout(const char* name) {
+    return QStringLiteral("\"%1\" already exists. Do you want to replace it?")
+        .arg(QString::fromUtf8(name));
+}
 
 TEST(QtPanels, savesUnderNamesOfJSONFilesOnly) {
     const TemporaryFolder folder;
+    folder.write("old.json", "{}");
     folder.write("old 1.2.json", "{}");
+    folder.write("<b>old.json", "{}");
+    folder.createFolder("folder.json");
+    std::filesystem::create_symlink("old.json", folder / "link.json");
+    std::filesystem::create_symlink("nothing", folder / "dead.json");
     struct Row {
         const char* typed;
         const char* saved;
-        int questions;
+        bool isReplaced;
     };
-    for (const Row& row : {Row{"kit", "kit.json", 0}, Row{"kit.json", "kit.json", 0},
-                           Row{"kit.JSON", "kit.JSON", 0}, Row{"kit 1.2", "kit 1.2.json", 0},
-                           Row{"kit.txt", "kit.txt.json", 0}, Row{"old 1.2", "old 1.2.json", 1}}) {
+    for (const Row& row :
+         {Row{"kit", "kit.json", false}, Row{"kit.json", "kit.json", false},
+          Row{"kit.JSON", "kit.JSON", false}, Row{"kit 1.2", "kit 1.2.json", false},
+          Row{"kit.txt", "kit.txt.json", false}, Row{"old 1.2", "old 1.2.json", true},
+          Row{"old", "old.json", true}, Row{"old.json", "old.json", true},
+          Row{"<b>old", "<b>old.json", true}, Row{"link", "link.json", true},
+          Row{"dead", "dead.json", false}, Row{"folder", "folder.json", false}}) {
+        SCOPED_TRACE(row.typed);
         QtPanels panels;
-        const SavePanelUser user((folder / row.typed).string());
+        const SavePanelUser user((folder / row.typed).string(), {replaceAnswer});
         const auto picked = panels.saveJSONPanel("KitA001.json");
-        ASSERT_TRUE(picked) << row.typed;
+        ASSERT_TRUE(picked);
         EXPECT_EQ(picked->path(), folder / row.saved);
-        EXPECT_EQ(user.questions(), row.questions) << row.typed;
+        const std::vector<QString> questions{questionAbout(row.saved)};
+        EXPECT_EQ(user.questions(), row.isReplaced ? questions : std::vector<QString>());
     }
+}
+
+TEST(QtPanels, comesBackWithTheNameThatIsNotToBeReplaced) {
+    const TemporaryFolder folder;
+    folder.write("old.json", "{}");
+    {
+        QtPanels panels;
+        const SavePanelUser user((folder / "old").string(), {cancelAnswer});
+        EXPECT_FALSE(panels.saveJSONPanel("KitA001.json"));
+        EXPECT_EQ(user.questions(), std::vector{questionAbout("old.json")});
+        EXPECT_EQ(user.namesKept(), std::vector{QStringLiteral("old.json")});
+    }
+    QtPanels panels;
+    const SavePanelUser user((folder / "old").string(), {cancelAnswer, replaceAnswer});
+    const auto picked = panels.saveJSONPanel("KitA001.json");
+    ASSERT_TRUE(picked);
+    EXPECT_EQ(picked->path(), folder / "old.json");
+    EXPECT_EQ(user.questions(),
+              (std::vector{questionAbout("old.json"), questionAbout("old.json")}));
 }
 
 TEST(QtPanels, opensOneJSONFile) {

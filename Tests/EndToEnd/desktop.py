@@ -6,6 +6,7 @@ itself included.
 
 import ctypes
 import os
+import re
 import select
 import shutil
 import signal
@@ -182,6 +183,12 @@ class Desktop:
         """The window that the window manager's own keys act on, 0 for none."""
         told_id = self._ask(["xprop", "-root", "_NET_ACTIVE_WINDOW"]).rpartition("# ")[2]
         return int(told_id.split(",")[0], 16)
+
+    def find_windows(self, pid, title):
+        """The visible windows of a process that have this title."""
+        found = self._ask(["xdotool", "search", "--all", "--onlyvisible", "--pid", str(pid), "--name",
+                           f"^{re.escape(title)}$"])
+        return [int(line) for line in found.split()]
 
     def focus(self):
         """Who has the keyboard, as the screen and as the window manager see it."""
