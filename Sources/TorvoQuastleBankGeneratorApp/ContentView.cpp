@@ -37,7 +37,7 @@ constexpr double modeHeight = 42;
 ContentView::ContentView(AppModel& model, QWidget* parent)
     : QWidget(parent), scrollArea_(new QScrollArea) {
     setMinimumSize(smallestSize);
-    setAcceptDrops(false);
+    drops_.watch(*this);
 
     scrollArea_->setWidgetResizable(true);
     scrollArea_->setFrameShape(QFrame::NoFrame);
@@ -72,7 +72,7 @@ QWidget* ContentView::makeScrolledColumn(AppModel& model) {
     column_->setSpacing(cardSpacing);
     column_->addWidget(new HeaderView(model));
     column_->addWidget(modes);
-    column_->addWidget(new SourceCard(model));
+    column_->addWidget(new SourceCard(model, drops_));
     column_->addWidget(new ChannelsCard(model));
     column_->addWidget(new MetadataCard(model));
     column_->addStretch();

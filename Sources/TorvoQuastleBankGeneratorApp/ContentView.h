@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Controls/FolderDrops.h"
+
 #include <QWidget>
 
 class QScrollArea;
@@ -17,6 +19,11 @@ class ContentView final : public QWidget {
 public:
     explicit ContentView(AppModel& model, QWidget* parent = nullptr);
 
+    /// A drag that holds a file URL is over the window.
+    bool isTargeted() const { return drops_.isTargeted(); }
+    /// Takes what is dropped there too.
+    void takeDropsOn(QWidget& area) { drops_.watch(area); }
+
     /// High enough to show everything without scrolling.
     QSize sizeHint() const override;
 
@@ -33,6 +40,7 @@ private:
     void setMargins(int side, int scrollBar);
     void bringIntoSight(QWidget* control);
 
+    FolderDrops drops_;
     QVBoxLayout* column_ = nullptr;
     QVBoxLayout* footer_ = nullptr;
     QVBoxLayout* status_ = nullptr;

@@ -52,7 +52,9 @@ TorvoQuastleBankGeneratorApp::TorvoQuastleBankGeneratorApp()
     panels_->setWindow(&window_);
     window_.setWindowTitle(QString::fromLatin1(applicationName));
     // In the window from the start: moving there later would cost the view its focus.
-    window_.setCentralWidget(new ContentView(model_, &window_));
+    auto* const content = new ContentView(model_, &window_);
+    content->takeDropsOn(window_);
+    window_.setCentralWidget(content);
     bind(
         model_, &window_, [this] { panels_->startAt(sourceFolderTitle, model_.sourceFolder()); },
         &AppModel::sourceFolderChanged);

@@ -183,19 +183,32 @@ TEST_F(SourceCardTest, aTrailingSlashDenotesAFolder) {
     waitForWork();
 }
 
-TEST_F(SourceCardTest, highlightsTheZoneWhileADragIsOverIt) {
+TEST_F(SourceCardTest, highlightsTheZoneWhileADragIsOverTheWindow) {
     auto* zone = view.findChild<DropZone*>();
     QMimeData data;
     data.setUrls({url(folder.path())});
     QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     const QImage before = zone->grab().toImage();
-    QApplication::sendEvent(zone, &enter);
-    EXPECT_TRUE(zone->isTargeted());
+    QApplication::sendEvent(button("GENERATE"), &enter);
+    EXPECT_TRUE(view.isTargeted());
     EXPECT_NE(zone->grab().toImage(), before);
     QDragLeaveEvent leave;
-    QApplication::sendEvent(zone, &leave);
-    EXPECT_FALSE(zone->isTargeted());
+    QApplication::sendEvent(&view, &leave);
+    EXPECT_FALSE(view.isTargeted());
     EXPECT_EQ(zone->grab().toImage(), before);
+}
+
+TEST_F(SourceCardTest, isNotLitByADragWithoutFiles) {
+    QMimeData data;
+    data.setText(QStringLiteral("kick"));
+    for (const bool isLink : {false, true}) {
+        if (isLink)
+            data.setUrls({QUrl(QStringLiteral("https://halvorine.example/Kit/"))});
+        QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&view, &enter);
+        EXPECT_FALSE(enter.isAccepted());
+        EXPECT_FALSE(view.isTargeted());
+    }
 }
 
 TEST_F(SourceCardTest, theSourceCardKeepsItsHeight) {

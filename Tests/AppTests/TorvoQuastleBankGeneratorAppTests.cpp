@@ -2,9 +2,12 @@
 #include "TorvoQuastleBankGeneratorApp.h"
 
 #include <QAction>
+#include <QDragEnterEvent>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
+#include <QUrl>
 #include <gtest/gtest.h>
 
 using namespace torvo;
@@ -34,6 +37,19 @@ TEST_F(AppTest, titlesItsWindow) {
     EXPECT_EQ(app.window().windowTitle(), name);
     EXPECT_GE(app.window().minimumSizeHint().width(), 880);
     EXPECT_GE(app.window().minimumSizeHint().height(), 760);
+}
+
+TEST_F(AppTest, takesDropsOnTheMenuBarToo) {
+    const AppFixture fixture;
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(
+        QString::fromStdString(fixture.folder.createFolder("QZT508").string()))});
+    QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(app.window().menuBar(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(app.window().menuBar(), &drop);
+    EXPECT_TRUE(app.model().isUpdatingExistingBank());
 }
 
 TEST_F(AppTest, showsTooltipsWithoutAWindowManager) {

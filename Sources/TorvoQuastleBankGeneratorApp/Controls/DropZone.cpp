@@ -3,41 +3,14 @@
 #include "Labels.h"
 #include "MarloTheme.h"
 #include "Painting.h"
-#include "Platform/FileManager.h"
 
-#include <QDragEnterEvent>
 #include <QLabel>
-#include <QMimeData>
 #include <QPainter>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace torvo::app {
 
 using MarloTheme::withOpacity;
-
-namespace {
-
-bool denotesFolder(const FileURL& url) {
-    if (url.hasDirectoryPath())
-        return true;
-    try {
-        const auto status = systemFileManager()->status(url.path());
-        return status && status->kind == FileKind::directory;
-    } catch (const FileError&) {
-        return false;
-    }
-}
-
-/// Files are read where they lie. Whoever offers them to be moved hears that they were copied, or
-/// that nothing was done to them: a source that hears of a move deletes them.
-void acceptWithoutMoving(QDropEvent& event) {
-    event.setDropAction(event.possibleActions().testFlag(Qt::CopyAction) ? Qt::CopyAction
-                                                                         : Qt::IgnoreAction);
-    event.accept();
-}
-
-} // namespace
 
 QColor DropZoneStyle::backgroundColor() const {
     if (targeted)
@@ -67,24 +40,8 @@ void DropZoneStyle::paint(QPainter& painter, const QRectF& rect) const {
                             cornerRadius - 0.5);
 }
 
-std::optional<FileURL> firstFolder(const std::vector<FileURL>& urls) {
-    for (const FileURL& url : urls)
-        if (denotesFolder(url))
-            return FileURL::directory(url.path());
-    return std::nullopt;
-}
-
-std::vector<FileURL> fileURLs(const QMimeData& data) {
-    std::vector<FileURL> urls;
-    for (const QUrl& url : data.urls())
-        if (auto fileURL = FileURL::parse(url.toEncoded().toStdString()))
-            urls.push_back(std::move(*fileURL));
-    return urls;
-}
-
 DropZone::DropZone(QWidget* parent) : PaintedButton(tr("DROP SOURCE FOLDER"), parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setAcceptDrops(true);
     setCursor(Qt::PointingHandCursor);
     setProperty("cornerRadius", DropZoneStyle::cornerRadius);
 
@@ -118,32 +75,6 @@ void DropZone::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const DropZoneStyle style{.targeted = isTargeted_, .pressed = isDown(), .hovered = isHovered()};
     style.paint(painter, rect());
-}
-
-void DropZone::dragEnterEvent(QDragEnterEvent* event) {
-    if (fileURLs(*event->mimeData()).empty())
-        return;
-    acceptWithoutMoving(*event);
-    setTargeted(true);
-}
-
-void DropZone::dragMoveEvent(QDragMoveEvent* event) {
-    acceptWithoutMoving(*event);
-}
-
-void DropZone::dragLeaveEvent(QDragLeaveEvent*) {
-    setTargeted(false);
-}
-
-void DropZone::dropEvent(QDropEvent* event) {
-    setTargeted(false);
-    const auto folder = firstFolder(fileURLs(*event->mimeData()));
-    if (!folder) {
-        event->ignore();
-        return;
-    }
-    acceptWithoutMoving(*event);
-    Q_EMIT folderDropped(*folder);
 }
 
 void DropZone::setTargeted(bool targeted) {

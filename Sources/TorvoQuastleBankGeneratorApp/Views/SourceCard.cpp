@@ -5,6 +5,7 @@
 #include "Controls/DropZone.h"
 #include "Controls/ElidedLabel.h"
 #include "Controls/ElidedPathLabel.h"
+#include "Controls/FolderDrops.h"
 #include "Controls/Labels.h"
 #include "Controls/MarloButton.h"
 #include "Panels.h"
@@ -37,7 +38,8 @@ QString sourceHint(const AppModel& model) {
 
 } // namespace
 
-SourceCard::SourceCard(AppModel& model, QWidget* parent) : QWidget(parent), model_(model) {
+SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
+    : QWidget(parent), model_(model) {
     auto* name = new ElidedLabel;
     name->setFont(MarloTheme::font(14, MarloTheme::FontCut::semiBold));
     setTextColor(*name, MarloTheme::ink);
@@ -74,7 +76,8 @@ SourceCard::SourceCard(AppModel& model, QWidget* parent) : QWidget(parent), mode
             Qt::QueuedConnection);
     connect(dropZone, &QAbstractButton::clicked, this, &SourceCard::chooseFolder,
             Qt::QueuedConnection);
-    connect(dropZone, &DropZone::folderDropped, this,
+    connect(&drops, &FolderDrops::targetedChanged, dropZone, &DropZone::setTargeted);
+    connect(&drops, &FolderDrops::folderDropped, this,
             [this](const FileURL& folder) { model_.setSourceFolder(resolvedSource(folder)); });
 
     bind(

@@ -5,13 +5,14 @@
 namespace torvo::app {
 
 class AppModel;
+class FolderDrops;
 
 /// Where the samples come from: dropped or chosen.
 class SourceCard final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit SourceCard(AppModel& model, QWidget* parent = nullptr);
+    SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent = nullptr);
 
 private:
     void chooseFolder();

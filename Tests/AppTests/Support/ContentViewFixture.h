@@ -72,18 +72,18 @@ struct ContentViewFixture : AppFixture {
         const QLabel* found = label(QString::fromUtf8(text));
         return found ? found->palette().color(QPalette::WindowText) : QColor();
     }
-    /// What the zone answers to a drop of these.
-    bool drop(const QList<QUrl>& urls) {
+    /// What the window answers to a drop of these.
+    bool drop(const QList<QUrl>& urls) { return dropOn(view, urls); }
+    bool dropOn(QWidget& area, const QList<QUrl>& urls) {
         QMimeData data;
         data.setUrls(urls);
-        auto* zone = view.findChild<app::DropZone*>();
         QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(zone, &enter);
-        EXPECT_EQ(zone->isTargeted(), enter.isAccepted());
+        QApplication::sendEvent(&area, &enter);
+        EXPECT_EQ(view.isTargeted(), enter.isAccepted());
         QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         drop.ignore();
-        QApplication::sendEvent(zone, &drop);
-        EXPECT_FALSE(zone->isTargeted());
+        QApplication::sendEvent(&area, &drop);
+        EXPECT_FALSE(view.isTargeted());
         return drop.isAccepted();
     }
     static QUrl url(const std::filesystem::path& path) {

@@ -1,10 +1,12 @@
-#include "Controls/DropZone.h"
+#include "Controls/FolderDrops.h"
 #include "TemporaryFolder.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QSignalSpy>
+#include <QUrl>
+#include <QWidget>
 #include <gtest/gtest.h>
 
 using namespace torvo;
@@ -22,13 +24,15 @@ struct Offer {
 } // namespace
 
 // A source that hears that its files were moved deletes them.
-TEST(DropZone, neverTakesFilesForMoved) {
+TEST(FolderDrops, neverTakesFilesForMoved) {
     const TemporaryFolder folder;
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QString::fromStdString(folder.path().string()))});
-    DropZone zone;
-    zone.show();
-    QSignalSpy dropped(&zone, &DropZone::folderDropped);
+    QWidget area;
+    FolderDrops drops;
+    drops.watch(area);
+    area.show();
+    QSignalSpy dropped(&drops, &FolderDrops::folderDropped);
     // With Shift, a move is what the source proposes.
     for (const Offer& offer :
          {Offer{"copy or move", Qt::CopyAction | Qt::MoveAction, Qt::CopyAction},
@@ -38,15 +42,15 @@ TEST(DropZone, neverTakesFilesForMoved) {
         dropped.clear();
         QDragEnterEvent enter({9, 9}, offer.possible, &data, Qt::LeftButton, Qt::ShiftModifier);
         ASSERT_EQ(enter.proposedAction(), Qt::MoveAction);
-        QApplication::sendEvent(&zone, &enter);
+        QApplication::sendEvent(&area, &enter);
         EXPECT_TRUE(enter.isAccepted());
         EXPECT_EQ(enter.dropAction(), offer.answer);
         QDragMoveEvent move({9, 9}, offer.possible, &data, Qt::LeftButton, Qt::ShiftModifier);
-        QApplication::sendEvent(&zone, &move);
+        QApplication::sendEvent(&area, &move);
         EXPECT_TRUE(move.isAccepted());
         EXPECT_EQ(move.dropAction(), offer.answer);
         QDropEvent drop({9, 9}, offer.possible, &data, Qt::LeftButton, Qt::ShiftModifier);
-        QApplication::sendEvent(&zone, &drop);
+        QApplication::sendEvent(&area, &drop);
         EXPECT_TRUE(drop.isAccepted());
         EXPECT_EQ(drop.dropAction(), offer.answer);
         ASSERT_EQ(dropped.size(), 1);

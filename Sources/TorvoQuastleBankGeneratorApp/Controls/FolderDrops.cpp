@@ -1,0 +1,101 @@
+#include "FolderDrops.h"
+
+#include "Platform/FileManager.h"
+
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QUrl>
+#include <QWidget>
+
+#include <utility>
+
+namespace torvo::app {
+
+namespace {
+
+bool denotesFolder(const FileURL& url) {
+    if (url.hasDirectoryPath())
+        return true;
+    try {
+        const auto status = systemFileManager()->status(url.path());
+        return status && status->kind == FileKind::directory;
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
+/// Files are read where they lie. Whoever offers them to be moved hears that they were copied, or
+/// that nothing was done to them: a source that hears of a move deletes them.
+void acceptWithoutMoving(QDropEvent& event) {
+    event.setDropAction(event.possibleActions().testFlag(Qt::CopyAction) ? Qt::CopyAction
+                                                                         : Qt::IgnoreAction);
+    event.accept();
+}
+
+} // namespace
+
+std::optional<FileURL> firstFolder(const std::vector<FileURL>& urls) {
+    for (const FileURL& url : urls)
+        if (denotesFolder(url))
+            return FileURL::directory(url.path());
+    return std::nullopt;
+}
+
+std::vector<FileURL> fileURLs(const QMimeData& data) {
+    std::vector<FileURL> urls;
+    for (const QUrl& url : data.urls())
+        if (auto fileURL = FileURL::parse(url.toEncoded().toStdString()))
+            urls.push_back(std::move(*fileURL));
+    return urls;
+}
+
+FolderDrops::FolderDrops(QObject* parent) : QObject(parent) {}
+
+void FolderDrops::watch(QWidget& area) {
+    area.setAcceptDrops(true);
+    area.installEventFilter(this);
+}
+
+bool FolderDrops::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::DragEnter: {
+        auto& drag = static_cast<QDragEnterEvent&>(*event);
+        if (fileURLs(*drag.mimeData()).empty()) {
+            drag.ignore();
+            return true;
+        }
+        acceptWithoutMoving(drag);
+        setTargeted(true);
+        return true;
+    }
+    case QEvent::DragMove:
+        acceptWithoutMoving(static_cast<QDropEvent&>(*event));
+        return true;
+    case QEvent::DragLeave:
+        setTargeted(false);
+        return true;
+    case QEvent::Drop:
+        setTargeted(false);
+        takeDrop(static_cast<QDropEvent&>(*event));
+        return true;
+    default:
+        return QObject::eventFilter(watched, event);
+    }
+}
+
+void FolderDrops::takeDrop(QDropEvent& drop) {
+    const auto folder = firstFolder(fileURLs(*drop.mimeData()));
+    if (!folder) {
+        drop.ignore();
+        return;
+    }
+    acceptWithoutMoving(drop);
+    Q_EMIT folderDropped(*folder);
+}
+
+void FolderDrops::setTargeted(bool targeted) {
+    if (std::exchange(isTargeted_, targeted) != targeted)
+        Q_EMIT targetedChanged(targeted);
+}
+
+} // namespace torvo::app
