@@ -2,10 +2,17 @@
 #include "TemporaryFolder.h"
 
 #include <QApplication>
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusError>
+#include <QDBusMessage>
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QProcess>
 #include <QSignalSpy>
+#include <QTest>
 #include <QUrl>
+#include <QVariantMap>
 #include <QWidget>
 #include <gtest/gtest.h>
 
@@ -14,6 +21,83 @@ using namespace torvo::app;
 using namespace torvo::test;
 
 namespace {
+
+/// A session bus of one's own.
+class PrivateBus {
+public:
+    PrivateBus() {
+        daemon_.start(QStringLiteral("dbus-daemon"),
+                      {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                       QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
+        while (!daemon_.canReadLine() && daemon_.waitForReadyRead()) {
+        }
+        address_ = QString::fromLatin1(daemon_.readLine().trimmed());
+    }
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+    ~PrivateBus() {
+        for (const QString& name : names_)
+            QDBusConnection::disconnectFromBus(name);
+        daemon_.kill();
+        daemon_.waitForFinished();
+    }
+
+    QDBusConnection connect(const char* name) {
+        names_ << QString::fromLatin1(name);
+        return QDBusConnection::connectToBus(address_, names_.back());
+    }
+
+private:
+    QProcess daemon_;
+    QString address_;
+    QStringList names_;
+};
+
+/// Stands in for the desktop's portal: answers when it is told to.
+class StandInPortal final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileTransfer")
+
+public:
+    explicit StandInPortal(QDBusConnection bus) {
+        isReady = bus.registerObject(QStringLiteral("/org/freedesktop/portal/documents"), this,
+                                     QDBusConnection::ExportAllSlots) &&
+                  bus.registerService(QStringLiteral("org.freedesktop.portal.Documents"));
+    }
+
+    void answer(const QStringList& paths) { connection_->send(asked_.createReply(paths)); }
+    void refuse() {
+        connection_->send(asked_.createErrorReply(QDBusError::AccessDenied, QStringLiteral("No.")));
+    }
+
+    bool isReady = false;
+    QStringList keys;
+
+public Q_SLOTS:
+    QStringList RetrieveFiles(const QString& key, const QVariantMap&) {
+        setDelayedReply(true);
+        asked_ = message();
+        connection_ = connection();
+        keys << key;
+        return {};
+    }
+
+private:
+    QDBusMessage asked_;
+    std::optional<QDBusConnection> connection_;
+};
+
+/// Drops what a sandboxed program is given. True when it was taken.
+bool dropTransfer(QWidget& area, const QByteArray& key) {
+    QMimeData data;
+    data.setData(QStringLiteral("application/vnd.portal.filetransfer"), key);
+    QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&area, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&area, &drop);
+    return drop.isAccepted();
+}
 
 struct Offer {
     const char* name;
@@ -57,3 +141,50 @@ TEST(FolderDrops, neverTakesFilesForMoved) {
         EXPECT_EQ(dropped[0][0].value<FileURL>(), FileURL::directory(folder.path()));
     }
 }
+
+TEST(FolderDrops, fetchesWhatASandboxedDesktopDrops) {
+    const TemporaryFolder folder;
+    const auto path = QString::fromStdString(folder.path().string());
+    PrivateBus bus;
+    StandInPortal portal(bus.connect("portal"));
+    ASSERT_TRUE(portal.isReady);
+    QWidget area;
+    FolderDrops drops(nullptr, bus.connect("program"));
+    drops.watch(area);
+    QSignalSpy dropped(&drops, &FolderDrops::folderDropped);
+
+    // GTK ends the key with a null byte.
+    ASSERT_TRUE(dropTransfer(area, QByteArray("the key", 8)));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !portal.keys.empty(); }));
+    EXPECT_EQ(portal.keys, QStringList(QStringLiteral("the key")));
+    // The drop returned while the portal was silent.
+    EXPECT_TRUE(dropped.empty());
+    portal.answer({path + QStringLiteral("/missing.wav"), path});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !dropped.empty(); }));
+    EXPECT_EQ(dropped[0][0].value<FileURL>(), FileURL::directory(folder.path()));
+}
+
+TEST(FolderDrops, takesNothingFromAPortalThatRefuses) {
+    const TemporaryFolder folder;
+    PrivateBus bus;
+    StandInPortal portal(bus.connect("portal"));
+    ASSERT_TRUE(portal.isReady);
+    QWidget area;
+    FolderDrops drops(nullptr, bus.connect("program"));
+    drops.watch(area);
+    QSignalSpy dropped(&drops, &FolderDrops::folderDropped);
+
+    ASSERT_TRUE(dropTransfer(area, "refused"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return portal.keys.size() == 1; }));
+    portal.refuse();
+    // Answers come in the order of the questions.
+    ASSERT_TRUE(dropTransfer(area, "granted"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return portal.keys.size() == 2; }));
+    portal.answer({QString::fromStdString(folder.path().string())});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !dropped.empty(); }));
+    EXPECT_EQ(dropped.size(), 1);
+
+    EXPECT_FALSE(dropTransfer(area, ""));
+}
+
+#include "FolderDropsTests.moc"

@@ -1,8 +1,10 @@
 #include "FolderDrops.h"
 
+#include "FileTransferPortal.h"
 #include "Platform/FileManager.h"
 
 #include <QDragEnterEvent>
+#include <QFile>
 #include <QMimeData>
 #include <QUrl>
 #include <QWidget>
@@ -49,7 +51,8 @@ std::vector<FileURL> fileURLs(const QMimeData& data) {
     return urls;
 }
 
-FolderDrops::FolderDrops(QObject* parent) : QObject(parent) {}
+FolderDrops::FolderDrops(QObject* parent, std::optional<QDBusConnection> bus)
+    : QObject(parent), bus_(std::move(bus)) {}
 
 void FolderDrops::watch(QWidget& area) {
     area.setAcceptDrops(true);
@@ -60,7 +63,7 @@ bool FolderDrops::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::DragEnter: {
         auto& drag = static_cast<QDragEnterEvent&>(*event);
-        if (fileURLs(*drag.mimeData()).empty()) {
+        if (fileURLs(*drag.mimeData()).empty() && !hasFileTransfer(*drag.mimeData())) {
             drag.ignore();
             return true;
         }
@@ -85,12 +88,24 @@ bool FolderDrops::eventFilter(QObject* watched, QEvent* event) {
 
 void FolderDrops::takeDrop(QDropEvent& drop) {
     const auto folder = firstFolder(fileURLs(*drop.mimeData()));
-    if (!folder) {
+    const auto key = fileTransferKey(*drop.mimeData());
+    if (!folder && !key) {
         drop.ignore();
         return;
     }
     acceptWithoutMoving(drop);
-    Q_EMIT folderDropped(*folder);
+    if (folder) {
+        Q_EMIT folderDropped(*folder);
+        return;
+    }
+    retrieveFiles(bus_ ? *bus_ : QDBusConnection::sessionBus(), *key, this,
+                  [this](const QStringList& paths) {
+                      std::vector<FileURL> urls;
+                      for (const QString& path : paths)
+                          urls.emplace_back(QFile::encodeName(path).toStdString());
+                      if (const auto retrieved = firstFolder(urls))
+                          Q_EMIT folderDropped(*retrieved);
+                  });
 }
 
 void FolderDrops::setTargeted(bool targeted) {

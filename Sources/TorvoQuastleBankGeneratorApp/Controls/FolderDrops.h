@@ -2,6 +2,7 @@
 
 #include "Platform/FileURL.h"
 
+#include <QDBusConnection>
 #include <QObject>
 
 #include <optional>
@@ -20,12 +21,14 @@ std::optional<FileURL> firstFolder(const std::vector<FileURL>& urls);
 /// The file URLs of a drag.
 std::vector<FileURL> fileURLs(const QMimeData& data);
 
-/// Takes a folder that is dropped anywhere on the widgets it watches.
+/// Takes a folder that is dropped anywhere on the widgets it watches: from the URLs of the drag, or
+/// through the file transfer portal of a sandboxed desktop.
 class FolderDrops final : public QObject {
     Q_OBJECT
 
 public:
-    explicit FolderDrops(QObject* parent = nullptr);
+    /// `bus` is where the portal is: the session bus, to which a drop connects, when none is given.
+    explicit FolderDrops(QObject* parent = nullptr, std::optional<QDBusConnection> bus = {});
 
     void watch(QWidget& area);
     /// A drag that holds files is over one of the widgets.
@@ -42,6 +45,7 @@ private:
     void setTargeted(bool targeted);
     void takeDrop(QDropEvent& drop);
 
+    std::optional<QDBusConnection> bus_;
     bool isTargeted_ = false;
 };
 
