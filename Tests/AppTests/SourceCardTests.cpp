@@ -1,5 +1,6 @@
 #include "Controls/DropZone.h"
 #include "Controls/ThreeWayModeToggle.h"
+#include "MarloTheme.h"
 #include "Support/ContentViewFixture.h"
 #include "WavFixture.h"
 
@@ -209,6 +210,19 @@ TEST_F(SourceCardTest, isNotLitByADragWithoutFiles) {
         EXPECT_FALSE(enter.isAccepted());
         EXPECT_FALSE(view.isTargeted());
     }
+}
+
+TEST_F(SourceCardTest, theZoneStepsBackBehindTheChosenFolder) {
+    const auto* zone = view.findChild<DropZone*>();
+    const auto caption = [this] { return colorOf("DROP SOURCE FOLDER"); };
+    EXPECT_EQ(caption(), MarloTheme::ink);
+    scan(drumKit());
+    EXPECT_EQ(caption(), MarloTheme::muted);
+    EXPECT_GT(label(QStringLiteral("Kit A"))->font().pixelSize(),
+              label(QStringLiteral("SOURCE"))->font().pixelSize());
+    EXPECT_TRUE(zone->isVisible());
+    model.clearSource();
+    EXPECT_EQ(caption(), MarloTheme::ink);
 }
 
 TEST_F(SourceCardTest, theSourceCardKeepsItsHeight) {

@@ -14,14 +14,17 @@ using MarloTheme::withOpacity;
 
 QColor DropZoneStyle::backgroundColor() const {
     if (targeted)
-        return withOpacity(MarloTheme::accent, 0.22);
+        return withOpacity(MarloTheme::accent, 0.12);
     if (pressed)
         return withOpacity(MarloTheme::surface, 0.7);
     return MarloTheme::surface;
 }
 
 QColor DropZoneStyle::borderColor() const {
-    return targeted ? MarloTheme::ink : withOpacity(MarloTheme::accent, hovered ? 0.9 : 0.5);
+    return targeted ? MarloTheme::ink
+                    : withOpacity(MarloTheme::accent, hovered ? 0.9
+                                                      : quiet ? 0.3
+                                                              : 0.7);
 }
 
 void DropZoneStyle::paint(QPainter& painter, const QRectF& rect) const {
@@ -45,21 +48,34 @@ DropZone::DropZone(QWidget* parent) : PaintedButton(tr("DROP SOURCE FOLDER"), pa
     setCursor(Qt::PointingHandCursor);
     setProperty("cornerRadius", DropZoneStyle::cornerRadius);
 
-    auto* caption = makeLabel(text(), 14, MarloTheme::FontCut::semiBold, MarloTheme::ink);
+    caption_ = makeLabel(text(), 14, MarloTheme::FontCut::semiBold, MarloTheme::ink);
     hint_ = makeLabel({}, 13, MarloTheme::FontCut::regular, MarloTheme::muted);
     // A hint of one line takes the room of two: nothing below moves.
     hint_->setText(QStringLiteral("\n"));
     hint_->setMinimumHeight(hint_->sizeHint().height());
-    auto* choose = makeLabel(tr("Drop a folder here or choose one from Finder."), 13,
-                             MarloTheme::FontCut::medium, MarloTheme::accent);
+    choose_ = makeLabel(tr("Drop a folder here or choose one from Finder."), 13,
+                        MarloTheme::FontCut::medium, MarloTheme::accent);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(MarloTheme::grid, 12, MarloTheme::grid, 12);
     column->setSpacing(6);
-    for (QLabel* label : {caption, hint_, choose}) {
+    for (QLabel* label : {caption_, hint_, choose_}) {
         label->setAlignment(Qt::AlignCenter);
         label->setAttribute(Qt::WA_TransparentForMouseEvents);
         column->addWidget(label);
     }
+}
+
+void DropZone::setQuiet(bool quiet) {
+    isQuiet_ = quiet;
+    colorTexts();
+}
+
+void DropZone::colorTexts() {
+    // The lit zone is too light for the accent.
+    setTextColor(*caption_, isQuiet_ && !isTargeted_ ? MarloTheme::muted : MarloTheme::ink);
+    setTextColor(*hint_, isTargeted_ ? MarloTheme::ink : MarloTheme::muted);
+    setTextColor(*choose_, isTargeted_ ? MarloTheme::ink : MarloTheme::accent);
+    update();
 }
 
 void DropZone::setHint(const QString& hint) {
@@ -73,13 +89,14 @@ QSize DropZone::sizeHint() const {
 
 void DropZone::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const DropZoneStyle style{.targeted = isTargeted_, .pressed = isDown(), .hovered = isHovered()};
+    const DropZoneStyle style{
+        .targeted = isTargeted_, .quiet = isQuiet_, .pressed = isDown(), .hovered = isHovered()};
     style.paint(painter, rect());
 }
 
 void DropZone::setTargeted(bool targeted) {
     isTargeted_ = targeted;
-    update();
+    colorTexts();
 }
 
 } // namespace torvo::app

@@ -12,6 +12,7 @@ namespace torvo::app {
 /// The look of the drop zone.
 struct DropZoneStyle {
     bool targeted = false; ///< a drag that it can take is over the window
+    bool quiet = false;    ///< it has done its work: a folder is chosen
     bool pressed = false;
     bool hovered = false;
 
@@ -32,14 +33,21 @@ public:
     void setHint(const QString& hint);
     /// Lit: a drag that it can take is over the window.
     void setTargeted(bool targeted);
+    /// Steps back behind the folder that has been chosen.
+    void setQuiet(bool quiet);
     QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void colorTexts();
+
+    QLabel* caption_;
     QLabel* hint_;
+    QLabel* choose_;
     bool isTargeted_ = false;
+    bool isQuiet_ = false;
 };
 
 } // namespace torvo::app

@@ -41,7 +41,7 @@ QString sourceHint(const AppModel& model) {
 SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
     : QWidget(parent), model_(model) {
     auto* name = new ElidedLabel;
-    name->setFont(MarloTheme::font(14, MarloTheme::FontCut::semiBold));
+    name->setFont(MarloTheme::font(18, MarloTheme::FontCut::semiBold));
     setTextColor(*name, MarloTheme::ink);
     auto* path = new ElidedPathLabel;
     path->setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
@@ -86,6 +86,7 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
             clear->setAvailable(model_.canClearSource());
             dropZone->setHint(sourceHint(model_));
             const auto& folder = model_.sourceFolder();
+            dropZone->setQuiet(folder.has_value());
             name->setText(folder ? toQString(folder->lastPathComponent()) : QString());
             path->setPath(folder ? shownPath(*folder) : QString());
             chosen->setVisible(folder.has_value());
