@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QMenuBar>
 #include <QScreen>
+#include <QShortcut>
 #include <QToolTip>
 
 /// Files inside a static library are found only after this; the macro wants the global namespace.
@@ -63,10 +64,15 @@ TorvoQuastleBankGeneratorApp::TorvoQuastleBankGeneratorApp()
         &AppModel::exportFolderChanged);
     addFileMenu();
     addHelpMenu();
+    auto* const openMenus = new QShortcut(Qt::Key_F10, &window_);
+    QObject::connect(openMenus, &QShortcut::activated, &window_, [this] {
+        QMenuBar* const bar = window_.menuBar();
+        bar->setActiveAction(bar->actions().front());
+    });
 }
 
 void TorvoQuastleBankGeneratorApp::addFileMenu() {
-    QMenu* file = window_.menuBar()->addMenu(QMenu::tr("File"));
+    QMenu* file = window_.menuBar()->addMenu(QMenu::tr("&File"));
     QAction* importJSON = file->addAction(QMenu::tr("Import JSON…"));
     QAction* exportJSON = file->addAction(QMenu::tr("Export JSON…"));
     file->addSeparator();
@@ -84,7 +90,7 @@ void TorvoQuastleBankGeneratorApp::addFileMenu() {
 }
 
 void TorvoQuastleBankGeneratorApp::addHelpMenu() {
-    QMenu* help = window_.menuBar()->addMenu(QMenu::tr("Help"));
+    QMenu* help = window_.menuBar()->addMenu(QMenu::tr("&Help"));
     QAction* about = help->addAction(QMenu::tr("About Torvo Quastle Bank Generator"));
     about->setMenuRole(QAction::AboutRole);
     QObject::connect(

@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QTest>
 #include <QUrl>
 #include <gtest/gtest.h>
 
@@ -52,6 +53,18 @@ TEST_F(AppTest, takesDropsOnTheMenuBarToo) {
     EXPECT_TRUE(app.model().isUpdatingExistingBank());
 }
 
+TEST_F(AppTest, opensItsMenusByKeyboard) {
+    app.window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&app.window()));
+    auto* const file = app.window().menuBar()->actions().front()->menu();
+    QTest::keyClick(&app.window(), Qt::Key_F10);
+    EXPECT_TRUE(waitUntil([file] { return file->isVisible(); }));
+    file->close();
+    QTest::keyClick(&app.window(), Qt::Key_F, Qt::AltModifier);
+    EXPECT_TRUE(waitUntil([file] { return file->isVisible(); }));
+    file->close();
+}
+
 TEST_F(AppTest, showsTooltipsWithoutAWindowManager) {
     EXPECT_TRUE(app.window().testAttribute(Qt::WA_AlwaysShowToolTips));
 }
@@ -65,7 +78,7 @@ TEST_F(AppTest, offersItsCommandsInTheMenus) {
         }
         return found.join(QLatin1Char('|')).toStdString();
     };
-    EXPECT_EQ(texts(app.window().menuBar()->actions()), "File|Help");
+    EXPECT_EQ(texts(app.window().menuBar()->actions()), "&File|&Help");
     EXPECT_EQ(texts(menu(0)), "Import JSON…|Export JSON…|-|Quit");
     EXPECT_EQ(texts(menu(1)), "About Torvo Quastle Bank Generator");
     EXPECT_TRUE(menu(0)[0]->isEnabled());
