@@ -24,7 +24,6 @@ namespace torvo::app {
 
 namespace {
 
-constexpr QSize smallestSize{880, 760};
 constexpr int columnWidth = 880;
 constexpr int sideMargin = 4 * MarloTheme::grid;
 constexpr int verticalMargin = 3 * MarloTheme::grid;
@@ -36,12 +35,11 @@ constexpr double modeHeight = 42;
 
 ContentView::ContentView(AppModel& model, QWidget* parent)
     : QWidget(parent), scrollArea_(new QScrollArea) {
-    setMinimumSize(smallestSize);
+    setMinimumSize(usualMinSize);
     drops_.watch(*this);
 
     scrollArea_->setWidgetResizable(true);
     scrollArea_->setFrameShape(QFrame::NoFrame);
-    scrollArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scrollArea_->setFocusPolicy(Qt::NoFocus);
     scrollArea_->setWidget(makeScrolledColumn(model));
     scrollArea_->viewport()->installEventFilter(this);
@@ -102,7 +100,7 @@ void ContentView::bringIntoSight(QWidget* control) {
 QSize ContentView::sizeHint() const {
     const int height = column_->totalHeightForWidth(columnWidth) + footer_->sizeHint().height() +
                        status_->sizeHint().height();
-    return QSize(columnWidth, height).expandedTo(smallestSize);
+    return QSize(columnWidth, height).expandedTo(minimumSize());
 }
 
 void ContentView::resizeEvent(QResizeEvent* event) {

@@ -17,6 +17,9 @@ class ContentView final : public QWidget {
     Q_OBJECT
 
 public:
+    /// The smallest size, unless the screen has less room.
+    static constexpr QSize usualMinSize{880, 760};
+
     explicit ContentView(AppModel& model, QWidget* parent = nullptr);
 
     /// A drag that holds a file URL is over the window.

@@ -102,9 +102,11 @@ void TorvoQuastleBankGeneratorApp::addHelpMenu() {
 }
 
 void TorvoQuastleBankGeneratorApp::showWindow() {
+    window_.fitToScreen();
     const QSize wanted = window_.sizeHint();
-    const QSize available = window_.screen()->availableSize() - QSize(0, 48);
-    window_.resize(wanted.boundedTo(available).expandedTo(window_.minimumSizeHint()));
+    const QSize room = window_.contentRoom(window_.screen()->availableSize()) +
+                       QSize(0, window_.menuBar()->sizeHint().height());
+    window_.resize(wanted.boundedTo(room));
     window_.show();
 }
 

@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QTest>
 #include <QUrl>
 #include <gtest/gtest.h>
@@ -36,8 +37,16 @@ protected:
 
 TEST_F(AppTest, titlesItsWindow) {
     EXPECT_EQ(app.window().windowTitle(), name);
-    EXPECT_GE(app.window().minimumSizeHint().width(), 880);
-    EXPECT_GE(app.window().minimumSizeHint().height(), 760);
+}
+
+TEST_F(AppTest, isNoSmallerThanItsSmallestSizeOrTheScreen) {
+    const auto& window = static_cast<MainWindow&>(app.window());
+    const QSize room = window.contentRoom(window.screen()->availableSize());
+    EXPECT_EQ(window.centralWidget()->minimumSize(), QSize(880, 760).boundedTo(room));
+    EXPECT_LE(window.height(), window.screen()->availableSize().height());
+    // Frame and menus are taken off.
+    EXPECT_LT(window.contentRoom({1366, 768}).height(), 768);
+    EXPECT_LE(window.contentRoom({1366, 768}).width(), 1366);
 }
 
 TEST_F(AppTest, takesDropsOnTheMenuBarToo) {
