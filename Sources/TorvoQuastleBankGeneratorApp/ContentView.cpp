@@ -2,7 +2,6 @@
 
 #include "AppModel.h"
 #include "Binding.h"
-#include "Controls/Card.h"
 #include "Controls/DropZone.h"
 #include "Controls/FocusRing.h"
 #include "Controls/ScrollFade.h"
@@ -126,9 +125,7 @@ void ContentView::setMargins(int side, int scrollBar) {
     // so again.
     column_->activate();
     footer_->setContentsMargins(side, cardSpacing, side, cardSpacing);
-    // In line with what stands in the cards.
-    const int statusSide = side + Card::horizontalPadding;
-    status_->setContentsMargins(statusSide, statusMargin, statusSide, statusMargin);
+    status_->setContentsMargins(side, statusMargin, side, statusMargin);
 }
 
 void ContentView::paintEvent(QPaintEvent*) {

@@ -19,9 +19,6 @@ namespace torvo::app {
 
 namespace {
 
-/// More lines than a message may take from the window: the last one then loses its middle.
-constexpr int mostLines = 6;
-
 struct Lines {
     double height = 0;
     double lastTop = 0;
@@ -30,14 +27,14 @@ struct Lines {
 };
 
 /// Breaks the text into lines.
-Lines layOut(QTextLayout& text, double width, Qt::Alignment alignment) {
+Lines layOut(QTextLayout& text, double width, Qt::Alignment alignment, int maxLines) {
     QTextOption option(alignment);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     text.setTextOption(option);
     Lines lines;
     text.beginLayout();
     for (QTextLine line = text.createLine(); line.isValid(); line = text.createLine()) {
-        if (text.lineCount() > mostLines) {
+        if (text.lineCount() > maxLines) {
             lines.isCut = true;
             break;
         }
@@ -62,7 +59,7 @@ WrappingLabel::WrappingLabel(QWidget* parent) : QLabel(parent) {
 
 int WrappingLabel::heightForWidth(int width) const {
     QTextLayout layout(text(), font());
-    return static_cast<int>(std::ceil(layOut(layout, width, alignment()).height));
+    return static_cast<int>(std::ceil(layOut(layout, width, alignment(), maxLines_).height));
 }
 
 QSize WrappingLabel::sizeHint() const {
@@ -83,9 +80,14 @@ void WrappingLabel::setCopyable(bool copyable) {
         unsetCursor();
 }
 
+void WrappingLabel::setMaxLines(int lines) {
+    maxLines_ = lines;
+    updateGeometry();
+}
+
 int WrappingLabel::positionAt(QPointF point) const {
     QTextLayout layout(text(), font());
-    layOut(layout, width(), alignment());
+    layOut(layout, width(), alignment(), maxLines_);
     for (int index = 0; index < layout.lineCount(); ++index)
         if (const QTextLine line = layout.lineAt(index);
             point.y() < line.y() + line.height() || index + 1 == layout.lineCount())
@@ -157,7 +159,7 @@ void WrappingLabel::paintEvent(QPaintEvent*) {
         selection.format.setForeground(MarloTheme::surface);
         layout.setFormats({selection});
     }
-    const Lines lines = layOut(layout, width(), alignment());
+    const Lines lines = layOut(layout, width(), alignment(), maxLines_);
     for (int index = 0; index < layout.lineCount(); ++index)
         if (const QTextLine line = layout.lineAt(index);
             !lines.isCut || line.textStart() < lines.lastStart)

@@ -14,6 +14,8 @@ public:
     /// Lets the user select the text and copy it: with the pointer, with the keys for "select all"
     /// and "copy", or from a menu. Without a selection the whole text is copied.
     void setCopyable(bool copyable);
+    /// A longer text loses the middle of its last line on the screen only.
+    void setMaxLines(int lines);
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
@@ -34,6 +36,7 @@ private:
     void copy() const;
 
     bool isCopyable_ = false;
+    int maxLines_ = 5;
     int anchor_ = 0; ///< where the selection began, in characters
     int position_ = 0;
 };

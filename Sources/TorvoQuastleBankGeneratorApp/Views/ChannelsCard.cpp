@@ -6,6 +6,7 @@
 #include "Controls/DisclosureHeader.h"
 #include "Controls/DisclosureSection.h"
 #include "Controls/Labels.h"
+#include "Controls/MessagePlate.h"
 #include "Controls/ProgressBar.h"
 #include "Controls/StatusIcon.h"
 #include "Controls/WrappingLabel.h"
@@ -32,11 +33,15 @@ constexpr std::array<std::pair<ChannelRole, const char*>, 6> orderedRoles{{
     {ChannelRole::perc, "CH6-8 PERC"},
 }};
 
+constexpr int platePadding = 12;
+constexpr int plateMargin = 6; ///< above and below a message, with and without its plate
+
 } // namespace
 
 ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     : QWidget(parent),
       model_(model),
+      plate_(new MessagePlate),
       icon_(new StatusIcon),
       message_(new WrappingLabel),
       scanning_(makeScanning()),
@@ -52,7 +57,7 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     ignoredFolders_->setObjectName(QStringLiteral("ignoredFolders"));
     ignoredFiles_->setObjectName(QStringLiteral("ignoredFiles"));
 
-    auto* words = new QHBoxLayout;
+    auto* words = new QHBoxLayout(plate_);
     words->setSpacing(12);
     words->addWidget(icon_, 0, Qt::AlignTop);
     words->addWidget(message_, 1);
@@ -67,9 +72,9 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     findings->setContentsMargins(0, 0, 0, 0);
     findings->setSpacing(Card::spacing);
     findings->addStretch();
-    findings->addLayout(words);
     for (QWidget* part :
-         std::initializer_list<QWidget*>{scanning_, roleCounts_, loopCount_, stabCount_, sections_})
+         std::initializer_list<QWidget*>{plate_, scanning_, roleCounts_, loopCount_, stabCount_,
+                                         sections_})
         findings->addWidget(part);
     findings->addStretch();
 
@@ -130,7 +135,9 @@ void ChannelsCard::render() {
     message_->setCopyable(failed);
     message_->setFont(failed ? MarloTheme::font(15, MarloTheme::FontCut::semiBold)
                              : MarloTheme::font(13, MarloTheme::FontCut::medium));
-    message_->setAlignment(failed ? Qt::AlignLeft : Qt::AlignHCenter);
+    plate_->setFailed(failed);
+    plate_->layout()->setContentsMargins(failed ? platePadding : 0, plateMargin,
+                                         failed ? platePadding : 0, plateMargin);
     reserveRoom(isScanning);
     // Before the counts appear, which is when they are read out.
     if (ready)
@@ -138,8 +145,9 @@ void ChannelsCard::render() {
     const auto showsCountsOf = [&](GenerationMode mode) {
         return ready && ready->report->mode == mode;
     };
-    const std::array<std::pair<QWidget*, bool>, 7> parts{
-        {{icon_, failed},
+    const std::array<std::pair<QWidget*, bool>, 8> parts{
+        {{plate_, isIdle || failed},
+         {icon_, failed},
          {message_, isIdle || failed},
          {scanning_, isScanning},
          {roleCounts_, showsCountsOf(GenerationMode::drums)},

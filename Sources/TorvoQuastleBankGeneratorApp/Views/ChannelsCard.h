@@ -19,6 +19,7 @@ namespace torvo::app {
 
 class AppModel;
 class DisclosureSection;
+class MessagePlate;
 class StatusIcon;
 class WrappingLabel;
 
@@ -41,6 +42,7 @@ private:
     void showIgnored(const std::shared_ptr<const ScanReport>& report);
 
     AppModel& model_;
+    MessagePlate* plate_;
     StatusIcon* icon_;
     WrappingLabel* message_;
     QWidget* scanning_;

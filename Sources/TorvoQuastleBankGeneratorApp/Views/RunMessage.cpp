@@ -2,7 +2,9 @@
 
 #include "Accessibility.h"
 #include "Binding.h"
+#include "Controls/Card.h"
 #include "Controls/Labels.h"
+#include "Controls/MessagePlate.h"
 #include "Controls/ProgressBar.h"
 #include "Controls/StatusIcon.h"
 #include "Controls/WrappingLabel.h"
@@ -15,8 +17,10 @@ namespace torvo::app {
 
 namespace {
 
-/// Two lines: the window does not move when a run begins or ends.
-constexpr int smallestHeight = 38;
+/// Two lines of a message and a line below them: the window does not move when a run begins, ends
+/// or fails.
+constexpr int plateHeight = 60;
+constexpr int maxMessageLines = 2;
 
 QString progressLine(const ProgressUpdate& update) {
     return RunMessage::tr("WRITING %1  %2/%3")
@@ -83,11 +87,13 @@ Content contentOf(const AppModel& model) {
 RunMessage::RunMessage(AppModel& model, QWidget* parent)
     : QWidget(parent),
       model_(model),
+      plate_(new MessagePlate),
       icon_(new StatusIcon),
       message_(new WrappingLabel),
       counts_(makeLabel({}, 12, MarloTheme::FontCut::regular, MarloTheme::muted)),
       progress_(new ProgressBar) {
-    setMinimumHeight(smallestHeight);
+    plate_->setFixedHeight(plateHeight);
+    message_->setMaxLines(maxMessageLines);
     setAnnounced(*message_);
     message_->setObjectName(QStringLiteral("runMessage"));
     counts_->setObjectName(QStringLiteral("runCounts"));
@@ -99,13 +105,16 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     row->setSpacing(12);
     row->addWidget(icon_, 0, Qt::AlignTop);
     row->addLayout(words, 1);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
+    auto* column = new QVBoxLayout(plate_);
+    column->setContentsMargins(Card::horizontalPadding, 0, Card::horizontalPadding, 0);
     column->setSpacing(MarloTheme::grid);
     column->addStretch();
     column->addLayout(row);
     column->addWidget(progress_);
     column->addStretch();
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(plate_);
     bind(
         model, this, [this] { render(); }, &AppModel::sourceFolderChanged);
     connect(&model, &AppModel::runStateChanged, this, [this] {
@@ -118,6 +127,7 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
 
 void RunMessage::render() {
     const Content content = contentOf(model_);
+    plate_->setFailed(content.icon == StatusKind::failure);
     icon_->setVisible(content.icon.has_value());
     if (content.icon)
         icon_->setKind(*content.icon);

@@ -7,6 +7,8 @@ class QLabel;
 namespace torvo::app {
 
 class AppModel;
+class ElidedPathLabel;
+class MessagePlate;
 class ProgressBar;
 class StatusIcon;
 class WrappingLabel;
@@ -22,6 +24,7 @@ private:
     void render();
 
     AppModel& model_;
+    MessagePlate* plate_;
     StatusIcon* icon_;
     WrappingLabel* message_;
     QLabel* counts_;
