@@ -171,15 +171,21 @@ void AppModel::startRun(std::function<Publication()> work, const Publication& be
             try {
                 publication = work();
             } catch (...) {
-                publication = [this, failure = userFacingDescription(std::current_exception())] {
-                    setRunState(Failed{failure});
-                };
+                publication = failure(std::current_exception());
             }
             tasks_.postToMainThread([this, publication = std::move(publication)] {
                 --unfinishedRuns_;
                 publication();
             });
         });
+}
+
+AppModel::Publication AppModel::failure(const std::exception_ptr& error) {
+    std::optional<FileURL> file;
+    if (const auto path = torvo::failedFile(error))
+        file = FileURL(*path);
+    return
+        [this, failed = Failed{userFacingDescription(error)}, file] { setRunState(failed, file); };
 }
 
 AppModel::CompletedExport AppModel::writeBanks(const BankExporter& exporter,
@@ -221,8 +227,9 @@ void AppModel::setScanState(ScanState state) {
         tasks_.start([previous = std::move(previous)] {});
 }
 
-void AppModel::setRunState(RunState state) {
+void AppModel::setRunState(RunState state, std::optional<FileURL> failedFile) {
     runState_ = std::move(state);
+    failedFile_ = std::move(failedFile);
     Q_EMIT runStateChanged();
 }
 

@@ -10,6 +10,7 @@
 
 #include <QObject>
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -75,6 +76,10 @@ public:
     const TorvoMetadataOptions& metadataOptions() const { return metadataOptions_; }
     const ScanState& scanState() const { return scanState_; }
     const RunState& runState() const { return runState_; }
+    /// The file that the failure in `runState` is about. Absent in any other state, when no file is
+    /// known and when the description contains the whole path already. It changes with `runState`,
+    /// before observers are told.
+    const std::optional<FileURL>& failedFile() const { return failedFile_; }
     const std::shared_ptr<const BankMappingDocument>& currentDocument() const {
         return currentDocument_;
     }
@@ -131,7 +136,9 @@ private:
     void assignSourceFolder(std::optional<FileURL> folder);
     void assignGenerationMode(GenerationMode mode);
     void setScanState(ScanState state);
-    void setRunState(RunState state);
+    void setRunState(RunState state, std::optional<FileURL> failedFile = std::nullopt);
+    /// Writes the description of an error and its file to `runState` and `failedFile`.
+    Publication failure(const std::exception_ptr& error);
     void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
     void setLastJSONURL(std::optional<FileURL> url);
 
@@ -157,6 +164,7 @@ private:
     TorvoMetadataOptions metadataOptions_;
     ScanState scanState_ = Idle{};
     RunState runState_ = Idle{};
+    std::optional<FileURL> failedFile_;
     std::shared_ptr<const BankMappingDocument> currentDocument_;
     std::optional<FileURL> lastJSONURL_;
     int unfinishedRuns_ = 0;

@@ -17,8 +17,8 @@ void AppModel::exportJSON() {
     try {
         mappingStore_.exportDocument(*document, *url);
         setLastJSONURL(url);
-    } catch (const std::exception& error) {
-        setRunState(Failed{userFacingDescription(error)});
+    } catch (...) {
+        failure(std::current_exception())();
     }
 }
 
@@ -31,8 +31,8 @@ void AppModel::importJSON() {
     std::shared_ptr<const BankMappingDocument> document;
     try {
         document = std::make_shared<const BankMappingDocument>(mappingStore_.importDocument(*url));
-    } catch (const std::exception& error) {
-        setRunState(Failed{userFacingDescription(error)});
+    } catch (...) {
+        failure(std::current_exception())();
         return;
     }
     const auto folder = exportFolder_ ? exportFolder_ : pickFolder(exportFolderTitle);

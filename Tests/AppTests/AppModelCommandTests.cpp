@@ -290,6 +290,28 @@ TEST_F(AppModelCommandTest, tellsWhyAFileCouldNotBeStamped) {
     EXPECT_EQ(runFailure(), "Not a RIFF/WAVE file.");
 }
 
+TEST_F(AppModelCommandTest, namesTheFileOfAFailureAsLongAsTheFailureStands) {
+    const FileURL broken(folder.write("QZT508/Bank 1/3/broken.wav", "no sound"));
+    std::vector<std::optional<FileURL>> seen;
+    QObject::connect(&model, &AppModel::runStateChanged, &model,
+                     [&] { seen.push_back(model.failedFile()); });
+    model.setSourceFolder(FileURL::directory(folder / "QZT508"));
+    model.applyMetadataToExistingBank();
+    waitForWork();
+    model.applyMetadataToExistingBank();
+    waitForWork();
+    model.clearSource();
+    using Seen = std::vector<std::optional<FileURL>>;
+    const std::optional<FileURL> none;
+    // Idle, running, failed, running, failed, idle.
+    EXPECT_EQ(seen, (Seen{none, none, broken, none, broken, none}));
+    // The description names it.
+    panels->document = FileURL(folder / "absent.json");
+    model.importJSON();
+    EXPECT_NE(runFailure().find(panels->document->shownPath()), std::string::npos);
+    EXPECT_FALSE(model.failedFile());
+}
+
 TEST_F(AppModelCommandTest, stampsDeviceFoldersOnly) {
     model.applyMetadataToExistingBank();
     EXPECT_TRUE(runIs(AppModel::Idle{}));

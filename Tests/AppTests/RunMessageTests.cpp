@@ -1,7 +1,9 @@
+#include "Controls/ElidedPathLabel.h"
 #include "Controls/ProgressBar.h"
 #include "Controls/StatusIcon.h"
 #include "MarloTheme.h"
 #include "Support/ContentViewFixture.h"
+#include "Text.h"
 
 #include <QTest>
 #include <gtest/gtest.h>
@@ -83,6 +85,33 @@ TEST_F(RunMessageTest, saysSoWhenSelectionsAreApplied) {
     EXPECT_TRUE(shows("Applying selections.."));
     waitForWork();
     EXPECT_EQ(label(QStringLiteral("Metadata applied to 0 WAVs"))->font().pixelSize(), 15);
+}
+
+TEST_F(RunMessageTest, showsWhichFileCouldNotBeStamped) {
+    const auto* file = view.findChild<ElidedPathLabel*>(QStringLiteral("runFile"));
+    const auto broken = folder.write("QZT508/Bank 7/3/<b>Kick-02.wav", "no sound");
+    model.setSourceFolder(FileURL::directory(folder / "QZT508"));
+    EXPECT_FALSE(file->isVisible());
+    press(mainButton());
+    waitForWork();
+    EXPECT_EQ(colorOf("Not a RIFF/WAVE file."), MarloTheme::danger);
+    const char* line = "Bank 7/3/<b>Kick-02.wav";
+    ASSERT_TRUE(shows(line));
+    EXPECT_EQ(label(QString::fromLatin1(line)), file);
+    EXPECT_EQ(colorOf(line), MarloTheme::panelRaised);
+    EXPECT_EQ(file->font().pixelSize(), 12);
+    QApplication::processEvents();
+    const auto* message = label(QStringLiteral("Not a RIFF/WAVE file."));
+    EXPECT_GE(file->mapTo(&view, QPoint()).y(),
+              message->mapTo(&view, QPoint(0, message->height())).y());
+    // All of it in the tooltip, for a screen reader and in the clipboard.
+    const QString path = QString::fromStdString(broken.string());
+    EXPECT_EQ(file->toolTip(), plainToolTip(path));
+    EXPECT_EQ(file->accessibleName(), path);
+    EXPECT_EQ(file->focusPolicy(), Qt::StrongFocus);
+    press(button("CLEAR"));
+    EXPECT_FALSE(file->isVisible());
+    EXPECT_TRUE(file->accessibleName().isEmpty());
 }
 
 TEST_F(RunMessageTest, showsWhyARunFailed) {

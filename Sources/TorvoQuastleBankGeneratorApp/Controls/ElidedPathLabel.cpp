@@ -17,16 +17,17 @@ ElidedPathLabel::ElidedPathLabel(QWidget* parent) : QLabel(parent) {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
 
-void ElidedPathLabel::setPath(const QString& path) {
-    if (path == path_)
+void ElidedPathLabel::setPath(const QString& path, const QString& line) {
+    if (path == path_ && line == line_)
         return;
     path_ = path;
+    line_ = line;
     setAccessibleName(path);
     elide();
 }
 
 QSize ElidedPathLabel::sizeHint() const {
-    return {fontMetrics().horizontalAdvance(path_), fontMetrics().height()};
+    return {fontMetrics().horizontalAdvance(line_), fontMetrics().height()};
 }
 
 QSize ElidedPathLabel::minimumSizeHint() const {
@@ -39,7 +40,7 @@ void ElidedPathLabel::resizeEvent(QResizeEvent* event) {
 }
 
 void ElidedPathLabel::elide() {
-    const QString shown = fontMetrics().elidedText(path_, Qt::ElideMiddle, width());
+    const QString shown = fontMetrics().elidedText(line_, Qt::ElideMiddle, width());
     const bool isWhole = shown == path_;
     setToolTip(isWhole ? QString() : plainToolTip(path_));
     // What can be read needs no stop on the way of the keyboard.

@@ -12,7 +12,9 @@ class ElidedPathLabel final : public QLabel {
 public:
     explicit ElidedPathLabel(QWidget* parent = nullptr);
 
-    void setPath(const QString& path);
+    void setPath(const QString& path) { setPath(path, path); }
+    /// `line` stands for the path on the screen: a shorter form of it.
+    void setPath(const QString& path, const QString& line);
     const QString& path() const { return path_; }
 
     QSize sizeHint() const override;
@@ -30,6 +32,7 @@ private:
     void copy() const;
 
     QString path_;
+    QString line_; ///< what is shown where there is room for it
 };
 
 } // namespace torvo::app

@@ -3,6 +3,7 @@
 #include "Accessibility.h"
 #include "Binding.h"
 #include "Controls/Card.h"
+#include "Controls/ElidedPathLabel.h"
 #include "Controls/Labels.h"
 #include "Controls/MessagePlate.h"
 #include "Controls/ProgressBar.h"
@@ -35,6 +36,18 @@ QString counts(const ExportSummary& summary) {
         .arg(summary.copiedFiles)
         .arg(summary.convertedFiles)
         .arg(summary.reusedBankCount);
+}
+
+/// Below the device folder or the source, the part of the path that tells files apart; elsewhere
+/// the whole path.
+QString shortPath(const AppModel& model, const FileURL& file) {
+    const std::string path = file.shownPath();
+    for (const auto& folder : {model.expectedExportRoot(), model.sourceFolder()}) {
+        const std::string parent = folder ? folder->shownPath() + '/' : std::string();
+        if (folder && path.starts_with(parent))
+            return toQString(path.substr(parent.size()));
+    }
+    return toQString(path);
 }
 
 /// What each state shows; absent pieces are hidden.
@@ -91,16 +104,22 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
       icon_(new StatusIcon),
       message_(new WrappingLabel),
       counts_(makeLabel({}, 12, MarloTheme::FontCut::regular, MarloTheme::muted)),
+      file_(new ElidedPathLabel),
       progress_(new ProgressBar) {
     plate_->setFixedHeight(plateHeight);
     message_->setMaxLines(maxMessageLines);
     setAnnounced(*message_);
     message_->setObjectName(QStringLiteral("runMessage"));
     counts_->setObjectName(QStringLiteral("runCounts"));
+    file_->setObjectName(QStringLiteral("runFile"));
+    file_->setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
+    // It stands on the light plate of a failure.
+    setTextColor(*file_, MarloTheme::panelRaised);
     auto* words = new QVBoxLayout;
     words->setSpacing(2);
     words->addWidget(message_);
     words->addWidget(counts_);
+    words->addWidget(file_);
     auto* row = new QHBoxLayout;
     row->setSpacing(12);
     row->addWidget(icon_, 0, Qt::AlignTop);
@@ -138,6 +157,10 @@ void RunMessage::render() {
     message_->setVisible(!content.message.isEmpty());
     counts_->setText(content.counts);
     counts_->setVisible(!content.counts.isEmpty());
+    const auto& file = model_.failedFile();
+    file_->setPath(file ? shownPath(*file) : QString(),
+                   file ? shortPath(model_, *file) : QString());
+    file_->setVisible(file.has_value());
     progress_->setVisible(content.showsProgress);
     progress_->setAccessibleName(content.message);
     if (content.progress) {

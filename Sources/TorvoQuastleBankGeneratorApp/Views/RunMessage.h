@@ -28,6 +28,7 @@ private:
     StatusIcon* icon_;
     WrappingLabel* message_;
     QLabel* counts_;
+    ElidedPathLabel* file_; ///< the one that a failure is about
     ProgressBar* progress_;
 };
 
