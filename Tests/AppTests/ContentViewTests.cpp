@@ -126,7 +126,7 @@ TEST_F(ContentViewTest, takesNoNameForMarkup) {
         section("ignoredFiles")->list()->model()->index(0, 0).data(Qt::ToolTipRole).toString();
     model.setExportFolder(FileURL::directory("/" + name.toStdString() + std::string(300, 'n')));
     QApplication::processEvents();
-    const QString path = view.findChildren<ElidedPathLabel*>()[1]->toolTip();
+    const QString path = view.findChild<ElidedPathLabel*>(QStringLiteral("targetPath"))->toolTip();
     for (const QString& toolTip : {row, path}) {
         ASSERT_TRUE(Qt::mightBeRichText(toolTip)) << toolTip.toStdString();
         QTextDocument shown;

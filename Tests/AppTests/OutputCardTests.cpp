@@ -77,7 +77,7 @@ TEST_F(OutputCardTest, theMainButtonIsAsWideAsItsLabelAndPadding) {
 }
 
 TEST_F(OutputCardTest, namesTheTarget) {
-    auto* target = view.findChildren<ElidedPathLabel*>()[1];
+    auto* target = view.findChild<ElidedPathLabel*>(QStringLiteral("targetPath"));
     const auto text = [&] { return target->path().toStdString(); };
     EXPECT_EQ(text(), "Choose output folder.");
     model.setExportFolder(FileURL::directory("/out put"));
@@ -183,14 +183,26 @@ TEST_F(OutputCardTest, showsTheSavedMappingFile) {
     panels->saveTarget = FileURL(folder / "saved.json");
     model.exportJSON();
     EXPECT_TRUE(shows("JSON"));
-    EXPECT_EQ(view.findChildren<ElidedPathLabel*>()[2]->path(), shownPath(*panels->saveTarget));
+    EXPECT_EQ(view.findChild<ElidedPathLabel*>(QStringLiteral("mappingFile"))->path(),
+              shownPath(*panels->saveTarget));
+}
+
+TEST_F(OutputCardTest, theMappingFileGoesWithAReset) {
+    savedRun();
+    auto* file = view.findChild<ElidedPathLabel*>(QStringLiteral("mappingFile"));
+    ASSERT_TRUE(shows("JSON"));
+    ASSERT_TRUE(file->isVisible());
+    model.clearSource();
+    EXPECT_FALSE(shows("JSON"));
+    EXPECT_FALSE(file->isVisible());
+    EXPECT_TRUE(file->accessibleName().isEmpty());
 }
 
 TEST_F(OutputCardTest, keepsLongPathsWholeInTooltipAndClipboard) {
     const std::string longName(220, 'n');
     model.setExportFolder(FileURL::directory("/start/" + longName + "/end"));
     QApplication::processEvents();
-    auto* target = view.findChildren<ElidedPathLabel*>()[1];
+    auto* target = view.findChild<ElidedPathLabel*>(QStringLiteral("targetPath"));
     EXPECT_LT(target->text().size(), target->path().size());
     EXPECT_TRUE(target->text().startsWith(QStringLiteral("/start")));
     EXPECT_TRUE(target->text().endsWith(QStringLiteral("/end")));

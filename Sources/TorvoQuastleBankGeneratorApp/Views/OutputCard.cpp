@@ -71,6 +71,8 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     choose_->setObjectName(QStringLiteral("chooseExportFolder"));
     choose_->setAccessibleDescription(tr("Output folder"));
     main_->setObjectName(QStringLiteral("mainButton"));
+    target_->setObjectName(QStringLiteral("targetPath"));
+    mappingFile_->setObjectName(QStringLiteral("mappingFile"));
     setAnnounced(*mappingFile_);
 
     auto* paths = new QVBoxLayout;
