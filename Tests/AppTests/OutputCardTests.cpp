@@ -37,6 +37,20 @@ TEST_F(OutputCardTest, aCancelledOutputPanelClearsTheOutput) {
     EXPECT_FALSE(mainButton()->isEnabled());
 }
 
+TEST_F(OutputCardTest, applyStandsWhereGenerateStood) {
+    QApplication::processEvents();
+    const auto place = [this] {
+        return QRect(mainButton()->mapTo(&view, QPoint()), mainButton()->size());
+    };
+    const QRect generate = place();
+    EXPECT_GE(generate.width(), outputButton()->width());
+    EXPECT_EQ(generate.height(), MarloButtonStyle::size(QStringLiteral("GENERATE")).height());
+    model.setSourceFolder(deviceFolder());
+    QApplication::processEvents();
+    EXPECT_EQ(mainButton()->text(), QStringLiteral("APPLY"));
+    EXPECT_EQ(place(), generate);
+}
+
 TEST_F(OutputCardTest, doesNotApplyToAFolderThatHasGone) {
     const FileURL device = deviceFolder();
     model.setSourceFolder(device);
@@ -66,14 +80,6 @@ TEST_F(OutputCardTest, asksForTheFolderAgainWhenTheWindowIsActivated) {
     view.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
     EXPECT_TRUE(mainButton()->isEnabled());
-}
-
-TEST_F(OutputCardTest, theMainButtonIsAsWideAsItsLabelAndPadding) {
-    QApplication::processEvents();
-    EXPECT_EQ(mainButton()->size(), MarloButtonStyle::size(QStringLiteral("GENERATE")));
-    model.setSourceFolder(deviceFolder());
-    QApplication::processEvents();
-    EXPECT_EQ(mainButton()->size(), MarloButtonStyle::size(QStringLiteral("APPLY")));
 }
 
 TEST_F(OutputCardTest, namesTheTarget) {

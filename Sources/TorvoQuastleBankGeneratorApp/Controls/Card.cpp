@@ -25,12 +25,7 @@ Card::Card(const QString& heading, QWidget* parent)
     column_->addLayout(headerRow_);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(horizontalPadding, 14, horizontalPadding, 16);
-    row->setSpacing(2 * MarloTheme::grid);
     row->addLayout(column_, 1);
-}
-
-void Card::setAside(QWidget* aside) {
-    layout()->addWidget(aside);
 }
 
 void Card::paintEvent(QPaintEvent*) {

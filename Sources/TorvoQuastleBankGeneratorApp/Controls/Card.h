@@ -20,8 +20,6 @@ public:
     /// The heading's row, for what stands at its right end.
     QHBoxLayout* headerRow() const { return headerRow_; }
     QVBoxLayout* column() const { return column_; }
-    /// Puts something beside the column, as high as the card.
-    void setAside(QWidget* aside);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

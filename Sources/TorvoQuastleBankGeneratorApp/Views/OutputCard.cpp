@@ -18,8 +18,8 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int captionWidth = 64;
-constexpr int pathSpacing = 4;
+constexpr int captionGap = 16;
+constexpr int mainButtonWidth = 180; ///< whatever its label
 
 QString exportText(const AppModel& model) {
     if (model.isUpdatingExistingBank())
@@ -48,12 +48,12 @@ ElidedPathLabel* makePath() {
 /// A caption with its path beside it.
 QWidget* makePathRow(const QString& caption, ElidedPathLabel* path) {
     auto* title = makeCaption(caption);
-    title->setFixedWidth(captionWidth);
     auto* container = new QWidget;
     auto* row = new QHBoxLayout(container);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
     row->addWidget(title);
+    row->addSpacing(captionGap);
     row->addWidget(path, 1);
     return container;
 }
@@ -75,32 +75,17 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     mappingFile_->setObjectName(QStringLiteral("mappingFile"));
     setAnnounced(*mappingFile_);
 
-    auto* paths = new QVBoxLayout;
-    paths->setSpacing(pathSpacing);
-    paths->addStretch();
-    paths->addWidget(makePathRow(tr("TARGET"), target_));
-    paths->addWidget(mappingRow_);
-    paths->addStretch();
-
-    // Each row of the card is as high as the button at its end. Where only one button stands, it
-    // has the whole height to itself and leaves no hole.
-    const QSize button = choose_->sizeHint();
-    auto* buttons = new QWidget;
-    buttons->setFixedHeight(2 * button.height() + Card::spacing);
-    buttons->setMinimumWidth(button.width());
-    auto* stack = new QVBoxLayout(buttons);
-    stack->setContentsMargins(0, 0, 0, 0);
-    stack->setSpacing(Card::spacing);
-    stack->addStretch();
-    stack->addWidget(choose_, 0, Qt::AlignRight);
-    stack->addWidget(main_, 0, Qt::AlignRight);
-    stack->addStretch();
-
+    // GENERATE and APPLY stand in one place, which no other button and no path moves.
+    main_->setMinimumWidth(mainButtonWidth);
+    auto* mapping = new QHBoxLayout;
+    mapping->addWidget(mappingRow_);
     auto* card = new Card(tr("OUTPUT"));
-    card->headerRow()->addStrut(button.height());
-    card->headerRow()->addStretch();
-    card->column()->addLayout(paths, 1);
-    card->setAside(buttons);
+    card->column()->addWidget(makePathRow(tr("TARGET"), target_));
+    card->headerRow()->addSpacing(2 * MarloTheme::grid);
+    card->headerRow()->addLayout(mapping, 1);
+    card->headerRow()->addSpacing(MarloTheme::grid);
+    card->headerRow()->addWidget(choose_);
+    card->headerRow()->addWidget(main_);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(card);
