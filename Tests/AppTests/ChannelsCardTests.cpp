@@ -17,6 +17,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
 #include <utility>
 
 using namespace torvo;
@@ -106,7 +109,7 @@ TEST_F(ChannelsCardTest, nothingMovesWhenAScanEnds) {
     expectStill(loops("Loops", 3), "Loops");
 }
 
-TEST_F(ChannelsCardTest, aKindWithoutSamplesStandsOut) {
+TEST_F(ChannelsCardTest, whatBlocksARunStandsOut) {
     CountRow row(QStringLiteral("CH2 CLAP"));
     row.resize(300, row.sizeHint().height());
     row.show();
@@ -118,10 +121,64 @@ TEST_F(ChannelsCardTest, aKindWithoutSamplesStandsOut) {
                 return true;
         return false;
     };
-    row.setCount(0);
+    row.setCount(0, CountRow::Standing::blocking);
     EXPECT_TRUE(hasBadge());
-    row.setCount(1);
-    EXPECT_FALSE(hasBadge());
+    for (const auto standing :
+         {CountRow::Standing::enough, CountRow::Standing::filledIn, CountRow::Standing::absent}) {
+        row.setCount(0, standing);
+        EXPECT_FALSE(hasBadge());
+    }
+}
+
+TEST_F(ChannelsCardTest, saysWhatIsMissingAndWhatIsFilledIn) {
+    const QString note = QStringLiteral("percussion plays on this channel");
+    const auto standings = [this] {
+        std::map<std::string, CountRow::Standing> found;
+        for (const auto* row : showing<CountRow>())
+            found[row->accessibleName().section(QLatin1Char(' '), 0, 0).toStdString()] =
+                row->standing();
+        return found;
+    };
+    using Standing = CountRow::Standing;
+    folder.createFolder("Kit");
+    loops("Kit/Percussion", 3);
+    loops("Kit/Snare", 1);
+    scan(FileURL::directory(folder / "Kit"));
+    EXPECT_EQ(standings(), (std::map<std::string, Standing>{{"CH1", Standing::blocking},
+                                                            {"CH2", Standing::filledIn},
+                                                            {"CH3", Standing::filledIn},
+                                                            {"CH4", Standing::filledIn},
+                                                            {"CH5", Standing::enough},
+                                                            {"CH6-8", Standing::enough}}));
+    EXPECT_EQ(showing<CountRow>()[1]->accessibleName(), QStringLiteral("CH2 CLAP 0, ") + note);
+    EXPECT_TRUE(label(note));
+    std::filesystem::remove(folder / "Kit/Percussion/sample 1.wav");
+    scan(FileURL::directory(folder / "Kit"));
+    EXPECT_EQ(standings()["CH2"], Standing::absent);
+    EXPECT_EQ(standings()["CH6-8"], Standing::blocking);
+    EXPECT_FALSE(label(note));
+    model.setGenerationMode(GenerationMode::loops);
+    waitForWork();
+    scan(loops("Few", 7));
+    EXPECT_EQ(standings()["LOOPS"], Standing::blocking);
+    scan(loops("Enough", 8));
+    EXPECT_EQ(standings()["LOOPS"], Standing::enough);
+}
+
+TEST_F(ChannelsCardTest, digitsStayInTheirColumn) {
+    CountRow row(QStringLiteral("CH2 CLAP"));
+    row.resize(378, CountRow::height);
+    row.show();
+    std::set<int> rightEdges;
+    for (const auto standing : {CountRow::Standing::enough, CountRow::Standing::filledIn,
+                                CountRow::Standing::absent, CountRow::Standing::blocking}) {
+        row.setCount(0, standing);
+        QApplication::processEvents();
+        for (const auto* label : row.findChildren<QLabel*>())
+            if (label->text() == QLatin1String("0"))
+                rightEdges.insert(label->geometry().right() - label->contentsMargins().right());
+    }
+    EXPECT_EQ(rightEdges.size(), 1U);
 }
 
 TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {
@@ -141,7 +198,8 @@ TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {
         auto labels = row->findChildren<QLabel*>();
         std::ranges::sort(labels, {}, &QWidget::x);
         for (const auto* label : labels)
-            texts.push_back(label->text().toStdString());
+            if (label->isVisible())
+                texts.push_back(label->text().toStdString());
         EXPECT_EQ(row->accessibleName().toStdString(),
                   texts[texts.size() - 2] + " " + texts.back());
     }

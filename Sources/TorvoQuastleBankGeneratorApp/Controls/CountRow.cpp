@@ -1,5 +1,6 @@
 #include "CountRow.h"
 
+#include "ElidedLabel.h"
 #include "Labels.h"
 #include "MarloTheme.h"
 #include "Painting.h"
@@ -12,7 +13,6 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int rowHeight = 28;
 constexpr int badgeHeight = 20;
 constexpr int badgePadding = 8;
 
@@ -21,34 +21,52 @@ constexpr int badgePadding = 8;
 CountRow::CountRow(const QString& label, QWidget* parent)
     : QWidget(parent),
       label_(label),
+      note_(new ElidedLabel),
       count_(makeLabel({}, 15, MarloTheme::FontCut::semiBold, MarloTheme::ink)) {
-    setFixedHeight(rowHeight);
+    setFixedHeight(height);
+    note_->setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
+    note_->setAlignment(Qt::AlignRight);
+    setTextColor(*note_, MarloTheme::muted);
+    // With and without a badge the digits stand in one column.
+    count_->setContentsMargins(badgePadding, 0, badgePadding, 0);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
     row->addWidget(makeLabel(label, 13, MarloTheme::FontCut::medium, MarloTheme::muted));
+    row->addSpacing(MarloTheme::grid);
+    row->addWidget(note_, 1);
     row->addStretch();
+    row->addSpacing(4);
     row->addWidget(count_);
 }
 
-void CountRow::setCount(qsizetype count) {
+void CountRow::setCount(qsizetype count, Standing standing) {
+    standing_ = standing;
     count_->setText(QString::number(count));
-    setAccessibleName(label_ + QLatin1Char(' ') + count_->text());
-    isMissing_ = count == 0;
-    const int margin = isMissing_ ? badgePadding : 0;
-    count_->setContentsMargins(margin, 0, margin, 0);
+    note_->setText(standing == Standing::filledIn ? tr("percussion plays on this channel")
+                                                  : QString());
+    const bool isFaint = standing == Standing::filledIn || standing == Standing::absent;
+    setTextColor(*count_, isFaint ? MarloTheme::muted : MarloTheme::ink);
+    QString name = label_ + QLatin1Char(' ') + count_->text();
+    if (!note_->text().isEmpty())
+        name += QStringLiteral(", ") + note_->text();
+    setAccessibleName(name);
+    note_->setVisible(!note_->text().isEmpty());
     update();
 }
 
 void CountRow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.fillRect(0, height() - 1, width(), 1, MarloTheme::line);
-    // A kind without a single sample is the one to notice.
-    if (isMissing_) {
-        QRectF badge = count_->geometry();
-        badge.setTop(badge.center().y() - badgeHeight / 2.0);
-        badge.setHeight(badgeHeight);
-        paintRoundedRect(painter, badge, badgeHeight / 2.0, MarloTheme::danger, Qt::transparent);
-    }
+    painter.fillRect(0, QWidget::height() - 1, width(), 1, MarloTheme::line);
+    if (standing_ == Standing::enough)
+        return;
+    QRectF badge = count_->geometry();
+    badge.setTop(badge.center().y() - badgeHeight / 2.0);
+    badge.setHeight(badgeHeight);
+    const bool isBlocking = standing_ == Standing::blocking;
+    paintRoundedRect(painter, badge, badgeHeight / 2.0,
+                     isBlocking ? MarloTheme::danger : QColor(Qt::transparent),
+                     isBlocking ? QColor(Qt::transparent) : MarloTheme::accent);
 }
 
 } // namespace torvo::app

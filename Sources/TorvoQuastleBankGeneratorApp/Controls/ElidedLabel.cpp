@@ -24,7 +24,8 @@ void ElidedLabel::paintEvent(QPaintEvent*) {
     setToolTip(shown == text() ? QString() : plainToolTip(text()));
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::WindowText));
-    painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, shown);
+    const Qt::Alignment side = alignment() & Qt::AlignHorizontal_Mask;
+    painter.drawText(rect(), static_cast<int>(Qt::AlignVCenter | side) | Qt::TextSingleLine, shown);
 }
 
 } // namespace torvo::app

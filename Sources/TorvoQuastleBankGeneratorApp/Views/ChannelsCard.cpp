@@ -36,6 +36,22 @@ constexpr std::array<std::pair<ChannelRole, const char*>, 6> orderedRoles{{
 constexpr int platePadding = 12;
 constexpr int plateMargin = 6; ///< above and below a message, with and without its plate
 
+using Standing = CountRow::Standing;
+
+/// Percussion plays on the channels of every other kind but the kick.
+Standing standing(const RoleBuckets& buckets, ChannelRole role) {
+    // As much as `canGenerate` asks for.
+    constexpr std::ptrdiff_t minPercussion = 3;
+    const bool hasPercussion = std::ssize(buckets.perc) >= minPercussion;
+    if (role == ChannelRole::perc)
+        return hasPercussion ? Standing::enough : Standing::blocking;
+    if (!buckets.samples(role).empty())
+        return Standing::enough;
+    if (role == ChannelRole::kick)
+        return Standing::blocking;
+    return hasPercussion ? Standing::filledIn : Standing::absent;
+}
+
 } // namespace
 
 ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
@@ -141,7 +157,7 @@ void ChannelsCard::render() {
     reserveRoom(isScanning);
     // Before the counts appear, which is when they are read out.
     if (ready)
-        showCounts(ready->report->buckets);
+        showCounts(*ready->report);
     const auto showsCountsOf = [&](GenerationMode mode) {
         return ready && ready->report->mode == mode;
     };
@@ -182,15 +198,19 @@ void ChannelsCard::reserveRoom(bool isScanning) {
     body_->setMinimumHeight(model_.isUpdatingExistingBank() ? 0 : room);
 }
 
-void ChannelsCard::showCounts(const RoleBuckets& buckets) {
+void ChannelsCard::showCounts(const ScanReport& report) {
+    const RoleBuckets& buckets = report.buckets;
     QStringList names;
     for (std::size_t index = 0; index < roleRows_.size(); ++index) {
-        roleRows_[index]->setCount(std::ssize(buckets.samples(orderedRoles[index].first)));
+        const ChannelRole role = orderedRoles[index].first;
+        roleRows_[index]->setCount(std::ssize(buckets.samples(role)), standing(buckets, role));
         names.append(roleRows_[index]->accessibleName());
     }
     roleCounts_->setAccessibleName(names.join(QStringLiteral(", ")));
-    loopCount_->setCount(std::ssize(buckets.loop));
-    stabCount_->setCount(std::ssize(buckets.stab));
+    const auto uniform =
+        BankGenerator{}.canGenerate(buckets, report.mode) ? Standing::enough : Standing::blocking;
+    loopCount_->setCount(std::ssize(buckets.loop), uniform);
+    stabCount_->setCount(std::ssize(buckets.stab), uniform);
 }
 
 void ChannelsCard::showIgnored(const std::shared_ptr<const ScanReport>& report) {

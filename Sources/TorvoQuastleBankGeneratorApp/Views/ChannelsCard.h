@@ -11,7 +11,6 @@
 class QLabel;
 
 namespace torvo {
-struct RoleBuckets;
 struct ScanReport;
 } // namespace torvo
 
@@ -37,7 +36,7 @@ private:
     void showMessage(const QString& text, QColor color);
     /// As much as the counts of the mode will take: nothing below moves when a scan ends.
     void reserveRoom(bool isScanning);
-    void showCounts(const RoleBuckets& buckets);
+    void showCounts(const ScanReport& report);
     /// None empties the lists.
     void showIgnored(const std::shared_ptr<const ScanReport>& report);
 
