@@ -181,6 +181,19 @@ TEST_F(ChannelsCardTest, digitsStayInTheirColumn) {
     EXPECT_EQ(rightEdges.size(), 1U);
 }
 
+TEST_F(ChannelsCardTest, sumsUpTheReasons) {
+    for (int index = 0; index < 3; ++index)
+        folder.write("Kit A/Kick/notes " + std::to_string(index) + ".txt", "notes");
+    folder.write("Kit A/odd.wav", "odd");
+    folder.write("Kit A/.hidden", "");
+    scan(drumKit());
+    const auto* header = section("ignoredFiles")->header();
+    EXPECT_EQ(header->kinds().toStdString(),
+              "3 unsupported · 1 hidden or sidecar · 1 unclassified");
+    EXPECT_EQ(header->accessibleDescription(), header->kinds());
+    EXPECT_TRUE(section("ignoredFolders")->header()->kinds().isEmpty());
+}
+
 TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {
     int samples = 1;
     for (const std::string role : {"Percussion", "Snare", "Open Hat", "Closed Hat", "Clap", "Kick"})

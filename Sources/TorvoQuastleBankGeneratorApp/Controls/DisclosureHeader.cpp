@@ -13,6 +13,7 @@ namespace {
 constexpr double chevronCenter = 8;
 constexpr double titleLeft = 24;
 constexpr double countGap = 10;
+constexpr double kindsGap = 14;
 
 void paintChevron(QPainter& painter, QPointF center, bool expanded, const QColor& color) {
     painter.save();
@@ -27,7 +28,7 @@ void paintChevron(QPainter& painter, QPointF center, bool expanded, const QColor
 } // namespace
 
 void DisclosureHeaderStyle::paint(QPainter& painter, const QRectF& rect, const QString& title,
-                                  const QString& count) const {
+                                  const QString& count, const QString& kinds) const {
     const QColor strong = hovered ? MarloTheme::ink : MarloTheme::muted;
     paintChevron(painter, {rect.left() + chevronCenter, rect.center().y()}, expanded, strong);
     const QFont titleFont = MarloTheme::font(12, MarloTheme::FontCut::semiBold);
@@ -35,20 +36,30 @@ void DisclosureHeaderStyle::paint(QPainter& painter, const QRectF& rect, const Q
     painter.setPen(strong);
     const int flags = Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine;
     painter.drawText(rect.adjusted(titleLeft, 0, 0, 0), flags, title);
-    const double countLeft = titleLeft + QFontMetricsF(titleFont).horizontalAdvance(title);
+    const QFontMetricsF titleMetrics(titleFont);
+    const double countLeft = titleLeft + titleMetrics.horizontalAdvance(title) + countGap;
     painter.setPen(MarloTheme::ink);
-    painter.drawText(rect.adjusted(countLeft + countGap, 0, 0, 0), flags, count);
+    painter.drawText(rect.adjusted(countLeft, 0, 0, 0), flags, count);
+    const QRectF rest =
+        rect.adjusted(countLeft + titleMetrics.horizontalAdvance(count) + kindsGap, 0, 0, 0);
+    const QFont kindsFont = MarloTheme::font(12, MarloTheme::FontCut::regular);
+    painter.setFont(kindsFont);
+    painter.setPen(MarloTheme::muted);
+    painter.drawText(rest, flags,
+                     QFontMetricsF(kindsFont).elidedText(kinds, Qt::ElideRight, rest.width()));
 }
 
 DisclosureHeader::DisclosureHeader(const QString& title, QWidget* parent)
     : PaintedButton(title, parent) {
     setCheckable(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setCount(0);
+    setCount(0, {});
 }
 
-void DisclosureHeader::setCount(qsizetype count) {
+void DisclosureHeader::setCount(qsizetype count, const QString& kinds) {
     count_ = count;
+    kinds_ = kinds;
+    setAccessibleDescription(kinds);
     setAccessibleName(text() + QLatin1Char(' ') + QString::number(count));
     update();
 }
@@ -56,7 +67,7 @@ void DisclosureHeader::setCount(qsizetype count) {
 void DisclosureHeader::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const DisclosureHeaderStyle style{.expanded = isChecked(), .hovered = isHovered()};
-    style.paint(painter, rect(), text(), QString::number(count_));
+    style.paint(painter, rect(), text(), QString::number(count_), kinds_);
 }
 
 } // namespace torvo::app

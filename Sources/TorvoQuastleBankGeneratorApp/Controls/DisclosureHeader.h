@@ -8,15 +8,16 @@ class QPainter;
 
 namespace torvo::app {
 
-/// The row that opens and closes a section: a chevron, the title, the number of items.
+/// The row that opens and closes a section: a chevron, the title, the number of items, and in muted
+/// letters what kinds of items they are.
 struct DisclosureHeaderStyle {
     bool expanded = false;
     bool hovered = false;
 
     static constexpr int height = 28;
 
-    void paint(QPainter& painter, const QRectF& rect, const QString& title,
-               const QString& count) const;
+    void paint(QPainter& painter, const QRectF& rect, const QString& title, const QString& count,
+               const QString& kinds) const;
 };
 
 /// A press toggles `isChecked`: checked is open.
@@ -26,8 +27,9 @@ class DisclosureHeader final : public PaintedButton {
 public:
     explicit DisclosureHeader(const QString& title, QWidget* parent = nullptr);
 
-    void setCount(qsizetype count);
+    void setCount(qsizetype count, const QString& kinds);
     qsizetype count() const { return count_; }
+    const QString& kinds() const { return kinds_; }
     QSize sizeHint() const override { return {0, DisclosureHeaderStyle::height}; }
 
 protected:
@@ -35,6 +37,7 @@ protected:
 
 private:
     qsizetype count_ = 0;
+    QString kinds_;
 };
 
 } // namespace torvo::app

@@ -4,12 +4,19 @@
 #include "IgnoredItemDelegate.h"
 #include "Labels.h"
 #include "MarloTheme.h"
+#include "Text.h"
 
 #include <QLabel>
 #include <QListView>
+#include <QLocale>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace torvo::app {
 
@@ -17,6 +24,31 @@ namespace {
 
 constexpr int mostRowsShown = 7;
 constexpr int listPadding = 4;
+
+/// How the head of a section sums up a reason.
+QString kind(const std::string& reason) {
+    static const std::map<std::string, QString, std::less<>> kinds{
+        {"Unclassified sample", DisclosureSection::tr("unclassified")},
+        {"Unsupported audio file", DisclosureSection::tr("unsupported")},
+        {"Ignored hidden or sidecar file", DisclosureSection::tr("hidden or sidecar")},
+        {"Ignored v1 folder", DisclosureSection::tr("crash, ride or shaker")}};
+    const auto found = kinds.find(reason);
+    return found == kinds.end() ? toQString(reason) : found->second;
+}
+
+/// "1,929 unclassified · 13 unsupported", the most frequent first.
+QString kinds(const std::vector<IgnoredItem>& items) {
+    std::map<std::string, int, std::less<>> counts;
+    for (const IgnoredItem& item : items)
+        ++counts[item.reason];
+    std::vector<std::pair<std::string, int>> sorted(counts.begin(), counts.end());
+    std::ranges::stable_sort(sorted, std::greater{}, &std::pair<std::string, int>::second);
+    const QLocale english(QLocale::English, QLocale::UnitedStates);
+    QStringList texts;
+    for (const auto& [reason, count] : sorted)
+        texts.append(english.toString(count) + QLatin1Char(' ') + kind(reason));
+    return texts.join(QStringLiteral(" · "));
+}
 
 } // namespace
 
@@ -51,9 +83,10 @@ DisclosureSection::DisclosureSection(const QString& title, QWidget* parent)
 }
 
 void DisclosureSection::setItems(IgnoredItemsModel::Items items) {
+    const QString itemKinds = items ? kinds(*items) : QString();
     if (!model_.setItems(std::move(items)))
         return;
-    header_->setCount(model_.rowCount());
+    header_->setCount(model_.rowCount(), itemKinds);
     showContent();
 }
 
