@@ -11,6 +11,7 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QListView>
+#include <QScrollBar>
 #include <QStandardItemModel>
 #include <QStyleOptionViewItem>
 #include <QTest>
@@ -192,6 +193,21 @@ TEST_F(ChannelsCardTest, sumsUpTheReasons) {
               "3 unsupported · 1 hidden or sidecar · 1 unclassified");
     EXPECT_EQ(header->accessibleDescription(), header->kinds());
     EXPECT_TRUE(section("ignoredFolders")->header()->kinds().isEmpty());
+}
+
+TEST_F(ChannelsCardTest, aNewReportStartsAtItsTop) {
+    for (int index = 0; index < 40; ++index)
+        folder.write("Kit A/Kick/notes " + std::to_string(index) + ".txt", "notes");
+    const FileURL kit = drumKit();
+    scan(kit);
+    section("ignoredFiles")->setExpanded(true);
+    QApplication::processEvents();
+    auto* bar = section("ignoredFiles")->list()->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 0);
+    bar->setValue(bar->maximum());
+    scan(kit);
+    QApplication::processEvents();
+    EXPECT_EQ(bar->value(), 0);
 }
 
 TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {

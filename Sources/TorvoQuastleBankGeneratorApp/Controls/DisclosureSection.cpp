@@ -87,6 +87,7 @@ void DisclosureSection::setItems(IgnoredItemsModel::Items items) {
     if (!model_.setItems(std::move(items)))
         return;
     header_->setCount(model_.rowCount(), itemKinds);
+    list_->scrollToTop();
     showContent();
 }
 
