@@ -83,7 +83,8 @@ TEST_F(ChannelsCardTest, aFailedScanHasAnIconAndATextToCopy) {
 
 TEST_F(ChannelsCardTest, nothingMovesWhenAScanEnds) {
     const auto place = [this] {
-        QApplication::processEvents();
+        for (int round = 0; round < 5; ++round) // a layout request may post another one
+            QApplication::processEvents();
         return label(QStringLiteral("METADATA"))->mapTo(&view, QPoint()).y();
     };
     const auto expectStill = [&](const FileURL& source, const char* held) {
@@ -208,6 +209,27 @@ TEST_F(ChannelsCardTest, aNewReportStartsAtItsTop) {
     scan(kit);
     QApplication::processEvents();
     EXPECT_EQ(bar->value(), 0);
+}
+
+TEST_F(ChannelsCardTest, anOpenListTakesTheHeightThatTheWindowHasToSpare) {
+    for (int index = 0; index < 60; ++index)
+        folder.write("Kit A/Kick/notes " + std::to_string(index) + ".txt", "notes");
+    scan(drumKit());
+    section("ignoredFiles")->setExpanded(true);
+    auto* list = section("ignoredFiles")->list();
+    const auto heightAt = [&](int height) {
+        view.resize(880, height);
+        settle();
+        return list->height();
+    };
+    const int usual = heightAt(980);
+    const int higher = heightAt(1500);
+    EXPECT_EQ(heightAt(1700), higher + 200);
+    EXPECT_GT(list->height(), usual);
+    // No further than to its last row.
+    EXPECT_EQ(heightAt(3600), heightAt(4000));
+    EXPECT_EQ(list->verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(heightAt(980), usual);
 }
 
 TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {

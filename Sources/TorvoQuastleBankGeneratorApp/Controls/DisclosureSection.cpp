@@ -22,7 +22,7 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int mostRowsShown = 7;
+constexpr int minRowsShown = 7; ///< in a list that has as many
 constexpr int listPadding = 4;
 
 /// How the head of a section sums up a reason.
@@ -50,13 +50,20 @@ QString kinds(const std::vector<IgnoredItem>& items) {
     return texts.join(QStringLiteral(" · "));
 }
 
+/// Wants no more than it must have, and takes more where there is room to spare.
+class RowList final : public QListView {
+public:
+    RowList() { setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding); }
+    QSize sizeHint() const override { return minimumSize(); }
+};
+
 } // namespace
 
 DisclosureSection::DisclosureSection(const QString& title, QWidget* parent)
     : QWidget(parent),
       header_(new DisclosureHeader(title)),
       none_(makeLabel(tr("NONE"), 12, MarloTheme::FontCut::regular, MarloTheme::muted)),
-      list_(new QListView) {
+      list_(new RowList) {
     setAccessibleName(title);
     none_->setContentsMargins(24, 2, 0, MarloTheme::grid);
 
@@ -98,11 +105,21 @@ void DisclosureSection::setExpanded(bool expanded) {
 }
 
 void DisclosureSection::showContent() {
-    const int rows = model_.rowCount();
-    list_->setFixedHeight(std::clamp(rows, 1, mostRowsShown) * IgnoredItemDelegate::rowHeight +
-                          2 * listPadding);
-    none_->setVisible(isExpanded_ && rows == 0);
-    list_->setVisible(isExpanded_ && rows > 0);
+    const int rows = std::clamp(model_.rowCount(), 1, minRowsShown);
+    const int height = rows * IgnoredItemDelegate::rowHeight + 2 * listPadding;
+    list_->setMinimumHeight(height);
+    list_->setMaximumHeight(height + maxExtraHeight());
+    // A list that shows all its rows leaves the room to the other one.
+    list_->setSizePolicy(QSizePolicy::Expanding,
+                         maxExtraHeight() > 0 ? QSizePolicy::Expanding : QSizePolicy::Fixed);
+    none_->setVisible(isExpanded_ && model_.rowCount() == 0);
+    list_->setVisible(isExpanded_ && model_.rowCount() > 0);
+}
+
+int DisclosureSection::maxExtraHeight() const {
+    if (!isExpanded_)
+        return 0;
+    return std::max(0, model_.rowCount() - minRowsShown) * IgnoredItemDelegate::rowHeight;
 }
 
 } // namespace torvo::app

@@ -23,6 +23,10 @@ public:
     bool isExpanded() const { return isExpanded_; }
     void setExpanded(bool expanded);
 
+    /// What the open list could take beyond its usual height until all rows are shown, in logical
+    /// pixels.
+    int maxExtraHeight() const;
+
     DisclosureHeader* header() const { return header_; }
     QListView* list() const { return list_; }
 

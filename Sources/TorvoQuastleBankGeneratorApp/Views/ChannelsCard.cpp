@@ -12,10 +12,12 @@
 #include "Controls/WrappingLabel.h"
 #include "Text.h"
 
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -92,6 +94,8 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
          std::initializer_list<QWidget*>{plate_, scanning_, roleCounts_, loopCount_, stabCount_,
                                          sections_})
         findings->addWidget(part);
+    // Before the empty space below, as far as the lists have rows.
+    findings->setStretchFactor(sections_, 1);
     findings->addStretch();
 
     auto* card = new Card(tr("CHANNELS"));
@@ -99,6 +103,9 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(card);
+    QSizePolicy policy = sizePolicy();
+    policy.setVerticalStretch(1);
+    setSizePolicy(policy);
 
     bind(
         model, this, [this] { render(); }, &AppModel::scanStateChanged,
@@ -189,7 +196,7 @@ void ChannelsCard::reserveRoom(bool isScanning) {
     if (!isScanning)
         roomForSections_ = 2 * DisclosureHeaderStyle::height;
     else if (sections_->isVisible())
-        roomForSections_ = sections_->sizeHint().height();
+        roomForSections_ = std::max(sections_->sizeHint().height(), sections_->height());
     const QWidget* counts =
         model_.generationMode() == GenerationMode::drums ? roleCounts_ : loopCount_;
     const int roomForCounts = counts->sizeHint().expandedTo(counts->minimumSize()).height();
@@ -211,6 +218,15 @@ void ChannelsCard::showCounts(const ScanReport& report) {
         BankGenerator{}.canGenerate(buckets, report.mode) ? Standing::enough : Standing::blocking;
     loopCount_->setCount(std::ssize(buckets.loop), uniform);
     stabCount_->setCount(std::ssize(buckets.stab), uniform);
+}
+
+bool ChannelsCard::event(QEvent* event) {
+    const bool isHandled = QWidget::event(event);
+    // Height to spare goes to the open lists, and no further.
+    if (event->type() == QEvent::LayoutRequest)
+        setMaximumHeight(sizeHint().height() + ignoredFolders_->maxExtraHeight() +
+                         ignoredFiles_->maxExtraHeight());
+    return isHandled;
 }
 
 void ChannelsCard::showIgnored(const std::shared_ptr<const ScanReport>& report) {

@@ -29,6 +29,9 @@ class ChannelsCard final : public QWidget {
 public:
     explicit ChannelsCard(AppModel& model, QWidget* parent = nullptr);
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     QWidget* makeRoleCounts();
     QWidget* makeScanning();

@@ -28,6 +28,11 @@ struct ContentViewFixture : AppFixture {
         view.show();
     }
 
+    /// Until a change of size has gone up and down through all layouts.
+    static void settle() {
+        for (int pass = 0; pass < 12; ++pass)
+            QApplication::processEvents();
+    }
     template <typename Widget>
     std::vector<Widget*> showing() const {
         std::vector<Widget*> found;
