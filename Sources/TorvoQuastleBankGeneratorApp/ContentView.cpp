@@ -24,11 +24,14 @@ namespace torvo::app {
 namespace {
 
 constexpr int columnWidth = 880;
-constexpr int sideMargin = 4 * MarloTheme::grid;
-constexpr int verticalMargin = 3 * MarloTheme::grid;
+constexpr int sideMargin = (columnWidth - MarloTheme::cardWidth) / 2;
+constexpr int minSideMargin = 12; ///< the scroll bar has its place there
+constexpr int topMargin = 2 * MarloTheme::grid;
 constexpr int cardSpacing = 12;
-constexpr int statusMargin = 10; ///< above and below the state of the run
-constexpr double modeHeight = 42;
+constexpr int footerMargin = MarloTheme::grid; ///< above and below the output
+constexpr int statusMargin = 4;                ///< above and below the state of the run
+constexpr double segmentWidth = 132;
+constexpr double modeHeight = 38;
 
 } // namespace
 
@@ -50,7 +53,7 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
     layout->addWidget(makeFooter(model));
     layout->addWidget(makeStatus(model));
     new ScrollFade(*scrollArea_);
-    setMargins(sideMargin, 0);
+    setMargins(sideMargin, sideMargin, 0);
     connect(new FocusRing(*this), &FocusRing::moved, this, &ContentView::bringIntoSight);
     // Enter opens the panel right after the start; no ring before the first key.
     findChild<DropZone*>()->setFocus(Qt::NoFocusReason);
@@ -58,7 +61,7 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
 
 QWidget* ContentView::makeScrolledColumn(AppModel& model) {
     auto* modes = new ThreeWayModeToggle({allGenerationModes.begin(), allGenerationModes.end()},
-                                         (columnWidth - 2 * sideMargin) / 3.0, modeHeight);
+                                         segmentWidth, modeHeight);
     connect(modes, &ThreeWayModeToggle::modeChosen, &model, &AppModel::setGenerationMode);
     bind(
         model, this, [&model, modes] { modes->setSelection(model.generationMode()); },
@@ -68,7 +71,7 @@ QWidget* ContentView::makeScrolledColumn(AppModel& model) {
     column_ = new QVBoxLayout(content);
     column_->setSpacing(cardSpacing);
     column_->addWidget(new HeaderView(model));
-    column_->addWidget(modes);
+    column_->addWidget(modes, 0, Qt::AlignLeft);
     column_->addWidget(new SourceCard(model, drops_));
     column_->addWidget(new ChannelsCard(model));
     column_->addWidget(new MetadataCard(model));
@@ -114,18 +117,19 @@ bool ContentView::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ContentView::alignColumns() {
+    const int left = std::max(minSideMargin, (width() - MarloTheme::cardWidth) / 2);
+    const int right = std::max(minSideMargin, width() - left - MarloTheme::cardWidth);
     // The scroll bar takes its place from the margin: both columns keep one right edge.
-    setMargins(sideMargin + std::max(0, (width() - columnWidth) / 2),
-               width() - scrollArea_->viewport()->width());
+    setMargins(left, right, width() - scrollArea_->viewport()->width());
 }
 
-void ContentView::setMargins(int side, int scrollBar) {
-    column_->setContentsMargins(side, verticalMargin, side - scrollBar, cardSpacing);
+void ContentView::setMargins(int left, int right, int scrollBar) {
+    column_->setContentsMargins(left, topMargin, right - scrollBar, footerMargin);
     // The scroll bar comes and goes while the column is being laid out, which loses a request to do
     // so again.
     column_->activate();
-    footer_->setContentsMargins(side, cardSpacing, side, cardSpacing);
-    status_->setContentsMargins(side, statusMargin, side, statusMargin);
+    footer_->setContentsMargins(left, footerMargin, right, footerMargin);
+    status_->setContentsMargins(left, statusMargin, right, statusMargin);
 }
 
 void ContentView::paintEvent(QPaintEvent*) {

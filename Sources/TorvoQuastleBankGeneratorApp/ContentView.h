@@ -40,7 +40,7 @@ private:
     QWidget* makeFooter(AppModel& model);
     QWidget* makeStatus(AppModel& model);
     void alignColumns();
-    void setMargins(int side, int scrollBar);
+    void setMargins(int left, int right, int scrollBar);
     void bringIntoSight(QWidget* control);
 
     FolderDrops drops_;

@@ -28,4 +28,9 @@ QFont font(int pixelSize, FontCut cut);
 /// The distances of the layout are multiples of this.
 inline constexpr int grid = 8;
 
+/// Between the columns of a card. Two and three columns as well as eight channel buttons then have
+/// whole widths in a card of `cardWidth`.
+inline constexpr int columnGap = 30;
+inline constexpr int cardWidth = 826;
+
 } // namespace torvo::app::MarloTheme

@@ -9,7 +9,7 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int padding = 4;
+constexpr int verticalPadding = 4;
 
 QFont linkFont() {
     return MarloTheme::font(13, MarloTheme::FontCut::medium);
@@ -23,7 +23,7 @@ LinkButton::LinkButton(const QString& text, QWidget* parent) : PaintedButton(tex
 
 QSize LinkButton::sizeHint() const {
     const QFontMetrics metrics(linkFont());
-    return {metrics.horizontalAdvance(text()) + 2 * padding, metrics.height() + 2 * padding};
+    return {metrics.horizontalAdvance(text()), metrics.height() + 2 * verticalPadding};
 }
 
 void LinkButton::paintEvent(QPaintEvent*) {

@@ -130,8 +130,10 @@ QWidget* ChannelsCard::makeRoleCounts() {
     auto* counts = new QWidget;
     auto* grid = new QGridLayout(counts);
     grid->setContentsMargins(0, 0, 0, 0);
-    grid->setHorizontalSpacing(5 * MarloTheme::grid);
+    grid->setHorizontalSpacing(MarloTheme::columnGap);
     grid->setVerticalSpacing(0);
+    for (const int column : {0, 1})
+        grid->setColumnStretch(column, 1);
     const int rows = static_cast<int>(orderedRoles.size()) / 2;
     for (int index = 0; const auto& [role, label] : orderedRoles) {
         auto* row = new CountRow(QString::fromLatin1(label));

@@ -99,7 +99,7 @@ QLayout* MetadataCard::makePickers() {
     const Picker rate = makePicker(tr("RATE"), tr("Rate"), displayNames(allTorvoPlaybackRates));
     const Picker filter = makePicker(tr("FILTER"), tr("Filter"), displayNames(allTorvoFilterTypes));
     auto* row = new QHBoxLayout;
-    row->setSpacing(2 * MarloTheme::grid);
+    row->setSpacing(MarloTheme::columnGap);
     for (const Picker& picker : {bits, rate, filter})
         row->addLayout(picker.column, 1);
 
@@ -151,7 +151,7 @@ QLayout* MetadataCard::makeCVAssignments() {
 
 QLayout* MetadataCard::makeChannelButtons() {
     auto* row = new QHBoxLayout;
-    row->setSpacing(MarloTheme::grid);
+    row->setSpacing(4); // at least; as wide as the other columns' gaps in a whole card
     for (int channel = 1; channel <= channelCount; ++channel) {
         auto* button = new ChannelToggleButton(channel);
         row->addWidget(button);
