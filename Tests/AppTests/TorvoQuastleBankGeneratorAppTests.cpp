@@ -39,6 +39,11 @@ TEST_F(AppTest, titlesItsWindow) {
     EXPECT_EQ(app.window().windowTitle(), name);
 }
 
+TEST_F(AppTest, isNoHigherThanAScreenOf1080Lines) {
+    EXPECT_LE(app.window().sizeHint().height(), 980);
+    EXPECT_EQ(app.window().sizeHint().width(), 880);
+}
+
 TEST_F(AppTest, isNoSmallerThanItsSmallestSizeOrTheScreen) {
     const auto& window = static_cast<MainWindow&>(app.window());
     const QSize room = window.contentRoom(window.screen()->availableSize());

@@ -13,6 +13,7 @@ namespace torvo::app {
 namespace {
 
 constexpr double cornerRadius = 14;
+constexpr int verticalPadding = 12;
 
 } // namespace
 
@@ -24,7 +25,7 @@ Card::Card(const QString& heading, QWidget* parent)
     headerRow_->addWidget(makeCardHeading(heading));
     column_->addLayout(headerRow_);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(horizontalPadding, 14, horizontalPadding, 16);
+    row->setContentsMargins(horizontalPadding, verticalPadding, horizontalPadding, verticalPadding);
     row->addLayout(column_, 1);
 }
 

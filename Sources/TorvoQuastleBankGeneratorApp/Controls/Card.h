@@ -15,7 +15,7 @@ public:
     explicit Card(const QString& heading, QWidget* parent = nullptr);
 
     static constexpr int horizontalPadding = 20;
-    static constexpr int spacing = 12; ///< between what stands in the column
+    static constexpr int spacing = 10; ///< between what stands in the column
 
     /// The heading's row, for what stands at its right end.
     QHBoxLayout* headerRow() const { return headerRow_; }

@@ -14,7 +14,7 @@ struct DisclosureHeaderStyle {
     bool expanded = false;
     bool hovered = false;
 
-    static constexpr int height = 28;
+    static constexpr int height = 24;
 
     void paint(QPainter& painter, const QRectF& rect, const QString& title, const QString& count,
                const QString& kinds) const;

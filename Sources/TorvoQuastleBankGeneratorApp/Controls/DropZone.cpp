@@ -56,8 +56,8 @@ DropZone::DropZone(QWidget* parent) : PaintedButton(tr("DROP SOURCE FOLDER"), pa
     choose_ = makeLabel(tr("Drop a folder here or choose one from Finder."), 13,
                         MarloTheme::FontCut::medium, MarloTheme::accent);
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(MarloTheme::grid, 12, MarloTheme::grid, 12);
-    column->setSpacing(6);
+    column->setContentsMargins(MarloTheme::grid, 8, MarloTheme::grid, 8);
+    column->setSpacing(4);
     for (QLabel* label : {caption_, hint_, choose_}) {
         label->setAlignment(Qt::AlignCenter);
         label->setAttribute(Qt::WA_TransparentForMouseEvents);

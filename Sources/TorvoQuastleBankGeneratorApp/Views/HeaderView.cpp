@@ -50,7 +50,7 @@ HeaderView::HeaderView(AppModel& model, QWidget* parent) : QWidget(parent) {
             [] { QDesktopServices::openUrl(halvorineURL()); });
 
     auto* words = new QVBoxLayout;
-    words->setSpacing(6);
+    words->setSpacing(2);
     words->addWidget(title);
     words->addWidget(description);
     auto* row = new QHBoxLayout(this);

@@ -46,7 +46,7 @@ Picker makePicker(const QString& caption, const QString& label, const QStringLis
     auto* title = makeCaption(caption);
     title->setBuddy(box);
     auto* column = new QVBoxLayout;
-    column->setSpacing(6);
+    column->setSpacing(4);
     column->addWidget(title);
     column->addWidget(box);
     return {box, column};
@@ -79,7 +79,7 @@ MetadataCard::MetadataCard(AppModel& model, QWidget* parent) : QWidget(parent), 
     QVBoxLayout* content = card->column();
     content->addWidget(makeSubheading(tr("Globally Applied Metadata")));
     content->addLayout(makePickers());
-    content->addSpacing(MarloTheme::grid);
+    content->addSpacing(4);
     content->addWidget(makeSubheading(tr("Per-Channel Metadata")));
     content->addLayout(makeCVAssignments());
     content->addLayout(makeChannelButtons());

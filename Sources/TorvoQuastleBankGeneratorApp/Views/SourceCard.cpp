@@ -49,7 +49,7 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
     auto* chosen = new QWidget;
     auto* lines = new QVBoxLayout(chosen);
     lines->setContentsMargins(0, 0, 0, 0);
-    lines->setSpacing(1);
+    lines->setSpacing(0);
     lines->addWidget(name);
     lines->addWidget(path);
     auto* clear = new MarloButton(tr("CLEAR"), MarloButton::Kind::ordinary);
@@ -59,6 +59,7 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
     auto* dropZone = new DropZone;
 
     auto* card = new Card(tr("SOURCE"));
+    card->headerRow()->addStrut(name->sizeHint().height() + path->sizeHint().height());
     card->headerRow()->addSpacing(MarloTheme::grid);
     card->headerRow()->addWidget(chosen, 1);
     card->headerRow()->addSpacing(MarloTheme::grid);
