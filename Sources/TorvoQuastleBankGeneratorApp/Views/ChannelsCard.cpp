@@ -35,6 +35,8 @@ constexpr std::array<std::pair<ChannelRole, const char*>, 6> orderedRoles{{
     {ChannelRole::perc, "CH6-8 PERC"},
 }};
 
+constexpr int countsHeight = static_cast<int>(orderedRoles.size()) / 2 * CountRow::height;
+constexpr int countsGap = 4;
 constexpr int platePadding = 12;
 constexpr int plateMargin = 6; ///< above and below a message, with and without its plate
 
@@ -64,6 +66,7 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
       message_(new WrappingLabel),
       scanning_(makeScanning()),
       roleCounts_(makeRoleCounts()),
+      uniformCounts_(new QWidget),
       loopCount_(new CountRow(tr("LOOPS"))),
       stabCount_(new CountRow(tr("STABS"))),
       ignoredFolders_(new DisclosureSection(tr("IGNORED FOLDERS"))),
@@ -79,6 +82,16 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     words->setSpacing(12);
     words->addWidget(icon_, 0, Qt::AlignTop);
     words->addWidget(message_, 1);
+    // In the first column, as high as the counts of the drums.
+    auto* uniform = new QGridLayout(uniformCounts_);
+    uniform->setContentsMargins(0, 0, 0, 0);
+    uniform->setHorizontalSpacing(MarloTheme::columnGap);
+    uniform->addWidget(loopCount_, 0, 0);
+    uniform->addWidget(stabCount_, 1, 0);
+    uniform->setRowStretch(2, 1);
+    for (const int column : {0, 1})
+        uniform->setColumnStretch(column, 1);
+    uniformCounts_->setFixedHeight(countsHeight);
     sections_ = new QWidget;
     auto* sections = new QVBoxLayout(sections_);
     sections->setContentsMargins(0, 0, 0, 0);
@@ -88,11 +101,9 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     body_ = new QWidget;
     auto* findings = new QVBoxLayout(body_);
     findings->setContentsMargins(0, 0, 0, 0);
-    findings->setSpacing(Card::spacing);
-    findings->addStretch();
+    findings->setSpacing(countsGap);
     for (QWidget* part :
-         std::initializer_list<QWidget*>{plate_, scanning_, roleCounts_, loopCount_, stabCount_,
-                                         sections_})
+         std::initializer_list<QWidget*>{plate_, scanning_, roleCounts_, uniformCounts_, sections_})
         findings->addWidget(part);
     // Before the empty space below, as far as the lists have rows.
     findings->setStretchFactor(sections_, 1);
@@ -118,7 +129,7 @@ QWidget* ChannelsCard::makeScanning() {
     bar->setRange(0, 0);
     bar->setAccessibleName(tr("SCANNING FILES…"));
     auto* column = new QVBoxLayout(row);
-    column->setContentsMargins(0, 0, 0, 0);
+    column->setContentsMargins(0, plateMargin, 0, 0);
     column->setSpacing(MarloTheme::grid);
     column->addWidget(
         makeLabel(tr("SCANNING FILES…"), 13, MarloTheme::FontCut::medium, MarloTheme::ink));
@@ -170,12 +181,13 @@ void ChannelsCard::render() {
     const auto showsCountsOf = [&](GenerationMode mode) {
         return ready && ready->report->mode == mode;
     };
-    const std::array<std::pair<QWidget*, bool>, 8> parts{
+    const std::array<std::pair<QWidget*, bool>, 9> parts{
         {{plate_, isIdle || failed},
          {icon_, failed},
          {message_, isIdle || failed},
          {scanning_, isScanning},
          {roleCounts_, showsCountsOf(GenerationMode::drums)},
+         {uniformCounts_, ready && !showsCountsOf(GenerationMode::drums)},
          {loopCount_, showsCountsOf(GenerationMode::loops)},
          {stabCount_, showsCountsOf(GenerationMode::stabs)},
          {sections_, ready}}};
@@ -199,12 +211,7 @@ void ChannelsCard::reserveRoom(bool isScanning) {
         roomForSections_ = 2 * DisclosureHeaderStyle::height;
     else if (sections_->isVisible())
         roomForSections_ = std::max(sections_->sizeHint().height(), sections_->height());
-    const QWidget* counts =
-        model_.generationMode() == GenerationMode::drums ? roleCounts_ : loopCount_;
-    const int roomForCounts = counts->sizeHint().expandedTo(counts->minimumSize()).height();
-    const int room = roomForCounts + Card::spacing + roomForSections_;
-    // A device folder is never scanned: its settings move up.
-    body_->setMinimumHeight(model_.isUpdatingExistingBank() ? 0 : room);
+    body_->setMinimumHeight(countsHeight + countsGap + roomForSections_);
 }
 
 void ChannelsCard::showCounts(const ScanReport& report) {

@@ -37,7 +37,8 @@ private:
     QWidget* makeScanning();
     void render();
     void showMessage(const QString& text, QColor color);
-    /// As much as the counts of the mode will take: nothing below moves when a scan ends.
+    /// As much as the counts of any mode take: nothing below moves when a scan ends or the mode
+    /// changes.
     void reserveRoom(bool isScanning);
     void showCounts(const ScanReport& report);
     /// None empties the lists.
@@ -50,6 +51,7 @@ private:
     QWidget* scanning_;
     std::vector<CountRow*> roleRows_; ///< in the order of the window
     QWidget* roleCounts_;
+    QWidget* uniformCounts_; ///< of the modes with one kind of sample
     CountRow* loopCount_;
     CountRow* stabCount_;
     DisclosureSection* ignoredFolders_;
