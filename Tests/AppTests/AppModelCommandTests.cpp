@@ -17,6 +17,8 @@ const std::string folderPanel = "folder: Choose an export destination folder";
 
 class AppModelCommandTest : public testing::Test, protected AppFixture {
 protected:
+    AppModelCommandTest() : AppFixture(Banks::written) {}
+
     std::string runFailure() const {
         const auto* failed = std::get_if<AppModel::Failed>(&model.runState());
         return failed ? failed->description : std::string();

@@ -21,6 +21,8 @@ const std::string manyBanks = "Random banks created";
 
 class AppModelTest : public testing::Test, protected AppFixture {
 protected:
+    explicit AppModelTest(Banks banks = Banks::forgotten) : AppFixture(banks) {}
+
     bool scanIs(AppModel::ScanState state) const { return model.scanState() == state; }
     bool runIs(AppModel::RunState state) const { return model.runState() == state; }
     const ScanReport* report() const {
@@ -58,6 +60,11 @@ protected:
         EXPECT_FALSE(model.currentDocument());
         EXPECT_FALSE(model.lastJSONURL());
     }
+};
+
+class AppModelRunTest : public AppModelTest {
+protected:
+    AppModelRunTest() : AppModelTest(Banks::written) {}
 };
 
 } // namespace
@@ -284,7 +291,7 @@ TEST_F(AppModelTest, doesNotGenerateBeforeEverythingIsChosen) {
     EXPECT_FALSE(model.isBusy());
 }
 
-TEST_F(AppModelTest, generatesNinetyNineBanks) {
+TEST_F(AppModelRunTest, generatesNinetyNineBanks) {
     const FileURL kit = drumKit();
     model.setExportFolder(outputFolder());
     scan(kit);

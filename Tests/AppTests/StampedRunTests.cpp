@@ -32,6 +32,8 @@ std::vector<std::byte> expectedPayload(unsigned channel) {
 /// Banks are written with the settings that the window showed when the run was started.
 class StampedRunTest : public testing::Test, protected AppFixture {
 protected:
+    StampedRunTest() : AppFixture(Banks::written) {}
+
     void expectStamped(const FileURL& root, int banks) const {
         int files = 0;
         for (int bank = 1; bank <= banks; ++bank) {

@@ -1,5 +1,6 @@
 #include "AppFixture.h"
 
+#include "ForgetfulFileManager.h"
 #include "Platform/Precondition.h"
 #include "TorvoMetadata.h"
 #include "WavFixture.h"
@@ -70,12 +71,17 @@ SamplePreparationMode GatedPreparer::prepare(const SampleCandidate& sample,
     }
     if (gate)
         gate->pass();
-    return real_.prepare(sample, destinationURL);
+    return banks_ == Banks::written ? real_.prepare(sample, destinationURL)
+                                    : SamplePreparationMode::copied;
 }
 
-AppFixture::AppFixture()
-    : model(SampleScanner(inspector, AudioCompatibilityEvaluator{}, systemFileManager()),
-            BankGenerator{}, BankExporter(systemFileManager(), preparer, TorvoWAVMetadataWriter{}),
+AppFixture::AppFixture(Banks banks)
+    : preparer(std::make_shared<GatedPreparer>(banks)),
+      model(SampleScanner(inspector, AudioCompatibilityEvaluator{}, systemFileManager()),
+            BankGenerator{},
+            BankExporter(banks == Banks::written ? systemFileManager()
+                                                 : std::make_shared<ForgetfulFileManager>(),
+                         preparer, TorvoWAVMetadataWriter{}),
             BankMappingStore{}, panels) {}
 
 AppFixture::~AppFixture() {

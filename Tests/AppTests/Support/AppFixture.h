@@ -28,30 +28,39 @@ private:
     std::map<std::string, std::shared_ptr<Gate>> gates_;
 };
 
+/// What becomes of the banks of a run.
+enum class Banks {
+    forgotten, ///< no sample is read and nothing is written into a device folder
+    written,   ///< as the program does it
+};
+
 /// Holds back every sample of the one bank that was named last, until its gate is opened.
 class GatedPreparer final : public AudioFilePreparing {
 public:
+    explicit GatedPreparer(Banks banks) : banks_(banks) {}
     std::shared_ptr<Gate> holdBank(std::int64_t bank);
     void open();
     SamplePreparationMode prepare(const SampleCandidate& sample,
                                   const FileURL& destinationURL) const override;
 
 private:
+    Banks banks_;
     AVAudioSamplePreparer real_;
     mutable std::mutex mutex_;
     std::string heldFolder_;
     std::shared_ptr<Gate> gate_;
 };
 
-/// A model on the real services, on folders of its own.
+/// A model on the real services, on folders of its own. Banks are forgotten unless a test is about
+/// them.
 struct AppFixture {
     TemporaryFolder folder;
     std::shared_ptr<FakePanels> panels = std::make_shared<FakePanels>();
     std::shared_ptr<GatedInspector> inspector = std::make_shared<GatedInspector>();
-    std::shared_ptr<GatedPreparer> preparer = std::make_shared<GatedPreparer>();
+    std::shared_ptr<GatedPreparer> preparer;
     app::AppModel model;
 
-    AppFixture();
+    explicit AppFixture(Banks banks = Banks::forgotten);
     /// Holds nothing back any more: a test that failed before it opened its gates still ends.
     ~AppFixture();
     AppFixture(const AppFixture&) = delete;
