@@ -336,6 +336,19 @@ TEST_F(AppModelTest, drawsANewSeedForEachRun) {
     EXPECT_NE(model.currentDocument()->recipes.front().seed, first);
 }
 
+TEST_F(AppModelTest, drawsSeedsOfSixtyFourBits) {
+    prepareRun();
+    std::uint64_t bits = 0;
+    for (int run = 0; run < 2; ++run) {
+        model.generateBanks();
+        waitForWork();
+        bits |= model.currentDocument()->recipes.front().seed;
+    }
+    // Each half of two drawn seeds is 0 once in 2^64 times.
+    EXPECT_NE(bits >> 32U, 0U);
+    EXPECT_NE(bits & 0xFFFFFFFFU, 0U);
+}
+
 TEST_F(AppModelTest, laterEditsDoNotReachARun) {
     const FileURL first = outputFolder("first");
     model.setExportFolder(first);

@@ -275,6 +275,25 @@ TEST_F(ChannelsCardTest, countsLoopsAndStabsAsOne) {
     EXPECT_FALSE(shows("STABS"));
 }
 
+// An import changes the mode and keeps the report.
+TEST_F(ChannelsCardTest, countsWhatTheReportCounted) {
+    model.setGenerationMode(GenerationMode::loops);
+    model.setExportFolder(outputFolder());
+    scan(loops());
+    model.generateBanks();
+    waitForWork();
+    panels->saveTarget = panels->document = FileURL(folder / "loops.json");
+    model.exportJSON();
+    model.setGenerationMode(GenerationMode::drums);
+    scan(drumKit());
+    ASSERT_TRUE(shows("CH1 KICK"));
+    model.importJSON();
+    waitForWork();
+    ASSERT_EQ(model.generationMode(), GenerationMode::loops);
+    EXPECT_TRUE(shows("CH1 KICK"));
+    EXPECT_FALSE(shows("LOOPS"));
+}
+
 TEST_F(ChannelsCardTest, listsWhatWasIgnored) {
     drumKit();
     folder.write("Kit A/Kick/notes.txt", "notes");

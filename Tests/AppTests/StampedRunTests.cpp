@@ -89,3 +89,16 @@ TEST_F(StampedRunTest, importsWithTheSettingsOfThePress) {
     waitForWork();
     expectStamped(*model.expectedExportRoot(), 99);
 }
+
+// The options are those of the moment at which the document was chosen, before the folder panel.
+TEST_F(StampedRunTest, importsWithTheSettingsFromBeforeTheFolderPanel) {
+    panels->document = savedRun();
+    model.setExportFolder(std::nullopt);
+    model.setMetadataOptions(chosen);
+    panels->folder = outputFolder("second");
+    panels->whilePickingFolder = [this] { model.setMetadataOptions(later); };
+    model.importJSON();
+    waitForWork();
+    ASSERT_EQ(model.exportFolder(), panels->folder);
+    expectStamped(*model.expectedExportRoot(), 99);
+}

@@ -2,6 +2,7 @@
 
 #include "Panels.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,8 @@ namespace torvo::test {
 class FakePanels final : public app::Panels {
 public:
     std::optional<FileURL> folder;
+    /// Happens while a folder panel is open.
+    std::function<void()> whilePickingFolder = [] {};
     std::optional<FileURL> saveTarget;
     std::optional<FileURL> document;
     /// "folder: title", "save: name", "open", in order.
@@ -18,6 +21,7 @@ public:
 
     std::optional<FileURL> pickFolder(const std::string& title) override {
         asked.push_back("folder: " + title);
+        whilePickingFolder();
         return folder;
     }
     std::optional<FileURL> saveJSONPanel(const std::string& defaultFileName) override {
