@@ -1,3 +1,4 @@
+#include "TemporaryFolder.h"
 #include "TorvoQuastleBankGeneratorApp.h"
 
 #include <QApplication>
@@ -8,6 +9,9 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
+    // Without a runtime folder Qt makes one in the temporary folder and leaves it there.
+    const torvo::test::TemporaryFolder runtimeFolder;
+    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(runtimeFolder.path().string()));
     QApplication application(argc, argv);
     torvo::app::installTheme();
     return RUN_ALL_TESTS();
