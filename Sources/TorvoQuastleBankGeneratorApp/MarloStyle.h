@@ -5,8 +5,8 @@
 
 namespace torvo::app {
 
-/// The theme for the toolkit's own controls: combo boxes, check boxes, scroll bars, menus, dialogs,
-/// tooltips, list frames and the ring around what has the keyboard focus.
+/// The theme for Qt's own controls: combo boxes, check boxes, scroll bars, menus, dialogs,
+/// tooltips, list frames and the keyboard focus ring.
 class MarloStyle final : public QProxyStyle {
     Q_OBJECT
 

@@ -12,7 +12,7 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int smallestButtonWidth = 96;
+constexpr int minButtonWidth = 96;
 constexpr double toolButtonRadius = 6;
 
 bool has(const QStyleOption& option, QStyle::StateFlag flag) {
@@ -37,7 +37,7 @@ void paintPushButton(QPainter& painter, const QStyleOptionButton& button) {
 
 QSize pushButtonSize(const QStyleOptionButton& button) {
     const QSize size = MarloButtonStyle::size(label(button));
-    return {std::max(size.width(), smallestButtonWidth), size.height()};
+    return {std::max(size.width(), minButtonWidth), size.height()};
 }
 
 void paintField(QPainter& painter, const QStyleOptionFrame& field) {

@@ -12,7 +12,7 @@ namespace torvo::app {
 inline constexpr int fieldHeight = 34;
 inline constexpr double fieldRadius = 8;
 
-/// The toolkit's push button in the look of the program's own; the one that Enter presses is
+/// Paints a push button of Qt's dialogs like the program's own buttons. The default button is
 /// prominent.
 void paintPushButton(QPainter& painter, const QStyleOptionButton& button);
 QSize pushButtonSize(const QStyleOptionButton& button);

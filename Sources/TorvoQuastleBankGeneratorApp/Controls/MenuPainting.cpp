@@ -16,7 +16,7 @@ using MarloTheme::withOpacity;
 
 namespace {
 
-constexpr int smallestWidth = 160;
+constexpr int minWidth = 160;
 constexpr int inset = 10;
 constexpr int markWidth = Popup::markSide + 6;
 constexpr int shortcutGap = 32;
@@ -50,7 +50,7 @@ int flags(const QStyleOptionMenuItem& item) {
 
 QSize menuItemSize(const QStyleOptionMenuItem& item) {
     if (item.menuItemType == QStyleOptionMenuItem::Separator)
-        return {smallestWidth, separatorHeight};
+        return {minWidth, separatorHeight};
     const QFontMetrics metrics(item.font);
     int width = metrics.size(Qt::TextShowMnemonic, label(item)).width() + 2 * inset;
     if (item.menuHasCheckableItems)
@@ -59,7 +59,7 @@ QSize menuItemSize(const QStyleOptionMenuItem& item) {
         width += shortcutGap + metrics.horizontalAdvance(keys);
     if (item.menuItemType == QStyleOptionMenuItem::SubMenu)
         width += markWidth;
-    return {std::max(width, smallestWidth), Popup::rowHeight};
+    return {std::max(width, minWidth), Popup::rowHeight};
 }
 
 void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {

@@ -14,7 +14,7 @@ namespace torvo::app {
 namespace {
 
 constexpr int barHeight = 6;
-constexpr int smallestWidth = 120;
+constexpr int minWidth = 120;
 constexpr double sweepSeconds = 1.6; ///< there and back
 constexpr double movingPart = 0.3;   ///< of the bar's width
 constexpr std::chrono::milliseconds frameTime{33};
@@ -58,7 +58,7 @@ ProgressBar::ProgressBar(QWidget* parent) : QProgressBar(parent) {
 }
 
 QSize ProgressBar::sizeHint() const {
-    return {smallestWidth, barHeight};
+    return {minWidth, barHeight};
 }
 
 void ProgressBar::paintEvent(QPaintEvent*) {

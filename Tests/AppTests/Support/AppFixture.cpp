@@ -14,7 +14,7 @@ namespace torvo::test {
 
 namespace {
 
-constexpr std::chrono::milliseconds longestWait{60000};
+constexpr std::chrono::milliseconds maxWait{60000};
 constexpr std::size_t frameCount = 32;
 
 void addSamples(const TemporaryFolder& folder, const std::string& in, int count) {
@@ -132,7 +132,7 @@ void AppFixture::waitForWork() {
 }
 
 bool waitUntil(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, static_cast<int>(longestWait.count()));
+    return QTest::qWaitFor(condition, static_cast<int>(maxWait.count()));
 }
 
 } // namespace torvo::test
