@@ -9,7 +9,7 @@ namespace {
 
 /// The window answers first; beside other programs, what its user waits for loses little. On Linux
 /// this is a matter of the calling thread alone, and of the threads that it starts.
-void giveWayToTheWindow() {
+void lowerThreadPriority() {
     constexpr int niceness = 4;
     if (getpriority(PRIO_PROCESS, 0) < niceness)
         setpriority(PRIO_PROCESS, 0, niceness); // refused, it changes nothing but the comfort
@@ -43,7 +43,7 @@ void BackgroundTasks::launchNextInTurn() {
 void BackgroundTasks::launch(Work work, std::function<void()> ended) {
     const auto slot = threads_.emplace(threads_.end());
     *slot = std::thread([this, slot, work = std::move(work), ended = std::move(ended)]() mutable {
-        giveWayToTheWindow();
+        lowerThreadPriority();
         work();
         // What the work holds (a scan of a large library) is freed here, not on the main thread.
         work = nullptr;

@@ -14,19 +14,19 @@ bool hasDisplay() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-void tellMissingDisplay() {
+void reportMissingDisplay() {
     std::cerr << "Torvo Quastle Bank Generator needs a graphical display, and none could be opened."
               << std::endl;
 }
 
 /// Qt ends the process with a core dump when the display that is named does not answer, or when the
 /// plugin for its kind is not installed. Both it calls by this one name.
-void tellMissingDisplayInsteadOfAborting(QtMsgType type, const QMessageLogContext&,
-                                         const QString& message) {
+void reportMissingDisplayInsteadOfAborting(QtMsgType type, const QMessageLogContext&,
+                                           const QString& message) {
     if (type != QtFatalMsg)
         return;
     if (message.contains(QStringLiteral("no Qt platform plugin could be initialized"))) {
-        tellMissingDisplay();
+        reportMissingDisplay();
         std::_Exit(EXIT_FAILURE);
     }
     std::cerr << message.toStdString() << std::endl;
@@ -36,11 +36,11 @@ void tellMissingDisplayInsteadOfAborting(QtMsgType type, const QMessageLogContex
 
 int main(int argc, char** argv) {
     if (!hasDisplay()) {
-        tellMissingDisplay();
+        reportMissingDisplay();
         return EXIT_FAILURE;
     }
     const QtMessageHandler standardHandler =
-        qInstallMessageHandler(tellMissingDisplayInsteadOfAborting);
+        qInstallMessageHandler(reportMissingDisplayInsteadOfAborting);
     QApplication application(argc, argv);
     qInstallMessageHandler(standardHandler);
     QApplication::setApplicationName(QString::fromLatin1(torvo::app::applicationName));

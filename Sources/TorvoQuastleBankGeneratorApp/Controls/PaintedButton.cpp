@@ -19,7 +19,7 @@ void PaintedButton::setAvailable(bool available) {
     if (available == isEnabled())
         return;
     if (!available)
-        letFocusWait();
+        deferFocus();
     setEnabled(available);
     if (available)
         takeFocusBack();
@@ -29,13 +29,13 @@ void PaintedButton::setShown(bool shown) {
     if (shown != isHidden())
         return;
     if (!shown)
-        letFocusWait();
+        deferFocus();
     setVisible(shown);
     if (shown)
         takeFocusBack();
 }
 
-void PaintedButton::letFocusWait() {
+void PaintedButton::deferFocus() {
     awaitsFocus_ = window()->focusWidget() == this;
     if (awaitsFocus_)
         clearFocus();

@@ -27,7 +27,7 @@ protected:
     bool isHovered() const { return isEnabled() && underMouse(); }
 
 private:
-    void letFocusWait();
+    void deferFocus();
     void takeFocusBack();
 
     /// How the focus came here, so that it comes back in the same way.
