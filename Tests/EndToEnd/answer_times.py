@@ -1,4 +1,4 @@
-#!/usr/bin/python3
+#!/usr/bin/python3 -B
 """Asks the main thread of a program something cheap at a steady pace: answer_times.py PID
 
 Says "ready", measures until SIGTERM, then prints the answer times in milliseconds as a JSON list. While

@@ -1,4 +1,4 @@
-#!/usr/bin/python3
+#!/usr/bin/python3 -B
 """A window to drag files from: drag_source.py URI... Tells on standard output how the drag goes."""
 
 import sys

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/env -S python3 -B
 """Reads a written device folder as the device does and compares it with the mapping document.
 
 Shares no code with the program: names, chunks and payload bytes are worked out here a second time.
