@@ -96,6 +96,7 @@ class Desktop:
         # What the session bus starts becomes a child of this process when its parent ends.
         LIBC.prctl(PR_SET_CHILD_SUBREAPER, 1)
         self.folder = work_folder()
+        self._screen = None
         self.environment = {
             name: value
             for name, value in os.environ.items()
@@ -122,14 +123,18 @@ class Desktop:
 
     def _start_screen(self):
         reader, writer = os.pipe()
-        self.spawn(["Xvfb", "-displayfd", str(writer), "-nolisten", "tcp", "-noreset", "-screen", "0",
-                    f"{SCREEN[0]}x{SCREEN[1]}x24"], pass_fds=[writer], stderr=subprocess.DEVNULL)
+        self._screen = self.spawn(
+            ["Xvfb", "-displayfd", str(writer), "-nolisten", "tcp", "-noreset", "-screen", "0",
+             f"{SCREEN[0]}x{SCREEN[1]}x24"], pass_fds=[writer], stderr=subprocess.DEVNULL)
         os.close(writer)
         with os.fdopen(reader, "rb", buffering=0) as stream:
             self.environment["DISPLAY"] = ":" + read_line(stream, "the virtual screen's number")
 
     def _start_bus(self):
-        bus = self.spawn(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"],
+        # Its usual address is a folder of its own in the temporary folder, which would stay behind.
+        address = f"unix:path={self.environment['XDG_RUNTIME_DIR']}/bus"
+        bus = self.spawn(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
+                          "--address=" + address],
                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=0)
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = read_line(bus.stdout, "the bus's address")
 
@@ -149,13 +154,19 @@ class Desktop:
 
     def stop(self):
         me = os.getpid()
-        while True:
-            for pid in children_of(me):
+        screen = self._screen.pid if self._screen else None
+        while others := [pid for pid in children_of(me) if pid != screen]:
+            for pid in others:
                 os.kill(pid, signal.SIGKILL)
+                os.waitpid(pid, 0)
+        if self._screen:
+            # Killed, it would leave its lock and its socket in /tmp.
+            self._screen.terminate()
             try:
-                os.waitpid(-1, 0)
-            except ChildProcessError:
-                break
+                self._screen.wait(10)
+            except subprocess.TimeoutExpired:
+                self._screen.kill()
+                self._screen.wait()
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def xdotool(self, *arguments):

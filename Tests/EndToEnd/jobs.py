@@ -21,12 +21,19 @@ class Bench:
     def __init__(self, program):
         self.program = program
         self.folder = robustness.work_folder()
+        try:
+            self._run_once()
+        except BaseException:
+            self.close()
+            raise
+
+    def _run_once(self):
         self.source = robustness.make_library(self.folder + "/Kit")
         self.out = self.folder + "/out"
         self.document = self.folder + "/Kit001.json"
         os.mkdir(self.out)
-        robustness.run_well([program, "--source", self.source, "--out", self.out, "--banks", "1",
-                           "--seed", "7", "--json", self.document])
+        robustness.run_well([self.program, "--source", self.source, "--out", self.out, "--banks",
+                           "1", "--seed", "7", "--json", self.document])
         self.device = self.out + "/Kit/QZT508"
         self.source_before = snapshot(self.source)
 
