@@ -14,6 +14,8 @@ UNNAMED_ROLES = {"filler", "frame", "layered-pane", "menu-bar", "panel", "scroll
                  "separator", "split-pane", "unknown", "viewport"}
 # A folder has no size: its cell in a file panel is empty.
 DATA_ROLES = {"table-cell"}
+# at-spi2-core 2.54 renamed it.
+RENAMED_ROLES = {"button": "push-button"}
 # Rows are data; reading all rows of a long list takes minutes.
 ROWS_READ = 50
 GONE = (GLib.Error,)
@@ -70,7 +72,8 @@ class Node:
 
     @property
     def role(self):
-        return self._it.get_role().value_nick
+        nick = self._it.get_role().value_nick
+        return RENAMED_ROLES.get(nick, nick)
 
     @property
     def states(self):
