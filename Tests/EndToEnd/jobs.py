@@ -15,6 +15,14 @@ def is_temporary(path):
     return name.startswith(TEMPORARY[0]) and name.endswith(TEMPORARY[1])
 
 
+def age_temporaries(folder):
+    """Backdates the temporary files below a folder by two days: younger ones may be in use and are kept."""
+    for parent, _, files in os.walk(folder):
+        for path in (os.path.join(parent, name) for name in files if is_temporary(name)):
+            time = os.lstat(path).st_mtime - 48 * 3600
+            os.utime(path, (time, time))
+
+
 class Bench:
     """A library, an output folder and the document of an undisturbed run."""
 
@@ -104,6 +112,7 @@ class Stamp:
             check_same(self.new, now, "false success")
 
     def check_repaired(self):
+        age_temporaries(self.bench.device)
         robustness.run_well(self.command)
         check_same(self.new, snapshot(self.bench.device, times=False), "after a rerun")
 
@@ -146,6 +155,7 @@ class Save:
             check(name == "Kit001.json" or is_temporary(name), name + " appeared")
 
     def check_repaired(self):
+        age_temporaries(self.folder)
         robustness.run_well(self.command)
         check(open(self.path).read() == self.new, "the document differs after a rerun")
         check(os.listdir(self.folder) == ["Kit001.json"], "something stays beside the document")
