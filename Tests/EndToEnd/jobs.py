@@ -126,7 +126,7 @@ class Save:
     def __init__(self, bench):
         self.bench = bench
         self.folder = bench.folder + "/documents"
-        os.mkdir(self.folder)
+        os.makedirs(self.folder, exist_ok=True)
         self.path = self.folder + "/Kit001.json"
         empty = bench.folder + "/empty.json"
         text = open(bench.document).read()
