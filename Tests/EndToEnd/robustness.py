@@ -185,6 +185,20 @@ def injected(command, call, what, n):
                 "-e", "inject=%s:%s:when=%d" % (call, what, n)] + command)
 
 
+def stopped_child(tracer, log):
+    """Waits until strace has stopped its tracee; returns the tracee's number."""
+    def look():
+        check(tracer.poll() is None, "ended before it could be stopped")
+        with open(log, errors="replace") as lines:
+            return next((int(line.split()[0]) for line in lines if "stopped by SIGSTOP" in line), 0)
+    try:
+        return wait_until(look, "the program to be stopped")
+    except Failed:
+        tracer.kill()
+        tracer.communicate()
+        raise
+
+
 def main(checks):
     """Runs named checks; prints how each ended. Returns the exit code."""
     failed = 0
