@@ -275,12 +275,31 @@ class ResultWithPictures(unittest.TextTestResult):
             self.stream.writeln(f"no picture of the screen: {error}")
 
 
+def names_of_tests(wanted):
+    """Prints the tests of the script, or those of the classes and tests that are named."""
+    def flattened(suite):
+        for test in suite:
+            if isinstance(test, unittest.TestSuite):
+                yield from flattened(test)
+            else:
+                yield test
+
+    script, loader = sys.modules["__main__"], unittest.defaultTestLoader
+    suite = loader.loadTestsFromNames(wanted, script) if wanted else loader.loadTestsFromModule(script)
+    for test in flattened(suite):
+        print(test.id())
+
+
 def main():
-    """--program PATH [--pictures DIR] [unittest's own arguments]"""
+    """--program PATH [--pictures DIR] [--list] [unittest's own arguments]"""
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
-    parser.add_argument("--pictures", default="window-failures")
+    parser.add_argument("--pictures", default=os.path.join(HERE, "../../build/window-failures"))
+    parser.add_argument("--list", action="store_true", help="name the tests and run none")
     options, rest = parser.parse_known_args()
+    if options.list:
+        names_of_tests(rest)
+        return
     WindowTest.program_path = os.path.abspath(options.program)
     WindowTest.pictures = os.path.abspath(options.pictures)
     check(os.access(WindowTest.program_path, os.X_OK), f"{options.program} is no program")
