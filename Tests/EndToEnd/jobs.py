@@ -1,4 +1,4 @@
-"""The jobs that the sweeps disturb: a run, a stamp and a saved document, each with what must hold."""
+"""The jobs of the sweeps: a run, a stamp and a saved document, each with its checks."""
 
 import json
 import os
@@ -77,7 +77,7 @@ class Run:
 
 
 class Stamp:
-    """Stamping a folder: every file is the old one or the new one, whatever happened."""
+    """Stamping a folder: every file must be the old one or the new one after any fault."""
 
     name = "stamp"
 
@@ -105,7 +105,7 @@ class Stamp:
             else:
                 check(item in (self.old[path], self.new[path]), path + " is neither old nor new")
         check(all(path in now for path in self.old), "a file is gone")
-        # A folder that cannot be enumerated has no files to stamp, on purpose.
+        # Intended: an unreadable folder counts as empty.
         if result.returncode == 0 and json.loads(result.stdout)["stamped"] == 0:
             check_same(self.old, now, "nothing was counted")
         elif result.returncode == 0:

@@ -1,4 +1,4 @@
-"""What the end-to-end checks share: a small library, snapshots of trees, the program under strace."""
+"""Shared by the end-to-end checks: a small library, snapshots of trees, the program under strace."""
 
 import array
 import fcntl
@@ -18,7 +18,7 @@ import wave
 
 
 class Failed(Exception):
-    """A promise that does not hold."""
+    """A check that failed."""
 
 
 def check(condition, message):
@@ -39,7 +39,7 @@ def wait_until(condition, what, seconds=60.0):
         if result:
             return result
         if time.monotonic() > deadline:
-            raise Failed(f"waited {seconds:.0f} s in vain: {told(what)}")
+            raise Failed(f"timed out after {seconds:.0f} s: {told(what)}")
         time.sleep(0.01)
 
 
@@ -89,7 +89,7 @@ def write_au(path, rate, frames):
 
 
 def make_library(folder):
-    """Samples of both kinds: copied as they are, and converted with and without the media library."""
+    """Samples of both kinds: copied unchanged, and converted with and without FFmpeg."""
     write_wav(folder + "/Kicks/kick 1.wav", 44100, 1, 2, 900)
     write_wav(folder + "/Kicks/808/BD 2.wav", 48000, 2, 3, 5000)
     write_wav(folder + "/Snares/snare.wav", 44100, 2, 3, 500)
@@ -139,7 +139,7 @@ def replace_tree(source, destination):
 
 
 def run(command, **options):
-    """Runs a command; what it writes comes back as text."""
+    """Runs a command and captures its output as text."""
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                           errors="replace", timeout=120, check=False, **options)
 

@@ -68,7 +68,7 @@ def new_payload(data_size, channel):
 
 
 def put_options(p, channel, options):
-    """Into a new payload as into one that the source brought along."""
+    """Writes the settings into a new payload or one from the source file."""
     p[24] = options.bits
     p[50] = p[50] & 0xF0 | options.filter
     p[54] = p[55] = options.rate
