@@ -1,4 +1,4 @@
-"""The running program as a screen reader meets it, over AT-SPI."""
+"""The running program as a screen reader sees it, over AT-SPI."""
 
 import re
 
@@ -9,7 +9,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 from robustness import Failed, wait_until  # noqa: E402
 
-# Pure containers and decoration: nobody stops at them, so they may stay unnamed.
+# Containers and decoration: screen readers skip them, so they need no name.
 UNNAMED_ROLES = {"filler", "frame", "layered-pane", "menu-bar", "panel", "scroll-bar", "scroll-pane",
                  "separator", "split-pane", "unknown", "viewport"}
 # A folder has no size: its cell in a file panel is empty.
@@ -173,7 +173,7 @@ class Node:
         wait_until(lambda: text in self.texts(), lambda: f"{text!r} in\n{self.outline()}", seconds)
 
     def unnamed(self):
-        """What a screen reader would stop at and could not name."""
+        """Objects at which a screen reader stops but that have no name."""
         return [str(node) for node in self.showing() if not node.name and node.role not in DATA_ROLES
                 and (node.role not in UNNAMED_ROLES or "focusable" in node.states)]
 

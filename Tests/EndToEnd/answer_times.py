@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Asks the main thread of a program something cheap at a steady pace: answer_times.py PID
+"""Sends cheap requests to the main thread of a program at a steady rate: answer_times.py PID
 
 Says "ready", measures until SIGTERM, then prints the answer times in milliseconds as a JSON list. While
 an answer is late, the questions that were due meanwhile count as well, as late as they would have been.

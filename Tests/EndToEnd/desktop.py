@@ -1,7 +1,6 @@
-"""A virtual desktop of one's own: screen, session bus, window manager, keyboard, pointer.
+"""A private virtual desktop: screen, session bus, window manager, keyboard, pointer.
 
-Everything that is started here ends with it, by process id, the helpers that the session bus starts by
-itself included.
+All processes started here end with it, by process id, including those that the session bus starts.
 """
 
 import ctypes
@@ -49,7 +48,7 @@ def read_line(stream, what, seconds=60.0):
     deadline = time.monotonic() + seconds
     while not line.endswith(b"\n"):
         ready, _, _ = select.select([stream], [], [], max(0.0, deadline - time.monotonic()))
-        check(ready, f"waited {seconds:.0f} s in vain: {told(what)}")
+        check(ready, f"timed out after {seconds:.0f} s: {told(what)}")
         byte = os.read(stream.fileno(), 1)
         check(byte, f"the process ended: {told(what)}")
         line += byte
@@ -180,7 +179,7 @@ class Desktop:
         self.xdotool("key", "--clearmodifiers", *names)
 
     def type_text(self, text):
-        """ASCII only: other letters get lost between the key maps."""
+        """ASCII only: other letters get lost when xdotool changes the key map."""
         self.xdotool("type", "--clearmodifiers", text)
 
     def click(self, x, y):
@@ -202,7 +201,7 @@ class Desktop:
         return [int(line) for line in found.split()]
 
     def focus(self):
-        """Who has the keyboard, as the screen and as the window manager see it."""
+        """The keyboard focus according to the X server and to the window manager."""
         return (f"focus {self._ask(['xdotool', 'getwindowfocus', 'getwindowname']).strip()!r}, "
                 f"{self._ask(['xprop', '-root', '_NET_ACTIVE_WINDOW']).strip()}")
 

@@ -92,7 +92,7 @@ class Program:
 
     @contextlib.contextmanager
     def paused(self):
-        """The program does nothing inside; what is sent to it waits."""
+        """Stops the program inside; its input is queued."""
         self.process.send_signal(signal.SIGSTOP)
         os.waitid(os.P_PID, self.process.pid, os.WSTOPPED)
         try:
@@ -104,7 +104,7 @@ class Program:
         """Closes the window; the program ends well and has nothing to say."""
         self.close_window()
         check(self.process.returncode == 0, f"exit code {self.process.returncode}\n{self.errors()}")
-        check(not self.errors(), f"the program complains:\n{self.errors()}")
+        check(not self.errors(), f"the program wrote to standard error:\n{self.errors()}")
 
     def button(self, name, card):
         """The button of a card; two cards have one called "CHOOSE FOLDER"."""
