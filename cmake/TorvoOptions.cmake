@@ -6,7 +6,9 @@ target_compile_options(TorvoOptions INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wimplicit-fallthrough
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> # false alarms on std::string in GCC 12 (its bug 105651)
-    $<$<BOOL:${TORVO_WARNINGS_AS_ERRORS}>:-Werror>)
+    $<$<BOOL:${TORVO_WARNINGS_AS_ERRORS}>:-Werror>
+    # A fused multiply-add rounds once: where processors have one (arm64), samples would differ by a bit.
+    -ffp-contract=off)
 # The 128-bit product of the bounded draw is the only extension in use.
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
