@@ -9,6 +9,7 @@
 #include "BankGenerator.h"
 #include "BankMappingStore.h"
 #include "Json.h"
+#include "Platform/UnicodeText.h"
 #include "SampleScanner.h"
 #include "TorvoMetadata.h"
 
@@ -174,6 +175,8 @@ int main(int argc, char** argv) {
         return 2;
     } catch (const std::exception& error) {
         std::cerr << torvo::userFacingDescription(error) << std::endl;
+        if (const auto file = torvo::failedFile(error))
+            std::cerr << torvo::text::validUTF8(file->native()) << std::endl;
         return 1;
     }
 }
