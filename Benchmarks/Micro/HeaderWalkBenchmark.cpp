@@ -1,5 +1,5 @@
 #include "AudioSupport.h"
-#include "RiffChunks.h"
+#include "AudioSupport/RiffChunks.h"
 #include "TemporaryFolder.h"
 #include "WavFixture.h"
 
