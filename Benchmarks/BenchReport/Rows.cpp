@@ -1,7 +1,7 @@
 #include "Rows.h"
 
+#include "Baselines.h"
 #include "ChildProcess.h"
-#include "Floors.h"
 #include "Platform/FileManager.h"
 
 #include <nlohmann/json.hpp>

@@ -1,4 +1,4 @@
-#include "Floors.h"
+#include "Baselines.h"
 
 #include "../Stopwatch.h"
 #include "BareConversion.h"
@@ -28,7 +28,7 @@ void require(bool succeeded, const fs::path& path) {
         throw std::system_error(errno, std::generic_category(), path.string());
 }
 
-/// Spreads the files over threads, `atOnce` at a time; passes on the first failure.
+/// Distributes the files over `atOnce` threads; rethrows the first error.
 template <typename Work>
 double secondsFor(std::span<const fs::path> files, std::size_t threads, std::size_t atOnce,
                   Work work) {
