@@ -7,12 +7,12 @@
 
 namespace torvo::bench {
 
-/// Called wrongly; the text says how.
+/// Invalid arguments; the message explains the error.
 class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// The parts of "1,3,8", empty ones included.
+/// The items of a list like "1,3,8", including empty ones.
 inline std::vector<std::string_view> partsOf(std::string_view list) {
     std::vector<std::string_view> parts;
     for (std::size_t at = 0; at <= list.size();) {

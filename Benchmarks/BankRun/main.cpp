@@ -108,7 +108,7 @@ json candidateJson(const SampleCandidate& candidate) {
             {"format", candidate.formatDetails}};
 }
 
-/// One element a line, each made when it is written: a report may have a hundred thousand.
+/// One element per line, built when it is written: a report may have a hundred thousand.
 template <typename Items, typename ToJson>
 void printList(const Items& items, ToJson toJson) {
     const char* separator = "[";

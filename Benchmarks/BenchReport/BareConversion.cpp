@@ -79,7 +79,7 @@ std::vector<double> resampled(const std::vector<double>& mono, double rate) {
     std::vector<double> output(
         static_cast<std::size_t>(std::ceil(static_cast<double>(mono.size()) * 44100 / rate)));
     std::size_t done = 0;
-    // In blocks that stay in the processor's cache; the end of the input is told by none.
+    // In blocks that fit into the processor cache; a null input marks the end.
     constexpr std::size_t block = 4096;
     for (std::size_t at = 0; done < output.size(); at += block) {
         const auto length = at < mono.size() ? std::min(block, mono.size() - at) : 0;

@@ -6,8 +6,8 @@
 
 namespace torvo::bench {
 
-/// A file as 44100 Hz, 16-bit, mono, by the shortest way through the libraries. It takes integer
-/// PCM only, of the sizes that `Inputs` makes.
+/// Converts a file to 44100 Hz, 16-bit, mono, with direct calls of FFmpeg and soxr. Only for
+/// integer PCM of the sizes that `Inputs` makes.
 std::vector<std::int16_t> bareConversion(const std::filesystem::path& path);
 
 } // namespace torvo::bench

@@ -7,11 +7,11 @@
 
 namespace torvo::bench {
 
-/// What is left of a program that has ended well.
+/// The result of a successful program.
 struct FinishedProcess {
     std::string output;           ///< what it wrote to standard output
     double seconds = 0;           ///< from start to end
-    std::uint64_t peakMemory = 0; ///< bytes resident at most
+    std::uint64_t peakMemory = 0; ///< maximum resident bytes
 };
 
 /// Runs a program (searched in PATH) to its end. Throws when it cannot be started or fails.
@@ -20,8 +20,8 @@ struct FinishedProcess {
 /// program takes over. So this program keeps itself small and leaves the work to its children.
 FinishedProcess runProcess(const std::vector<std::string>& arguments);
 
-/// Does work in a copy of this process, so that the memory it takes is not counted against what is
-/// measured later. Throws when it fails there.
+/// Runs a function in a forked child, so that its memory does not affect later measurements. Throws
+/// when it fails.
 void runForked(const std::function<void()>& work);
 
 } // namespace torvo::bench

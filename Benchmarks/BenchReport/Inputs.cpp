@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Names as a drum library has them: folders that decide, folders that leave it to the files.
+/// Typical names of a drum library: folders with a role, and folders whose files have roles.
 constexpr std::array<std::string_view, 10> groups{
     "Kicks/Kick",         "Kicks/808/BD Long",
     "Snares/Snare",       "Claps/Clap Dry",
@@ -25,7 +25,7 @@ constexpr std::array<std::string_view, 10> groups{
     "Percussion/Cowbell", "Perc/Tom",
     "Vinyl Finds/Snare",  "One Shots (Vol. 2)/Closed_HiHat"};
 
-/// The place of file `index`: folders of two hundred.
+/// The path of file `index`, in folders of 200 files.
 fs::path placeOf(std::size_t index, std::string_view extension) {
     const auto folder = index / 200;
     const std::string group(groups.at(folder % groups.size()));
@@ -40,20 +40,20 @@ void write(const fs::path& path, std::span<const std::byte> bytes) {
     file->close();
 }
 
-/// Mono and stereo, 16 and 24 bits, and every fourth at the rate that is given.
-std::vector<std::byte> drumSample(std::size_t index, std::size_t leastFrames, std::size_t spread,
+/// Mono and stereo, 16 and 24 bits; every fourth file has the given sample rate.
+std::vector<std::byte> drumSample(std::size_t index, std::size_t minFrames, std::size_t spread,
                                   std::uint32_t fourthRate = 48000) {
     const auto turn = index % 4;
     return test::wavFile({.sampleRate = turn == 3 ? fourthRate : 44100U,
                           .channels = static_cast<std::uint16_t>(turn == 1 ? 2 : 1),
                           .bits = static_cast<std::uint16_t>(turn == 2 ? 24 : 16)},
-                         leastFrames + index % spread);
+                         minFrames + index % spread);
 }
 
-void makeWavFiles(const fs::path& folder, std::size_t count, std::size_t leastFrames,
+void makeWavFiles(const fs::path& folder, std::size_t count, std::size_t minFrames,
                   std::size_t spread) {
     for (std::size_t i = 0; i < count; ++i)
-        write(folder / placeOf(i, ".wav"), drumSample(i, leastFrames, spread));
+        write(folder / placeOf(i, ".wav"), drumSample(i, minFrames, spread));
 }
 
 void makeCompatibleFiles(const fs::path& folder, std::size_t count) {
@@ -85,7 +85,8 @@ void makeMixedFiles(const fs::path& folder, std::size_t count) {
     fs::remove_all(originals);
 }
 
-/// What lies about in folders of samples: notes, pictures, archives, programs, noise, nothing.
+/// Common other files in sample folders: notes, images, archives, programs, random bytes, empty
+/// files.
 void makeOtherFiles(const fs::path& folder, std::size_t count) {
     using namespace std::string_view_literals;
     constexpr std::array<std::pair<std::string_view, std::string_view>, 6> kinds{

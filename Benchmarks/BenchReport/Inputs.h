@@ -6,7 +6,7 @@
 
 namespace torvo::bench {
 
-/// How much is made and measured.
+/// The sizes of the inputs and the number of runs.
 struct Sizes {
     std::size_t wavFiles;      ///< ordinary drum samples, three in four compatible
     std::size_t smallWavFiles; ///< a whole collection, 2 to 4 KB each
@@ -22,8 +22,8 @@ constexpr Sizes fullSizes{2000, 100'000, 2000, 20'000, 96, 5, 99, 7};
 // Folders of two hundred: the seventh holds the percussion that banks need.
 constexpr Sizes quickSizes{1400, 4000, 300, 2000, 16, 1, 12, 3};
 
-/// The libraries that are measured, each made when it is first asked for and kept in its own
-/// folder. What an interrupted run left half made is made again.
+/// The sample libraries, each created on first use and kept in its own folder. Libraries left
+/// incomplete by an interrupted run are created again.
 class Inputs {
 public:
     Inputs(std::filesystem::path folder, const Sizes& sizes);
@@ -35,7 +35,7 @@ public:
     std::filesystem::path mixedLibrary() const;
     std::filesystem::path otherFiles() const;
     std::filesystem::path loops() const;
-    /// The loops under eight names each: as many samples as a run of 99 banks has places.
+    /// The loops under eight names each: as many samples as a run of 99 banks has channels.
     std::filesystem::path manyLoops() const;
 
 private:

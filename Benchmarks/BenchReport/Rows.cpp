@@ -57,7 +57,7 @@ double secondsOf(const FinishedProcess& finished, const char* phase) {
     return nlohmann::json::parse(finished.output).at("seconds").at(phase).get<double>();
 }
 
-/// An empty folder, and a disk with nothing left to write from before.
+/// Makes an empty folder and flushes pending writes of earlier work.
 fs::path emptied(const fs::path& folder) {
     fs::remove_all(folder);
     fs::create_directories(folder);
@@ -69,7 +69,7 @@ FinishedProcess scanned(const Bench& bench, const fs::path& library, const char*
     return runProcess({bench.bankRun, "--scan", library, "--mode", mode});
 }
 
-/// Scanning a library beside opening its files and reading their beginnings.
+/// Scanning a library, compared with opening its files and reading their first bytes.
 Medians scanAndReadHeads(const Bench& bench, const fs::path& library, const char* mode) {
     const auto files = filesBelow(library);
     return interleaved(
@@ -100,7 +100,7 @@ std::vector<Row> scanMixed(const Bench& bench) {
 }
 
 std::vector<Row> scanOther(const Bench& bench) {
-    // Loops, so that every file is opened: names alone do not leave them out.
+    // Loops mode, so that every file is opened: no file is ignored because of its name.
     return {
         timeRow("scan of " + std::to_string(bench.sizes.otherFiles) + " files that are no audio",
                 headsFloor, scanAndReadHeads(bench, bench.inputs.otherFiles(), "loops"), 3)};
@@ -117,7 +117,7 @@ double secondsToExport(const Bench& bench, const fs::path& library, const char* 
     return secondsOf(exported(bench, library, mode, out), "export");
 }
 
-/// `cp -r`, then the flush that an export ends with too.
+/// `cp -r`, then a flush, as at the end of an export.
 double secondsToCopy(const Bench& bench, const fs::path& tree) {
     const auto copy = emptied(bench.folder / "copy");
     return runProcess({"sh", "-c", R"(cp -r "$0" "$1" && sync -f "$1")", tree, copy}).seconds;
@@ -155,7 +155,7 @@ std::vector<Row> exportLoops(const Bench& bench) {
         1.25)};
 }
 
-/// What a musician would do instead: every loop of the folder through the best known converter.
+/// The manual alternative: SoX for every loop of the folder.
 Row exportBesideSox(const Bench& bench, const fs::path& library) {
     const auto convert = R"(find "$0" -name "*.wav" -print0 | xargs -0 -P 2 -I {} )"
                          R"(sh -c 'sox "$1" -c 1 -b 16 "$2/${1##*/}" rate -v 44100' sh {} "$1")";
@@ -173,8 +173,8 @@ Row exportBesideSox(const Bench& bench, const fs::path& library) {
         2);
 }
 
-/// A folder in which every loop comes up eight times in the banks, and one that is as large as the
-/// banks are.
+/// A folder whose loops occur eight times each in the banks, and one with as many loops as the
+/// banks have channels.
 std::vector<Row> exportAgainstSox(const Bench& bench) {
     return {exportBesideSox(bench, bench.inputs.loops()),
             exportBesideSox(bench, bench.inputs.manyLoops())};
@@ -186,7 +186,7 @@ std::vector<Row> memory(const Bench& bench) {
                       exported(bench, bench.inputs.loops(), "loops", out).peakMemory, 256),
             memoryRow("the same of eight times as many loops, memory",
                       exported(bench, bench.inputs.manyLoops(), "loops", out).peakMemory, 256),
-            // The longest output of all, and so the last.
+            // Last, since it has the largest output.
             memoryRow(smallFileCount(bench) + ", memory",
                       scanned(bench, bench.inputs.smallLibrary(), "drums").peakMemory, 150)};
 }
@@ -211,7 +211,7 @@ std::vector<Row> stampFolder(const Bench& bench) {
                     1.2)};
 }
 
-/// Into memory, so that no disk stands between the cores; each loop is needed about once.
+/// Writes to memory, so that the disk is no bottleneck; each loop is needed about once.
 std::vector<Row> convertOnOneAndTwoCores(const Bench& bench) {
     const auto library = bench.inputs.loops();
     const auto out = fs::path("/dev/shm") / ("torvo-bench-" + bench.folder.filename().string());

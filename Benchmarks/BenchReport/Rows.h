@@ -10,7 +10,7 @@
 
 namespace torvo::bench {
 
-/// What every measurement needs.
+/// The parameters of every measurement.
 struct Bench {
     std::filesystem::path bankRun; ///< the program that is measured
     std::filesystem::path folder;  ///< for inputs and results, on the disk that is measured

@@ -1,5 +1,5 @@
-// Measures the program beside the least that its work must cost on this machine, and prints a table
-// with the medians, their ratio and the bar. Give it a disk of its own and a quiet machine.
+// Compares the program with minimal implementations of its work and prints a table with the
+// medians, their ratio and the bar. Run it on an idle machine with an unused disk.
 
 #include "../CommandLine.h"
 #include "Rows.h"
@@ -84,7 +84,7 @@ Options parsed(int argc, char** argv) {
     return options;
 }
 
-/// A folder that goes away with its content, unless the user has named one.
+/// A temporary folder that is removed at the end, unless the user has named one.
 class WorkFolder {
 public:
     explicit WorkFolder(const std::optional<fs::path>& kept) : isKept_(kept.has_value()) {
@@ -99,7 +99,7 @@ public:
         path_ = pattern;
     }
     ~WorkFolder() {
-        std::error_code ignored; // what cannot be removed stays in the temporary folder
+        std::error_code ignored; // leftovers stay in the temporary folder
         if (!isKept_)
             fs::remove_all(path_, ignored);
     }

@@ -1,4 +1,4 @@
-// Makes the demonstration library in the folder that is named on the command line.
+// Makes the demonstration library in the folder given on the command line.
 
 #include "DemoLibrary.h"
 

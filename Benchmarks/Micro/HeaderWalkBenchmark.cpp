@@ -8,7 +8,7 @@
 namespace torvo {
 namespace {
 
-/// As a recorder writes it: notes before the audio, more notes behind it.
+/// Like the file of a field recorder: metadata chunks before and after the audio.
 std::vector<std::byte> recording() {
     const std::vector<std::byte> note(602);
     auto file = test::wavFile({.bits = 24}, std::size_t{20'000});

@@ -10,7 +10,7 @@ std::vector<std::byte> drum() {
     return test::wavFile({}, std::size_t{20'000});
 }
 
-/// The copy of the file that each turn needs is part of the figure.
+/// The time includes the copy of the file that each iteration needs.
 void stampNewFile(benchmark::State& state) {
     const auto file = drum();
     const TorvoWAVMetadataWriter writer;
