@@ -209,8 +209,11 @@ void ChannelsCard::reserveRoom(bool isScanning) {
     // Lists that are open stay open across scans, and so does their room.
     if (!isScanning)
         roomForSections_ = 2 * DisclosureHeaderStyle::height;
-    else if (sections_->isVisible())
-        roomForSections_ = std::max(sections_->sizeHint().height(), sections_->height());
+    else if (sections_->isVisible()) {
+        // A list just closed may not have given its room back yet.
+        const int hint = sections_->sizeHint().height();
+        roomForSections_ = std::clamp(sections_->height(), hint, hint + spareHeightForLists());
+    }
     body_->setMinimumHeight(countsHeight + countsGap + roomForSections_);
 }
 
@@ -233,9 +236,12 @@ bool ChannelsCard::event(QEvent* event) {
     const bool isHandled = QWidget::event(event);
     // Height to spare goes to the open lists, and no further.
     if (event->type() == QEvent::LayoutRequest)
-        setMaximumHeight(sizeHint().height() + ignoredFolders_->maxExtraHeight() +
-                         ignoredFiles_->maxExtraHeight());
+        setMaximumHeight(sizeHint().height() + spareHeightForLists());
     return isHandled;
+}
+
+int ChannelsCard::spareHeightForLists() const {
+    return ignoredFolders_->maxExtraHeight() + ignoredFiles_->maxExtraHeight();
 }
 
 void ChannelsCard::showIgnored(const std::shared_ptr<const ScanReport>& report) {

@@ -40,6 +40,8 @@ private:
     /// As much as the counts of any mode take: nothing below moves when a scan ends or the mode
     /// changes.
     void reserveRoom(bool isScanning);
+    /// What the open lists can take beyond their least height, in pixels.
+    int spareHeightForLists() const;
     void showCounts(const ScanReport& report);
     /// None empties the lists.
     void showIgnored(const std::shared_ptr<const ScanReport>& report);
