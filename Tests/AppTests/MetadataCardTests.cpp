@@ -7,6 +7,9 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <string>
+
 using namespace torvo;
 using namespace torvo::app;
 using namespace torvo::test;
@@ -80,5 +83,36 @@ TEST_F(MetadataCardTest, togglesEachChannel) {
         press(toggle);
         EXPECT_FALSE(toggle->isChecked());
         EXPECT_TRUE(model.metadataOptions().cvAssignedChannels.empty());
+    }
+}
+
+TEST_F(MetadataCardTest, explainsItsSettings) {
+    const auto boxes = showing<QComboBox>();
+    const std::array<const char*, 3> explanations{
+        "Playback bit depth: fewer bits, more grit", "Playback sample rate in kHz",
+        "Off: no filter\nLP: low pass\nBP: band pass\nNT: notch\nHP: high pass"};
+    const auto described = [](QWidget* widget) {
+        return QAccessible::queryAccessibleInterface(widget)
+            ->text(QAccessible::Description)
+            .toStdString();
+    };
+    for (std::size_t index = 0; const char* caption : {"BITS", "RATE", "FILTER"}) {
+        EXPECT_EQ(boxes[index]->toolTip().toStdString(), explanations[index]);
+        EXPECT_EQ(described(boxes[index]), explanations[index]);
+        EXPECT_EQ(label(QString::fromLatin1(caption))->toolTip(), boxes[index]->toolTip());
+        ++index;
+    }
+    EXPECT_TRUE(described(showing<QCheckBox>().front()).find("CV1 controls the filter cutoff") !=
+                std::string::npos);
+    const auto optionsOf = [](const QComboBox& box, int role) {
+        QStringList texts;
+        for (int index = 0; index < box.count(); ++index)
+            texts.append(box.itemData(index, role).toString());
+        return texts.join(QStringLiteral(", ")).toStdString();
+    };
+    for (const int role : {Qt::ToolTipRole, Qt::AccessibleDescriptionRole}) {
+        EXPECT_EQ(optionsOf(*boxes[1], role),
+                  "4 kHz, 6 kHz, 7 kHz, 9 kHz, 11 kHz, 14 kHz, 22 kHz, 44 kHz");
+        EXPECT_EQ(optionsOf(*boxes[2], role), "no filter, low pass, band pass, notch, high pass");
     }
 }

@@ -36,15 +36,18 @@ struct Picker {
     QVBoxLayout* column;
 };
 
-/// `caption` stands above the box, `label` is its name.
-Picker makePicker(const QString& caption, const QString& label, const QStringList& options) {
+/// `caption` stands above the box, `label` is its name, `explanation` its tooltip.
+Picker makePicker(const QString& caption, const QString& label, const QString& explanation,
+                  const QStringList& options) {
     auto* box = new PickerBox;
     box->setAccessibleName(label);
+    box->setToolTip(explanation);
     box->setFont(MarloTheme::font(14, MarloTheme::FontCut::medium));
     box->setMaxVisibleItems(static_cast<int>(options.size()));
     box->addItems(options);
     auto* title = makeCaption(caption);
     title->setBuddy(box);
+    title->setToolTip(explanation);
     auto* column = new QVBoxLayout;
     column->setSpacing(4);
     column->addWidget(title);
@@ -63,6 +66,36 @@ QStringList displayNames(const Options& options) {
     for (const auto option : options)
         names.append(toQString(displayName(option)));
     return names;
+}
+
+QString explanation(TorvoFilterType filter) {
+    switch (filter) {
+    case TorvoFilterType::off:
+        return MetadataCard::tr("no filter");
+    case TorvoFilterType::lowPass:
+        return MetadataCard::tr("low pass");
+    case TorvoFilterType::bandPass:
+        return MetadataCard::tr("band pass");
+    case TorvoFilterType::notch:
+        return MetadataCard::tr("notch");
+    case TorvoFilterType::highPass:
+        return MetadataCard::tr("high pass");
+    }
+    return {};
+}
+
+/// "LP: low pass", one filter a line.
+QString filterExplanations() {
+    QStringList lines;
+    for (const auto filter : allTorvoFilterTypes)
+        lines.append(toQString(displayName(filter)) + QStringLiteral(": ") + explanation(filter));
+    return lines.join(QLatin1Char('\n'));
+}
+
+/// For the tooltip of an option and for screen readers.
+void explainOption(QComboBox& box, int index, const QString& explanation) {
+    box.setItemData(index, explanation, Qt::ToolTipRole);
+    box.setItemData(index, explanation, Qt::AccessibleDescriptionRole);
 }
 
 QStringList bitNames() {
@@ -95,9 +128,16 @@ void MetadataCard::change(const std::function<void(TorvoMetadataOptions&)>& edit
 }
 
 QLayout* MetadataCard::makePickers() {
-    const Picker bits = makePicker(tr("BITS"), tr("Bits"), bitNames());
-    const Picker rate = makePicker(tr("RATE"), tr("Rate"), displayNames(allTorvoPlaybackRates));
-    const Picker filter = makePicker(tr("FILTER"), tr("Filter"), displayNames(allTorvoFilterTypes));
+    const Picker bits = makePicker(tr("BITS"), tr("Bits"),
+                                   tr("Playback bit depth: fewer bits, more grit"), bitNames());
+    const Picker rate = makePicker(tr("RATE"), tr("Rate"), tr("Playback sample rate in kHz"),
+                                   displayNames(allTorvoPlaybackRates));
+    const Picker filter = makePicker(tr("FILTER"), tr("Filter"), filterExplanations(),
+                                     displayNames(allTorvoFilterTypes));
+    for (int index = 0; const auto value : allTorvoPlaybackRates)
+        explainOption(*rate.box, index++, tr("%1 kHz").arg(rawValue(value)));
+    for (int index = 0; const auto value : allTorvoFilterTypes)
+        explainOption(*filter.box, index++, explanation(value));
     auto* row = new QHBoxLayout;
     row->setSpacing(MarloTheme::columnGap);
     for (const Picker& picker : {bits, rate, filter})
@@ -133,6 +173,8 @@ QLayout* MetadataCard::makePickers() {
 QLayout* MetadataCard::makeCVAssignments() {
     auto* enable = new QCheckBox(tr("ENABLE CV ASSIGNMENTS"));
     enable->setFont(MarloTheme::font(13, MarloTheme::FontCut::medium));
+    enable->setToolTip(tr("On the channels selected below, CV1 controls the filter cutoff,\n"
+                          "CV2 the filter resonance and CV3 the speed"));
     connect(enable, &QCheckBox::clicked, this, [this](bool checked) {
         change(
             [checked](TorvoMetadataOptions& options) { options.cvAssignmentsEnabled = checked; });
