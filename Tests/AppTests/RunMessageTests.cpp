@@ -50,6 +50,9 @@ TEST_F(RunMessageTest, followsARunFromThePressToTheEnd) {
                                std::to_string(finished->completedExport.summary.reusedBankCount) +
                                " banks with reused samples";
     EXPECT_TRUE(shows(counts.c_str())) << counts;
+    const QString explanation = label(QString::fromStdString(counts))->toolTip();
+    for (const char* word : {"copied: ", "converted: ", "reused: "})
+        EXPECT_TRUE(explanation.contains(QString::fromLatin1(word))) << word;
     EXPECT_TRUE(mainButton()->isEnabled());
 }
 

@@ -111,6 +111,11 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     setAnnounced(*message_);
     message_->setObjectName(QStringLiteral("runMessage"));
     counts_->setObjectName(QStringLiteral("runCounts"));
+    counts_->setToolTip(
+        tr("Each channel of a bank is written twice: into the bank's folder and into Pool.\n"
+           "copied: files that the device plays as they are\n"
+           "converted: files that had to be made playable for the device\n"
+           "reused: the folder has too few samples to give every bank sounds of its own"));
     file_->setObjectName(QStringLiteral("runFile"));
     file_->setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
     // It stands on the light plate of a failure.
