@@ -10,6 +10,7 @@
 #include "TorvoMetadata.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QMenuBar>
 #include <QScreen>
 #include <QShortcut>
@@ -34,10 +35,19 @@ BankExporter makeExporter() {
             TorvoWAVMetadataWriter{}};
 }
 
+/// Each size as it was drawn: one that is scaled down loses its lines.
+QIcon applicationIcon() {
+    QIcon icon;
+    for (const int side : {16, 22, 24, 32, 48, 64, 128})
+        icon.addFile(QStringLiteral(":/icons/%1.png").arg(side));
+    return icon;
+}
+
 } // namespace
 
 void installTheme() {
     registerResources();
+    QApplication::setWindowIcon(applicationIcon());
     auto* style = new MarloStyle;
     QApplication::setStyle(style);
     QApplication::setPalette(style->standardPalette());

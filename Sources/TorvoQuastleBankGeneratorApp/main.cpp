@@ -1,7 +1,6 @@
 #include "TorvoQuastleBankGeneratorApp.h"
 
 #include <QApplication>
-#include <QIcon>
 
 #include <cstdlib>
 #include <iostream>
@@ -46,7 +45,6 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QString::fromLatin1(torvo::app::applicationName));
     QApplication::setDesktopFileName(QStringLiteral("io.github.torvo_quastle.bank_generator"));
     torvo::app::installTheme();
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon.png")));
     torvo::app::TorvoQuastleBankGeneratorApp app;
     app.showWindow();
     const int status = QApplication::exec();

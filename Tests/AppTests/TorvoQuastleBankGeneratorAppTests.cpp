@@ -1,3 +1,4 @@
+#include "MarloTheme.h"
 #include "Support/ModalWatcher.h"
 #include "TorvoQuastleBankGeneratorApp.h"
 
@@ -11,6 +12,8 @@
 #include <QTest>
 #include <QUrl>
 #include <gtest/gtest.h>
+
+#include <set>
 
 using namespace torvo;
 using namespace torvo::app;
@@ -120,4 +123,24 @@ TEST_F(AppTest, saysWhatItIs) {
                                                 EXPECT_EQ(box.text(), name);
                                                 EXPECT_TRUE(box.windowTitle().contains(name));
                                             }));
+}
+
+// A picture of 128 pixels, scaled down by a panel, is a smear.
+TEST(ApplicationIcon, isDrawnPixelByPixelWhereItIsSmall) {
+    const std::set<QRgb> palette{MarloTheme::surface.rgb(), MarloTheme::ink.rgb(),
+                                 MarloTheme::accent.rgb(), MarloTheme::success.rgb(),
+                                 MarloTheme::danger.rgb()};
+    for (const int side : {16, 22, 24}) {
+        SCOPED_TRACE(side);
+        const QImage picture = QApplication::windowIcon().pixmap(side).toImage();
+        ASSERT_EQ(picture.size(), QSize(side, side));
+        std::set<QRgb> colors;
+        const int corner = side / 6;
+        for (int y = corner; y < side - corner; ++y)
+            for (int x = corner; x < side - corner; ++x)
+                colors.insert(picture.pixel(x, y));
+        EXPECT_EQ(colors, palette);
+    }
+    for (const int side : {32, 48, 64, 128})
+        EXPECT_TRUE(QApplication::windowIcon().availableSizes().contains(QSize(side, side)));
 }
