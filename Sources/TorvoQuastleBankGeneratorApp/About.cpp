@@ -1,5 +1,6 @@
 #include "About.h"
 
+#include "Maker.h"
 #include "MarloTheme.h"
 
 #include <QGridLayout>
@@ -20,7 +21,8 @@ void showAbout(QWidget* window, const QString& title, const QString& application
     QMessageBox box(window);
     box.setWindowTitle(title);
     box.setText(applicationName);
-    box.setInformativeText(QMessageBox::tr("Version %1").arg(QStringLiteral(TORVO_VERSION)));
+    box.setInformativeText(QMessageBox::tr("Version %1\nMade by %2")
+                               .arg(QStringLiteral(TORVO_VERSION), QString::fromLatin1(makerName)));
     box.setIconPixmap(window->windowIcon().pixmap(iconSide));
     box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))
         ->setFont(MarloTheme::font(16, MarloTheme::FontCut::bold));

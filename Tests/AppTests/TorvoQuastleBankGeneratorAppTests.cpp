@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QTest>
 #include <QUrl>
@@ -118,11 +119,16 @@ TEST_F(AppTest, exportsWhileThereIsADocument) {
 }
 
 TEST_F(AppTest, saysWhatItIs) {
-    EXPECT_TRUE(lookedAtDialog<QMessageBox>([this] { menu(1)[0]->trigger(); },
-                                            [](QMessageBox& box) {
-                                                EXPECT_EQ(box.text(), name);
-                                                EXPECT_TRUE(box.windowTitle().contains(name));
-                                            }));
+    const QRegularExpression details(
+        QStringLiteral("^Version \\d+\\.\\d+\\.\\d+\nMade by Halvorine$"));
+    EXPECT_TRUE(
+        lookedAtDialog<QMessageBox>([this] { menu(1)[0]->trigger(); },
+                                    [&](QMessageBox& box) {
+                                        EXPECT_EQ(box.text(), name);
+                                        EXPECT_TRUE(box.windowTitle().contains(name));
+                                        EXPECT_TRUE(details.match(box.informativeText()).hasMatch())
+                                            << box.informativeText().toStdString();
+                                    }));
 }
 
 // A picture of 128 pixels, scaled down by a panel, is a smear.

@@ -5,6 +5,7 @@
 #include "Controls/LinkButton.h"
 #include "Logo.h"
 #include "LogoView.h"
+#include "Maker.h"
 
 #include <QDesktopServices>
 #include <QHBoxLayout>
@@ -31,7 +32,7 @@ QString tagline(GenerationMode mode) {
 }
 
 QUrl halvorineURL() {
-    return {QStringLiteral("https://halvorine.example/")};
+    return {QString::fromLatin1(makerURL)};
 }
 
 } // namespace
@@ -44,7 +45,7 @@ HeaderView::HeaderView(AppModel& model, QWidget* parent) : QWidget(parent) {
     description->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 
     auto* logo = new LogoView(loadHalvorineLogoImage());
-    auto* maker = new LinkButton(tr("Halvorine"));
+    auto* maker = new LinkButton(QString::fromLatin1(makerName));
     maker->setToolTip(halvorineURL().toString());
     connect(maker, &QAbstractButton::clicked, this,
             [] { QDesktopServices::openUrl(halvorineURL()); });
