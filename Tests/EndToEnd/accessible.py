@@ -9,14 +9,14 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 from robustness import Failed, wait_until  # noqa: E402
 
-# Containers and decoration: screen readers skip them, so they need no name.
+# Containers and decoration need no name: screen readers skip them.
 UNNAMED_ROLES = {"filler", "frame", "layered-pane", "menu-bar", "panel", "scroll-bar", "scroll-pane",
                  "separator", "split-pane", "unknown", "viewport"}
 # A folder has no size: its cell in a file panel is empty.
 DATA_ROLES = {"table-cell"}
 # at-spi2-core 2.54 renamed it.
 RENAMED_ROLES = {"button": "push-button"}
-# Rows are data; reading all rows of a long list takes minutes.
+# Reading all rows of a long list takes minutes.
 ROWS_READ = 50
 GONE = (GLib.Error,)
 
@@ -28,7 +28,7 @@ def connect():
 
 
 class Announcements:
-    """What a screen reader reads out without being asked: notifications, as they appear."""
+    """Records the notifications that a screen reader would read out as they appear."""
 
     def __init__(self):
         self._heard = []
@@ -52,7 +52,7 @@ class Announcements:
 
 
 class Node:
-    """One accessible object. What is asked of it is asked anew each time."""
+    """One accessible object. Every property is queried anew on each access."""
 
     def __init__(self, accessible):
         self._it = accessible
@@ -102,7 +102,7 @@ class Node:
 
     @property
     def labels(self):
-        """The names of the labels that stand for this object."""
+        """The names of the labels of this object."""
         return [relation.get_target(index).get_name()
                 for relation in self._it.get_relation_set()
                 if relation.get_relation_type() == Atspi.RelationType.LABELLED_BY
@@ -158,7 +158,7 @@ class Node:
                           lambda: f"{role} {name!r} in\n{self.outline()}", seconds)
 
     def combo(self, label):
-        """A combo box is named by its choice; what it is about, its label says."""
+        """The combo box with this label; its own name is the current choice."""
         return next(node for node in self.showing()
                     if node.role == "combo-box" and label in node.labels)
 
@@ -173,7 +173,7 @@ class Node:
         wait_until(lambda: text in self.texts(), lambda: f"{text!r} in\n{self.outline()}", seconds)
 
     def unnamed(self):
-        """Objects at which a screen reader stops but that have no name."""
+        """Objects without a name at which a screen reader stops."""
         return [str(node) for node in self.showing() if not node.name and node.role not in DATA_ROLES
                 and (node.role not in UNNAMED_ROLES or "focusable" in node.states)]
 
@@ -181,7 +181,7 @@ class Node:
         try:
             return "\n".join(f"  {node}" for node in self.showing())
         except GONE:
-            return "  (it changes)"
+            return "  (the objects are changing)"
 
     def __str__(self):
         return f"{self.role} {self.name!r} [{' '.join(sorted(self.states))}]"
@@ -204,7 +204,7 @@ def applications():
 
 
 def application(pid):
-    """The application of this process, or None while it has not shown itself."""
+    """The application of this process, or None if it is not on the accessibility bus yet."""
     for owner, accessible in applications():
         if owner == pid:
             accessible.set_cache_mask(Atspi.Cache.NONE)

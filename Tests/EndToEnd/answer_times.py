@@ -1,8 +1,8 @@
 #!/usr/bin/python3 -B
 """Sends cheap requests to the main thread of a program at a steady rate: answer_times.py PID
 
-Says "ready", measures until SIGTERM, then prints the answer times in milliseconds as a JSON list. While
-an answer is late, the questions that were due meanwhile count as well, as late as they would have been.
+Prints "ready", measures until SIGTERM, then prints the answer times in milliseconds as a JSON list. Requests
+that were due while an answer was late are counted with the delay that they would have had.
 """
 
 import json
@@ -16,8 +16,8 @@ import gi
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
-PACE = 0.005  # seconds
-LEAST = 20  # answers
+INTERVAL = 0.005  # seconds
+MIN_ANSWERS = 20
 ROOT = "/org/a11y/atspi/accessible/root"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 
@@ -59,13 +59,13 @@ def main():
     times = []
     print("ready", flush=True)
     due = time.monotonic()
-    # A short piece of work is watched for a while longer.
-    while running or len(times) < LEAST:
+    # Measure short operations a little longer.
+    while running or len(times) < MIN_ANSWERS:
         call(bus, owner, ROOT, "org.freedesktop.DBus.Properties", "Get", question)
         now = time.monotonic()
         while due <= now:
             times.append(1000 * (now - due))
-            due += PACE
+            due += INTERVAL
         time.sleep(due - now)
     print(json.dumps(times), flush=True)
     os._exit(0)

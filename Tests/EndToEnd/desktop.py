@@ -1,6 +1,6 @@
 """A private virtual desktop: screen, session bus, window manager, keyboard, pointer.
 
-All processes started here end with it, by process id, including those that the session bus starts.
+Stopping it kills every process started on it, including those that the session bus started.
 """
 
 import ctypes
@@ -12,7 +12,7 @@ import signal
 import subprocess
 import time
 
-from robustness import check, require_tool, told, wait_until, work_folder
+from robustness import check, require_tool, describe, wait_until, work_folder
 
 TOOLS = ["Xvfb", "openbox", "dbus-daemon", "xdotool", "xprop", "import"]
 SCREEN = (1600, 1300)
@@ -48,9 +48,9 @@ def read_line(stream, what, seconds=60.0):
     deadline = time.monotonic() + seconds
     while not line.endswith(b"\n"):
         ready, _, _ = select.select([stream], [], [], max(0.0, deadline - time.monotonic()))
-        check(ready, f"timed out after {seconds:.0f} s: {told(what)}")
+        check(ready, f"timed out after {seconds:.0f} s: {describe(what)}")
         byte = os.read(stream.fileno(), 1)
-        check(byte, f"the process ended: {told(what)}")
+        check(byte, f"the process ended: {describe(what)}")
         line += byte
     return line.decode().strip()
 
@@ -87,12 +87,12 @@ def ask_to_close(display_name, window):
 
 
 class Desktop:
-    """`folder` is a scratch folder that goes with the desktop."""
+    """`folder` is a temporary folder, removed with the desktop."""
 
     def __init__(self, window_manager=True):
         for tool in TOOLS:
             require_tool(tool)
-        # What the session bus starts becomes a child of this process when its parent ends.
+        # Orphans that the session bus started become children of this process, which stop() kills.
         LIBC.prctl(PR_SET_CHILD_SUBREAPER, 1)
         self.folder = work_folder()
         self._screen = None
@@ -130,7 +130,7 @@ class Desktop:
             self.environment["DISPLAY"] = ":" + read_line(stream, "the virtual screen's number")
 
     def _start_bus(self):
-        # Its usual address is a folder of its own in the temporary folder, which would stay behind.
+        # By default dbus-daemon makes a folder in the temporary folder and leaves it there.
         address = f"unix:path={self.environment['XDG_RUNTIME_DIR']}/bus"
         bus = self.spawn(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
                           "--address=" + address],
@@ -140,14 +140,14 @@ class Desktop:
     def _start_window_manager(self):
         self.spawn(["openbox", "--sm-disable"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         wait_until(lambda: "window id" in self._ask(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"]),
-                   "the window manager's sign")
+                   "the window manager to start")
 
     def _ask(self, command):
         return subprocess.run(command, env=self.environment, capture_output=True, text=True,
                               timeout=60, check=False).stdout
 
     def spawn(self, command, environment=None, **options):
-        """Starts a process that ends with this one at the latest."""
+        """Starts a process that is killed when this one ends."""
         return subprocess.Popen(command, env=environment or self.environment,
                                 stdin=subprocess.DEVNULL, preexec_fn=die_with_parent, **options)
 
@@ -159,7 +159,7 @@ class Desktop:
                 os.kill(pid, signal.SIGKILL)
                 os.waitpid(pid, 0)
         if self._screen:
-            # Killed, it would leave its lock and its socket in /tmp.
+            # SIGKILL would leave its lock and socket in /tmp.
             self._screen.terminate()
             try:
                 self._screen.wait(10)
@@ -179,20 +179,20 @@ class Desktop:
         self.xdotool("key", "--clearmodifiers", *names)
 
     def type_text(self, text):
-        """ASCII only: other letters get lost when xdotool changes the key map."""
+        """Types ASCII text; xdotool loses other characters while it changes the key map."""
         self.xdotool("type", "--clearmodifiers", text)
 
     def click(self, x, y):
         self.xdotool("mousemove", int(x), int(y), "click", 1)
 
     def ask_to_close(self, window):
-        """What a window manager sends when its button is pressed; sent when this returns."""
+        """Sends WM_DELETE_WINDOW as a window manager's close button does. The server has it when this returns."""
         ask_to_close(self.environment["DISPLAY"], window)
 
     def active_window(self):
-        """The window that the window manager's own keys act on, 0 for none."""
-        told_id = self._ask(["xprop", "-root", "_NET_ACTIVE_WINDOW"]).rpartition("# ")[2]
-        return int(told_id.split(",")[0], 16)
+        """The window that the window manager regards as active, 0 for none."""
+        active = self._ask(["xprop", "-root", "_NET_ACTIVE_WINDOW"]).rpartition("# ")[2]
+        return int(active.split(",")[0], 16)
 
     def find_windows(self, pid, title):
         """The visible windows of a process that have this title."""

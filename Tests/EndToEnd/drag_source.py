@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""A window to drag files from: drag_source.py URI... Tells on standard output how the drag goes."""
+"""A window to drag files from: drag_source.py URI... Prints the progress of the drag to standard output."""
 
 import sys
 

@@ -1,4 +1,4 @@
-"""The jobs of the sweeps: a run, a stamp and a saved document, each with its checks."""
+"""The jobs that the sweeps disturb: a run, a stamp and a saved document, each with its checks."""
 
 import json
 import os
@@ -40,7 +40,7 @@ class Bench:
         self.out = self.folder + "/out"
         self.document = self.folder + "/Kit001.json"
         os.mkdir(self.out)
-        robustness.run_well([self.program, "--source", self.source, "--out", self.out, "--banks",
+        robustness.run_successfully([self.program, "--source", self.source, "--out", self.out, "--banks",
                            "1", "--seed", "7", "--json", self.document])
         self.device = self.out + "/Kit/QZT508"
         self.source_before = snapshot(self.source)
@@ -53,7 +53,7 @@ class Bench:
 
 
 class Run:
-    """Writing a document's banks: a disturbed run is no success, the next one is whole."""
+    """Writing a document's banks: a disturbed run must not report success, the next one must be complete."""
 
     name = "run"
 
@@ -64,7 +64,7 @@ class Run:
         self.reference = snapshot(bench.device, times=False)
 
     def reset(self):
-        robustness.run_well(self.command)
+        robustness.run_successfully(self.command)
 
     def check_disturbed(self, result):
         self.bench.check_source()
@@ -72,7 +72,7 @@ class Run:
             check_same(self.reference, snapshot(self.bench.device, times=False), "false success")
 
     def check_repaired(self):
-        robustness.run_well(self.command)
+        robustness.run_successfully(self.command)
         check_same(self.reference, snapshot(self.bench.device, times=False), "after a rerun")
 
 
@@ -88,9 +88,9 @@ class Stamp:
                         "--filter", "lp", "--cv", "1,4"]
         robustness.replace_tree(bench.device, self.kept)
         self.old = snapshot(bench.device, times=False)
-        robustness.run_well(self.command)
+        robustness.run_successfully(self.command)
         self.new = snapshot(bench.device, times=False)
-        check(self.old != self.new, "the stamp changes nothing, so it shows nothing")
+        check(self.old != self.new, "the stamp changes nothing, so the check would be empty")
         self.reset()
 
     def reset(self):
@@ -113,13 +113,12 @@ class Stamp:
 
     def check_repaired(self):
         age_temporaries(self.bench.device)
-        robustness.run_well(self.command)
+        robustness.run_successfully(self.command)
         check_same(self.new, snapshot(self.bench.device, times=False), "after a rerun")
 
 
 class Save:
-    """Saving a document over an older one. The date of a load is part of the text, so the document
-    that is loaded carries one."""
+    """Saving a document over an older one."""
 
     name = "save"
 
@@ -135,7 +134,7 @@ class Save:
             file.write(text[:start] + '"recipes": [],\n  ' + text[end:])
         self.command = [bench.program, "--import", empty, "--out", bench.folder + "/nothing",
                         "--json", self.path]
-        robustness.run_well(self.command)
+        robustness.run_successfully(self.command)
         self.new = open(self.path).read()
         self.reset()
 
@@ -156,9 +155,9 @@ class Save:
 
     def check_repaired(self):
         age_temporaries(self.folder)
-        robustness.run_well(self.command)
+        robustness.run_successfully(self.command)
         check(open(self.path).read() == self.new, "the document differs after a rerun")
-        check(os.listdir(self.folder) == ["Kit001.json"], "something stays beside the document")
+        check(os.listdir(self.folder) == ["Kit001.json"], "a temporary file was left beside the document")
 
 
 JOBS = (Run, Stamp, Save)

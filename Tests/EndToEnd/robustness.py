@@ -26,35 +26,35 @@ def check(condition, message):
         raise Failed(message)
 
 
-def told(what):
+def describe(what):
     return what() if callable(what) else what
 
 
 def wait_until(condition, what, seconds=60.0):
-    """The first true result of `condition`; fails when there is none in time. `what` is waited for, a
-    text or a function that tells it at that moment."""
+    """Returns the first true result of `condition`; fails if there is none in time. `what` describes what is waited
+    for: a text, or a function that returns one and is called on failure."""
     deadline = time.monotonic() + seconds
     while True:
         result = condition()
         if result:
             return result
         if time.monotonic() > deadline:
-            raise Failed(f"timed out after {seconds:.0f} s: {told(what)}")
+            raise Failed(f"timed out after {seconds:.0f} s: {describe(what)}")
         time.sleep(0.01)
 
 
 def work_folder():
-    """A new folder; in memory unless TMPDIR says where: the sweeps flush thousands of times."""
+    """A new folder in TMPDIR, or in memory if that is not set: the sweeps call fsync() thousands of times."""
     in_memory = "TMPDIR" not in os.environ and os.access("/dev/shm", os.W_OK)
     return tempfile.mkdtemp(prefix="torvo-e2e-", dir="/dev/shm" if in_memory else None)
 
 
 def one_processor():
-    """From here on programs run on one processor, without helper threads, so that the n-th call of one
-    run is the n-th call of the next. It is one that no other sweep has, as long as there are enough."""
+    """Pins this process and its children to one processor: programs then start no worker threads, and the n-th
+    system call is the same in every run. Sweeps choose different processors as long as there are enough."""
     allowed = sorted(os.sched_getaffinity(0))
     for number in allowed:
-        # A lock on what the kernel shows of the processor; it ends with this process.
+        # The lock is released when this process ends.
         claim = os.open(f"/sys/devices/system/cpu/cpu{number}", os.O_RDONLY)
         try:
             fcntl.flock(claim, fcntl.LOCK_EX | fcntl.LOCK_NB)
@@ -104,7 +104,7 @@ def make_library(folder):
 
 
 def snapshot(folder, times=True):
-    """Every item below a folder: kind, permissions, time of change, and a hash of the content."""
+    """Maps every item below a folder to its mode, modification time and content hash."""
     items = {}
     for parent, folders, files in os.walk(folder):
         for name in ["."] * (parent == folder) + folders + files:
@@ -144,7 +144,7 @@ def run(command, **options):
                           errors="replace", timeout=120, check=False, **options)
 
 
-def run_well(command):
+def run_successfully(command):
     result = run(command)
     check(result.returncode == 0,
           "%s\nended with %d: %s" % (" ".join(command), result.returncode, result.stderr))
@@ -200,7 +200,7 @@ def stopped_child(tracer, log):
 
 
 def main(checks):
-    """Runs named checks; prints how each ended. Returns the exit code."""
+    """Runs named checks and prints each result. Returns the exit code."""
     failed = 0
     for name, function in checks:
         try:

@@ -1,7 +1,7 @@
 #!/usr/bin/env -S python3 -B
 """Reads a written device folder as the device does and compares it with the mapping document.
 
-Shares no code with the program: names, chunks and payload bytes are worked out here a second time.
+Shares no code with the program: names, chunks and payload bytes are implemented a second time.
 usage: verify_run.py DOCUMENT OUTPUT_FOLDER [--bits N] [--rate BYTE] [--filter CODE] [--cv 1,3]
 """
 
@@ -81,7 +81,7 @@ def put_options(p, channel, options):
 
 
 def stamped(file, channel, options):
-    """A whole file as it is after its stamp, for a channel or for none."""
+    """The bytes of a file after stamping it for a channel, or for none."""
     found = chunks(file)
     data_size = next(len(p) for i, _, p in found if i == b"data")
     at, old = next(((at, p) for i, at, p in found if i == b"busy"), (len(file), None))
@@ -161,7 +161,7 @@ def main():
     if found != expected:
         fail(f"the tree differs: {sorted(found ^ expected)[:10]}")
     print(f"{len(document['recipes'])} banks, {counts['copied']} copied, {counts['stamped again']} copied "
-          f"with an earlier stamp, {counts['converted']} converted files are right")
+          f"with an earlier stamp, {counts['converted']} converted files are correct")
 
 
 if __name__ == "__main__":

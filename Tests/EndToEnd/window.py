@@ -24,17 +24,17 @@ SOURCE_PANEL = "Choose a source sample folder"
 EXPORT_PANEL = "Export bank mapping JSON"
 IMPORT_PANEL = "Import bank mapping JSON"
 CREATED = "Random banks created"
-# Not the program's: Qt 6.8 tells of each object that was asked for after it had gone, fontconfig 2.15 of a home
-# that cannot be written to.
+# Not written by the program: Qt 6.8 reports every query of an accessible object that no longer exists, fontconfig
+# 2.15 a home folder that is not writable.
 LIBRARY_MESSAGES = re.compile(r"^(qt\.accessibility\.atspi: Could not find accessible on path: .*"
                               r"|Fontconfig error: No writable cache directories)\n", re.MULTILINE)
 PANEL_ROLES = {"alert", "dialog", "file-chooser"}
-MOST_STOPS = 60  # of the Tab key
+MAX_TAB_STOPS = 60
 
 
 def sanitizer_options():
-    """The system's keyboard library copies texts that have no end of their own: legal, but not under
-    the strict checks."""
+    """libxkbcommon calls string functions on text without a terminating null byte. They never read past its
+    length, but strict_string_checks reports them."""
     return os.environ.get("ASAN_OPTIONS", "") + ":strict_string_checks=0"
 
 
@@ -72,14 +72,14 @@ class Program:
         self._errors.close()
 
     def close_window(self):
-        """As the window manager does it. Returns the seconds until the process has ended."""
+        """Closes the window as a window manager does. Returns the seconds until the process has ended."""
         start = time.monotonic()
         self.desktop.ask_to_close(self.window_id())
         self.wait_ended()
         return time.monotonic() - start
 
     def window_id(self):
-        """Of the main window, on the screen."""
+        """The X11 window of the main window."""
         found = self.desktop.xdotool("search", "--sync", "--all", "--onlyvisible", "--pid",
                                      self.process.pid, "--name", f"^{TITLE}$")
         return int(found.split()[-1])
@@ -101,7 +101,7 @@ class Program:
             self.process.send_signal(signal.SIGCONT)
 
     def quit(self):
-        """Closes the window; the program ends well and has nothing to say."""
+        """Closes the window; the program exits with 0 and writes nothing to standard error."""
         self.close_window()
         check(self.process.returncode == 0, f"exit code {self.process.returncode}\n{self.errors()}")
         check(not self.errors(), f"the program wrote to standard error:\n{self.errors()}")
@@ -118,7 +118,7 @@ class Program:
                    f"the panel {title!r} to close")
 
     def answer_panel(self, title, path, button):
-        """Writes the path into the panel's field of names and presses the button."""
+        """Enters the path in the panel's file name field and presses the button."""
         panel = self.panel(title)
         field = panel.wait_for("text")
         field.set_text(path)
@@ -166,7 +166,7 @@ class Program:
     def tab_to(self, name, role="push-button", fits=lambda node: True):
         """Presses Tab until an object with this name and role that fits has the focus."""
         passed = []
-        for _ in range(MOST_STOPS):
+        for _ in range(MAX_TAB_STOPS):
             node = self.focused()
             if node and node.name == name and node.role == role and fits(node):
                 return node
@@ -176,8 +176,8 @@ class Program:
         raise Failed(f"Tab never reaches {role} {name!r}, only\n" + "\n".join(passed))
 
     def drop(self, *paths):
-        """Drags files from a window of another process onto the drop zone. Returns whether that
-        process was told that they have been taken."""
+        """Drags files from a window of another process onto the drop zone. Returns whether the drop was
+        accepted, as that process sees it."""
         desktop = self.desktop
         uris = ["file://" + urllib.parse.quote(path) for path in paths]
         source = desktop.spawn([sys.executable, os.path.join(HERE, "drag_source.py"), *uris],
@@ -190,9 +190,9 @@ class Program:
 
         try:
             expect("shown")
-            x, y = place_of_window(desktop, source.pid)
+            x, y = window_position(desktop, source.pid)
             desktop.xdotool("mousemove", x + 100, y + 100, "mousedown", 1)
-            # Beyond the distance that makes a press a drag.
+            # Further than the drag threshold.
             for step in range(1, 6):
                 desktop.xdotool("mousemove", x + 100 - 8 * step, y + 100)
             expect("begin")
@@ -210,7 +210,7 @@ class Program:
             source.wait()
 
 
-def place_of_window(desktop, pid):
+def window_position(desktop, pid):
     found = desktop.xdotool("search", "--sync", "--onlyvisible", "--pid", pid).split()
     lines = desktop.xdotool("getwindowgeometry", "--shell", found[0]).splitlines()
     values = dict(line.split("=") for line in lines)
@@ -218,7 +218,7 @@ def place_of_window(desktop, pid):
 
 
 class WindowTest(unittest.TestCase):
-    """Each test has programs of its own on the desktop that all tests of a file share."""
+    """Each test starts its own programs; all tests of a file share one desktop."""
 
     desktop = None
     program_path = None
@@ -231,13 +231,13 @@ class WindowTest(unittest.TestCase):
         return program
 
     def folder(self, *names):
-        """A new folder in a place of this test."""
+        """A new folder below the one of this test."""
         path = os.path.join(self.desktop.folder, self.id().rpartition(".")[2], *names)
         os.makedirs(path)
         return path
 
     def slow_library(self, name):
-        """Every sample has to be converted, and no two banks share many."""
+        """A library whose samples all need converting, with enough of them that banks share few."""
         library = self.folder(name)
         first = os.path.join(library, "Kicks", "kick.wav")
         os.mkdir(os.path.dirname(first))
@@ -275,7 +275,7 @@ class ResultWithPictures(unittest.TextTestResult):
             self.stream.writeln(f"no picture of the screen: {error}")
 
 
-def names_of_tests(wanted):
+def list_tests(wanted):
     """Prints the tests of the script, or those of the classes and tests that are named."""
     def flattened(suite):
         for test in suite:
@@ -298,11 +298,11 @@ def main():
     parser.add_argument("--list", action="store_true", help="name the tests and run none")
     options, rest = parser.parse_known_args()
     if options.list:
-        names_of_tests(rest)
+        list_tests(rest)
         return
     WindowTest.program_path = os.path.abspath(options.program)
     WindowTest.pictures = os.path.abspath(options.pictures)
-    check(os.access(WindowTest.program_path, os.X_OK), f"{options.program} is no program")
+    check(os.access(WindowTest.program_path, os.X_OK), f"{options.program} is not executable")
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     desktop = Desktop()
     try:
@@ -313,7 +313,7 @@ def main():
         test = unittest.main(argv=[sys.argv[0], *rest], exit=False, verbosity=2,
                              testRunner=unittest.TextTestRunner(resultclass=ResultWithPictures,
                                                                 verbosity=2))
-        ran_well = test.result.wasSuccessful() and test.result.testsRun > 0
+        succeeded = test.result.wasSuccessful() and test.result.testsRun > 0
     finally:
         desktop.stop()
-    sys.exit(0 if ran_well else 1)
+    sys.exit(0 if succeeded else 1)
