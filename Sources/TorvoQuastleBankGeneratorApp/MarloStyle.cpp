@@ -10,6 +10,7 @@
 #include "MarloTheme.h"
 
 #include <QComboBox>
+#include <QCursor>
 #include <QDialog>
 #include <QEvent>
 #include <QFocusFrame>
@@ -55,6 +56,12 @@ bool isFramedList(const QWidget* widget) {
 /// The window around the list of a combo box; its class is not public.
 bool isComboPopup(const QObject* object) {
     return object && object->inherits("QComboBoxPrivateContainer");
+}
+
+/// No event tells a box that the pointer has left it while its list was open.
+void endHover(QWidget& box) {
+    box.setAttribute(Qt::WA_UnderMouse, box.rect().contains(box.mapFromGlobal(QCursor::pos())));
+    box.update();
 }
 
 void paintCheckIndicator(QPainter& painter, const QStyleOption& option) {
@@ -161,10 +168,13 @@ void MarloStyle::polish(QWidget* widget) {
 }
 
 bool MarloStyle::eventFilter(QObject* watched, QEvent* event) {
-    // The list's window takes its mask off when it is resized.
-    if (event->type() == QEvent::Show && isComboPopup(watched)) {
+    if (isComboPopup(watched)) {
         auto* popup = static_cast<QWidget*>(watched);
-        popup->setMask(popupMask(popup->rect()));
+        // The list's window takes its mask off when it is resized.
+        if (event->type() == QEvent::Show)
+            popup->setMask(popupMask(popup->rect()));
+        else if (event->type() == QEvent::Hide)
+            endHover(*popup->parentWidget());
     }
     return QProxyStyle::eventFilter(watched, event);
 }

@@ -63,6 +63,25 @@ TEST(MarloStyle, listsTheChoicesOfAComboBoxBelowItsText) {
     box.hidePopup();
 }
 
+TEST(MarloStyle, aComboBoxIsNotLitAfterItsListClosedElsewhere) {
+    QComboBox box;
+    box.addItems({QStringLiteral("Off"), QStringLiteral("LP"), QStringLiteral("BP")});
+    box.setGeometry(50, 50, 200, 34);
+    box.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&box));
+    for (const bool staysOnTheBox : {false, true}) {
+        QCursor::setPos(box.mapToGlobal(box.rect().center()));
+        ASSERT_TRUE(waitUntil([&] { return box.underMouse(); }));
+        box.showPopup();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(box.view()->window()));
+        if (!staysOnTheBox)
+            QCursor::setPos(box.mapToGlobal(box.rect().bottomRight() + QPoint(60, 60)));
+        QApplication::processEvents();
+        box.hidePopup();
+        EXPECT_EQ(box.underMouse(), staysOnTheBox);
+    }
+}
+
 TEST(MarloStyle, menusAreRaisedPanels) {
     QMenu menu;
     QAction* first = menu.addAction(QStringLiteral("Import"));
