@@ -3,7 +3,6 @@
 #include "AppModel.h"
 #include "Binding.h"
 #include "Controls/DropZone.h"
-#include "Controls/FocusRing.h"
 #include "Controls/ScrollFade.h"
 #include "Controls/ThreeWayModeToggle.h"
 #include "MarloTheme.h"
@@ -54,7 +53,7 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
     layout->addWidget(makeStatus(model));
     new ScrollFade(*scrollArea_);
     setMargins(sideMargin, sideMargin, 0);
-    connect(new FocusRing(*this), &FocusRing::moved, this, &ContentView::bringIntoSight);
+    connect(&focusRing_, &FocusRing::moved, this, &ContentView::bringIntoSight);
     // Enter opens the panel right after the start; no ring before the first key.
     findChild<DropZone*>()->setFocus(Qt::NoFocusReason);
 }
@@ -114,6 +113,12 @@ bool ContentView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Resize)
         alignColumns();
     return QWidget::eventFilter(watched, event);
+}
+
+bool ContentView::focusNextPrevChild(bool next) {
+    QWidget* const focused = window()->focusWidget();
+    const bool isKept = focused && isAncestorOf(focused) && focusKeeper_.keep(*focused);
+    return !isKept && QWidget::focusNextPrevChild(next);
 }
 
 void ContentView::alignColumns() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Controls/FocusKeeper.h"
+#include "Controls/FocusRing.h"
 #include "Controls/FolderDrops.h"
 
 #include <QWidget>
@@ -34,6 +36,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     QWidget* makeScrolledColumn(AppModel& model);
@@ -44,6 +47,8 @@ private:
     void bringIntoSight(QWidget* control);
 
     FolderDrops drops_;
+    FocusRing focusRing_{*this};
+    FocusKeeper focusKeeper_{focusRing_};
     QVBoxLayout* column_ = nullptr;
     QVBoxLayout* footer_ = nullptr;
     QVBoxLayout* status_ = nullptr;

@@ -2,6 +2,7 @@
 #include "Support/ContentViewFixture.h"
 
 #include <QComboBox>
+#include <QListView>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QScrollArea>
@@ -124,6 +125,39 @@ TEST_F(FocusTest, doesNotJumpFromTheHiddenFolderButton) {
     model.clearSource();
     EXPECT_EQ(QApplication::focusWidget(), outputButton());
     EXPECT_EQ(ringed(), nullptr);
+}
+
+// A click into the list, and a ring at APPLY or a jump of the page when the next scan began.
+TEST_F(FocusTest, waitsForTheListWhileItsFolderIsScanned) {
+    for (int index = 0; index < 20; ++index)
+        folder.write("Kit A/Kick/notes " + std::to_string(index) + ".txt", "notes");
+    scan(drumKit());
+    view.resize(view.minimumSize());
+    auto* const list = section("ignoredFiles")->list();
+    auto* const bar = view.findChild<QScrollArea*>()->verticalScrollBar();
+    for (const auto reason : {Qt::MouseFocusReason, Qt::TabFocusReason}) {
+        section("ignoredFiles")->setExpanded(true);
+        settle();
+        list->clearFocus();
+        list->setFocus(reason);
+        QWidget* const ringedBefore = ringed();
+        EXPECT_EQ(ringedBefore, reason == Qt::TabFocusReason ? list : nullptr);
+        bar->setValue(bar->maximum() / 2);
+        const int scrolled = bar->value();
+        const auto gate = inspector->hold("Kit A");
+        model.setSourceFolder(drumKit());
+        settle();
+        ASSERT_FALSE(list->isVisible());
+        EXPECT_EQ(QApplication::focusWidget(), nullptr);
+        EXPECT_EQ(ringed(), nullptr);
+        EXPECT_EQ(bar->value(), scrolled);
+        gate->open();
+        waitForWork();
+        settle();
+        EXPECT_EQ(QApplication::focusWidget(), list);
+        EXPECT_EQ(ringed(), ringedBefore);
+        EXPECT_EQ(bar->value(), scrolled);
+    }
 }
 
 TEST_F(FocusTest, bringsItsControlIntoSight) {

@@ -8,17 +8,18 @@ namespace torvo::app {
 
 namespace {
 
-bool isKeyboard(Qt::FocusReason reason) {
+bool isKey(Qt::FocusReason reason) {
     return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-           reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
+           reason == Qt::ShortcutFocusReason;
 }
 
-} // namespace
-
+/// The focus goes or comes back without the user having moved it.
 bool isInterruption(Qt::FocusReason reason) {
     return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
            reason == Qt::MenuBarFocusReason;
 }
+
+} // namespace
 
 FocusRing::FocusRing(QWidget& window) : QObject(&window), window_(window) {
     qApp->installEventFilter(this);
@@ -32,7 +33,6 @@ void FocusRing::ring(QWidget& widget) {
     if (!frame_)
         frame_ = new QFocusFrame(&window_);
     frame_->setWidget(&widget);
-    Q_EMIT moved(&widget);
 }
 
 bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
@@ -50,8 +50,13 @@ bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
             frame_->setWidget(nullptr);
     } else if (event->type() == QEvent::FocusIn) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        if (isInterruption(reason) ? widget == interrupted_ : isKeyboard(reason))
+        const bool isRinged = isInterruption(reason)
+                                  ? widget == interrupted_
+                                  : isKey(reason) || reason == Qt::OtherFocusReason;
+        if (isRinged)
             ring(*widget);
+        if (isKey(reason))
+            Q_EMIT moved(widget);
     }
     return false;
 }

@@ -8,9 +8,6 @@ class QWidget;
 
 namespace torvo::app {
 
-/// The focus goes or comes back without the user having moved it.
-bool isInterruption(Qt::FocusReason reason);
-
 /// Draws one ring around whatever control of a window has the focus, as long as it came there by
 /// the keyboard; a click does not call for it.
 class FocusRing final : public QObject {
@@ -23,7 +20,7 @@ public:
     QWidget* ringed() const;
 
 Q_SIGNALS:
-    /// The keyboard has moved the focus to this control.
+    /// A key has moved the focus to this control.
     void moved(QWidget* to);
 
 protected:

@@ -107,9 +107,9 @@ void OutputCard::render() {
     const bool enabled = !model_.hasUnfinishedRun() &&
                          (updating ? model_.canApplyExistingBankMetadata()
                                    : model_.canGenerate() && showsReportOfSource(model_));
-    choose_->setShown(!updating);
+    choose_->setVisible(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
-    main_->setAvailable(enabled);
+    main_->setEnabled(enabled);
     // Intended: one hint, whatever the reason.
     main_->setToolTip(updating || enabled ? QString() : tr("Choose an output folder above!"));
 

@@ -84,7 +84,7 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
     bind(
         model, this,
         [this, card, chosen, name, path, clear, dropZone] {
-            clear->setAvailable(model_.canClearSource());
+            clear->setEnabled(model_.canClearSource());
             dropZone->setHint(sourceHint(model_));
             const auto& folder = model_.sourceFolder();
             dropZone->setQuiet(folder.has_value());
