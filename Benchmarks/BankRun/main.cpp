@@ -9,6 +9,7 @@
 #include "BankGenerator.h"
 #include "BankMappingStore.h"
 #include "Json.h"
+#include "Platform/SystemFileManager.h"
 #include "Platform/UnicodeText.h"
 #include "SampleScanner.h"
 #include "TorvoMetadata.h"

@@ -1,7 +1,7 @@
 #include "Inputs.h"
 
 #include "ChildProcess.h"
-#include "Platform/FileManager.h"
+#include "Platform/SystemFileManager.h"
 #include "SeededGenerator.h"
 #include "WavFixture.h"
 

@@ -2,7 +2,7 @@
 
 #include "Baselines.h"
 #include "ChildProcess.h"
-#include "Platform/FileManager.h"
+#include "Platform/SystemFileManager.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 #include "AppModel.h"
 
 #include "Models/Device.h"
-#include "Platform/FileManager.h"
+#include "Platform/SystemFileManager.h"
 #include "SourceFolder.h"
 
 #include <QRandomGenerator>

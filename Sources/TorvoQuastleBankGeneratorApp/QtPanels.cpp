@@ -1,6 +1,6 @@
 #include "QtPanels.h"
 
-#include "Platform/FileManager.h"
+#include "Platform/SystemFileManager.h"
 #include "Text.h"
 
 #include <QFile>

@@ -1,7 +1,8 @@
 #include "SourceFolder.h"
 
 #include "Models/Device.h"
-#include "Platform/FileManager.h"
+#include "Platform/FileOperations.h"
+#include "Platform/SystemFileManager.h"
 #include "Platform/UnicodeText.h"
 
 namespace torvo::app {

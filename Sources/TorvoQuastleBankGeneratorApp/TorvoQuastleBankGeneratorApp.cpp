@@ -7,6 +7,7 @@
 #include "ContentView.h"
 #include "MarloStyle.h"
 #include "MarloTheme.h"
+#include "Platform/SystemFileManager.h"
 #include "TorvoMetadata.h"
 
 #include <QApplication>

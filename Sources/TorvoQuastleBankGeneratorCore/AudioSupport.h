@@ -1,7 +1,8 @@
 #pragma once
 
 #include "Models/SampleRecords.h"
-#include "Platform/FileManager.h"
+#include "Platform/FileURL.h"
+#include "Platform/SystemFileManager.h"
 
 #include <cstddef>
 #include <memory>

@@ -5,6 +5,7 @@
 #include "Models/BankNameScheme.h"
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
+#include "Platform/FileOperations.h"
 #include "Platform/UnicodeText.h"
 #include "WriterLock.h"
 

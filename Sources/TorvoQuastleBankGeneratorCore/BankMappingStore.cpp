@@ -3,6 +3,7 @@
 #include "Json.h"
 #include "Models/DecodingError.h"
 #include "Models/GenerationError.h"
+#include "Platform/FileOperations.h"
 
 #include <cstdint>
 #include <span>

@@ -4,6 +4,8 @@
 #include "AudioSupport/RiffChunks.h"
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
+#include "Platform/FileOperations.h"
+#include "Platform/FolderWalk.h"
 
 #include <algorithm>
 #include <string_view>

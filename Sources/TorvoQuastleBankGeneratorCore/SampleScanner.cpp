@@ -1,6 +1,8 @@
 #include "SampleScanner.h"
 
 #include "Models/GenerationError.h"
+#include "Platform/FileOperations.h"
+#include "Platform/FolderWalk.h"
 #include "Platform/LoadedLibrary.h"
 #include "Platform/NotFound.h"
 #include "Platform/TaskGroup.h"

@@ -3,6 +3,7 @@
 #include "AudioSupport.h"
 #include "Models/SampleRecords.h"
 #include "Platform/FileManager.h"
+#include "Platform/FileURL.h"
 
 #include <memory>
 

@@ -3,6 +3,8 @@
 #include "AudioSupport/RiffChunks.h"
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
+#include "Platform/FileOperations.h"
+#include "Platform/FolderWalk.h"
 #include "Platform/Precondition.h"
 #include "Platform/UnicodeText.h"
 #include "WriterLock.h"
@@ -210,6 +212,14 @@ void copyBytes(const ByteSource& source, std::uint64_t offset, std::uint64_t siz
     }
 }
 
+/// Whether the item is a regular file or a link to one. A folder may be named "x.wav".
+bool isStampable(const FileManager& fileManager, const EnumeratedItem& item) {
+    if (item.kind != FileKind::symbolicLink)
+        return item.kind == FileKind::regular;
+    const auto target = fileManager.status(item.url.path());
+    return target && target->kind == FileKind::regular;
+}
+
 } // namespace
 
 TorvoWAVMetadataWriter::TorvoWAVMetadataWriter(std::shared_ptr<const FileManager> fileManager)
@@ -237,7 +247,8 @@ std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
     for (const auto& item : items) {
         if (item.kind == FileKind::directory)
             removeAbandonedTemporaries(*fileManager_, item.url.path());
-        if (text::lowercased(item.url.pathExtension()) != "wav" || !isStampable(item))
+        if (text::lowercased(item.url.pathExtension()) != "wav" ||
+            !isStampable(*fileManager_, item))
             continue;
         rewrite(item.url, options, channelNumber(item.url));
         ++written;
@@ -262,14 +273,6 @@ void TorvoWAVMetadataWriter::rewrite(const FileURL& file, const TorvoMetadataOpt
     };
     writeFileAtomically(*fileManager_, file.path(), write,
                         status ? std::optional(status->permissions) : std::nullopt);
-}
-
-/// Whether the item is a regular file or a link to one. A folder may be named "x.wav".
-bool TorvoWAVMetadataWriter::isStampable(const EnumeratedItem& item) const {
-    if (item.kind != FileKind::symbolicLink)
-        return item.kind == FileKind::regular;
-    const auto target = fileManager_->status(item.url.path());
-    return target && target->kind == FileKind::regular;
 }
 
 void TorvoWAVMetadataWriter::updateBusyChunk(std::vector<std::byte>& bytes,

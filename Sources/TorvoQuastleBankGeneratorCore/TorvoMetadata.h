@@ -1,7 +1,8 @@
 #pragma once
 
 #include "Models/TorvoMetadataOptions.h"
-#include "Platform/FileManager.h"
+#include "Platform/FileURL.h"
+#include "Platform/SystemFileManager.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -42,7 +43,6 @@ public:
 private:
     void rewrite(const FileURL& file, const TorvoMetadataOptions& options,
                  std::optional<std::int64_t> channel) const;
-    bool isStampable(const EnumeratedItem& item) const;
 
     std::shared_ptr<const FileManager> fileManager_;
 };

@@ -2,6 +2,7 @@
 
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
+#include "Platform/FileOperations.h"
 
 namespace torvo {
 

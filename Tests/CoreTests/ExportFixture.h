@@ -2,6 +2,7 @@
 
 #include "BankExporter.h"
 #include "FakeAudio.h"
+#include "Platform/SystemFileManager.h"
 #include "Samples.h"
 #include "TemporaryFolder.h"
 #include "TreeSnapshot.h"

@@ -1,5 +1,4 @@
 #include "FileKinds.h"
-#include "Platform/FileManager.h"
 #include "Thrown.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,5 @@
 #include "AudioSupport/RiffChunks.h"
+#include "Platform/SystemFileManager.h"
 #include "TemporaryFolder.h"
 #include "WavFixture.h"
 

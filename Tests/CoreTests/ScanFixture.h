@@ -2,6 +2,7 @@
 
 #include "FakeAudio.h"
 #include "Platform/LoadedLibrary.h"
+#include "Platform/SystemFileManager.h"
 #include "SampleScanner.h"
 #include "TemporaryFolder.h"
 

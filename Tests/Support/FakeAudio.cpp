@@ -1,6 +1,7 @@
 #include "FakeAudio.h"
 
 #include "Models/GenerationError.h"
+#include "Platform/SystemFileManager.h"
 #include "TemporaryFolder.h"
 #include "WavFixture.h"
 

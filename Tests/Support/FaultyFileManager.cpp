@@ -1,5 +1,7 @@
 #include "FaultyFileManager.h"
 
+#include "Platform/FileOperations.h"
+
 #include <utility>
 
 namespace torvo::test {

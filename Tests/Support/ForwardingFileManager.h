@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/FileManager.h"
+#include "Platform/SystemFileManager.h"
 
 #include <memory>
 

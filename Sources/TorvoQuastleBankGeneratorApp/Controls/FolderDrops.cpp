@@ -1,7 +1,7 @@
 #include "FolderDrops.h"
 
 #include "FileTransferPortal.h"
-#include "Platform/FileManager.h"
+#include "Platform/SystemFileManager.h"
 
 #include <QDragEnterEvent>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "Platform/FileManager.h"
+#include "Platform/SystemFileManager.h"
 
 #include <algorithm>
 #include <array>

@@ -2,6 +2,7 @@
 
 #include "ForgetfulFileManager.h"
 #include "Platform/Precondition.h"
+#include "Platform/SystemFileManager.h"
 #include "TorvoMetadata.h"
 #include "WavFixture.h"
 
