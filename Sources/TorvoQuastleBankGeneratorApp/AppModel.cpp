@@ -1,7 +1,6 @@
 #include "AppModel.h"
 
 #include "Models/Device.h"
-#include "Platform/SystemFileManager.h"
 #include "SourceFolder.h"
 
 #include <QRandomGenerator>
@@ -25,12 +24,14 @@ std::uint64_t drawSeed() {
 } // namespace
 
 AppModel::AppModel(SampleScanner scanner, BankGenerator generator, BankExporter exporter,
-                   BankMappingStore mappingStore, std::shared_ptr<Panels> panels)
+                   BankMappingStore mappingStore, std::shared_ptr<Panels> panels,
+                   std::shared_ptr<const FileManager> fileManager)
     : scanner_(std::move(scanner)),
       generator_(generator),
       exporter_(std::move(exporter)),
       mappingStore_(std::move(mappingStore)),
-      panels_(std::move(panels)) {}
+      panels_(std::move(panels)),
+      fileManager_(std::move(fileManager)) {}
 
 bool AppModel::isUpdatingExistingBank() const {
     return sourceFolder_ && isDeviceFolder(*sourceFolder_);
@@ -48,7 +49,7 @@ bool AppModel::canApplyExistingBankMetadata() const {
     if (!isUpdatingExistingBank() || isRunning())
         return false;
     try {
-        return systemFileManager()->status(sourceFolder_->path()).has_value();
+        return fileManager_->status(sourceFolder_->path()).has_value();
     } catch (const FileError&) {
         return false;
     }

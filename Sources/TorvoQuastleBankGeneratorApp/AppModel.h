@@ -6,6 +6,7 @@
 #include "BankMappingStore.h"
 #include "Models.h"
 #include "Panels.h"
+#include "Platform/FileManager.h"
 #include "SampleScanner.h"
 
 #include <QObject>
@@ -68,7 +69,8 @@ public:
     using RunState = std::variant<Running, Finished, FinishedMessage, Failed, Idle>;
 
     AppModel(SampleScanner scanner, BankGenerator generator, BankExporter exporter,
-             BankMappingStore mappingStore, std::shared_ptr<Panels> panels);
+             BankMappingStore mappingStore, std::shared_ptr<Panels> panels,
+             std::shared_ptr<const FileManager> fileManager);
 
     const std::optional<FileURL>& sourceFolder() const { return sourceFolder_; }
     const std::optional<FileURL>& exportFolder() const { return exportFolder_; }
@@ -157,6 +159,7 @@ private:
     const BankExporter exporter_;
     const BankMappingStore mappingStore_;
     const std::shared_ptr<Panels> panels_;
+    const std::shared_ptr<const FileManager> fileManager_;
 
     std::optional<FileURL> sourceFolder_;
     std::optional<FileURL> exportFolder_;

@@ -60,7 +60,8 @@ void installTheme() {
 
 TorvoQuastleBankGeneratorApp::TorvoQuastleBankGeneratorApp()
     : panels_(std::make_shared<QtPanels>()),
-      model_(makeScanner(), BankGenerator{}, makeExporter(), BankMappingStore{}, panels_) {
+      model_(makeScanner(), BankGenerator{}, makeExporter(), BankMappingStore{}, panels_,
+             systemFileManager()) {
     panels_->setWindow(&window_);
     window_.setWindowTitle(QString::fromLatin1(applicationName));
     // In the window from the start: moving there later would cost the view its focus.

@@ -1,9 +1,11 @@
 #include "AppModel.h"
+#include "ForwardingFileManager.h"
 #include "Support/AppFixture.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 
 using namespace torvo;
 using namespace torvo::app;
@@ -438,6 +440,29 @@ TEST_F(AppModelTest, appliesMetadataOnlyToAFolderThatExistsAndWhileNothingRuns) 
     EXPECT_TRUE(model.canApplyExistingBankMetadata());
     scan(drumKit());
     EXPECT_FALSE(model.canApplyExistingBankMetadata());
+}
+
+/// Has every item, or can inspect none.
+class FakeCard final : public ForwardingFileManager {
+public:
+    bool canBeInspected = true;
+
+    std::optional<FileStatus> status(const std::filesystem::path& path) const override {
+        if (!canBeInspected)
+            throw FileError(FileOperation::inspect, path, EIO);
+        return FileStatus();
+    }
+};
+
+TEST_F(AppModelTest, asksItsFileManagerWhetherTheDeviceFolderExists) {
+    const auto card = std::make_shared<FakeCard>();
+    AppModel onCard(SampleScanner(inspector, AudioCompatibilityEvaluator{}, card), BankGenerator{},
+                    BankExporter(card, preparer, TorvoWAVMetadataWriter{}), BankMappingStore{},
+                    panels, card);
+    onCard.setSourceFolder(FileURL::directory(folder / "QZT508"));
+    EXPECT_TRUE(onCard.canApplyExistingBankMetadata());
+    card->canBeInspected = false;
+    EXPECT_FALSE(onCard.canApplyExistingBankMetadata());
 }
 
 TEST(AppModelEnd, waitsForTheWorkThatStillRuns) {

@@ -83,7 +83,7 @@ AppFixture::AppFixture(Banks banks)
             BankExporter(banks == Banks::written ? systemFileManager()
                                                  : std::make_shared<ForgetfulFileManager>(),
                          preparer, TorvoWAVMetadataWriter{}),
-            BankMappingStore{}, panels) {}
+            BankMappingStore{}, panels, systemFileManager()) {}
 
 AppFixture::~AppFixture() {
     inspector->openAll();
