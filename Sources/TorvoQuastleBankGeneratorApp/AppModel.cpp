@@ -21,6 +21,15 @@ std::uint64_t drawSeed() {
     return seed;
 }
 
+/// False when the item cannot be inspected.
+bool itemExists(const FileManager& fileManager, const std::filesystem::path& path) {
+    try {
+        return fileManager.linkStatus(path).has_value();
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
 } // namespace
 
 AppModel::AppModel(SampleScanner scanner, BankGenerator generator, BankExporter exporter,
@@ -157,6 +166,33 @@ void AppModel::generateBanks() {
     });
 }
 
+void AppModel::inspectExportRoot() {
+    const auto root = isUpdatingExistingBank() ? std::nullopt : expectedExportRoot();
+    if (root != inspectedRoot_) {
+        // A card or share may answer late or never: its answer does not count any more.
+        inspection_ = nullptr;
+        inspectedRoot_ = root;
+        setReplacesExistingBanks(false);
+    }
+    if (!root)
+        return;
+    if (inspection_) {
+        inspection_->isOutdated = true;
+        return;
+    }
+    inspection_ = std::make_shared<Inspection>();
+    tasks_.start([this, inspection = inspection_, path = root->path(), fileManager = fileManager_] {
+        tasks_.postToMainThread([this, inspection, replaces = itemExists(*fileManager, path)] {
+            if (inspection != inspection_)
+                return;
+            inspection_ = nullptr;
+            setReplacesExistingBanks(replaces);
+            if (inspection->isOutdated)
+                inspectExportRoot();
+        });
+    });
+}
+
 void AppModel::startRun(std::function<Publication()> work, const Publication& begin) {
     const auto publishStart = [this, begin] {
         begin();
@@ -203,11 +239,13 @@ AppModel::CompletedExport AppModel::writeBanks(const BankExporter& exporter,
 void AppModel::assignSourceFolder(std::optional<FileURL> folder) {
     sourceFolder_ = std::move(folder);
     Q_EMIT sourceFolderChanged();
+    inspectExportRoot();
 }
 
 void AppModel::setExportFolder(std::optional<FileURL> folder) {
     exportFolder_ = std::move(folder);
     Q_EMIT exportFolderChanged();
+    inspectExportRoot();
 }
 
 void AppModel::assignGenerationMode(GenerationMode mode) {
@@ -232,16 +270,26 @@ void AppModel::setRunState(RunState state, std::optional<FileURL> failedFile) {
     runState_ = std::move(state);
     failedFile_ = std::move(failedFile);
     Q_EMIT runStateChanged();
+    if (!isRunning())
+        inspectExportRoot();
 }
 
 void AppModel::setCurrentDocument(std::shared_ptr<const BankMappingDocument> document) {
     currentDocument_ = std::move(document);
     Q_EMIT currentDocumentChanged();
+    inspectExportRoot();
 }
 
 void AppModel::setLastJSONURL(std::optional<FileURL> url) {
     lastJSONURL_ = std::move(url);
     Q_EMIT lastJSONURLChanged();
+}
+
+void AppModel::setReplacesExistingBanks(bool replaces) {
+    if (replaces == replacesExistingBanks_)
+        return;
+    replacesExistingBanks_ = replaces;
+    Q_EMIT replacesExistingBanksChanged();
 }
 
 } // namespace torvo::app

@@ -100,6 +100,10 @@ public:
     bool hasUnfinishedRun() const { return unfinishedRuns_ > 0; }
     /// The folder that a run writes into.
     std::optional<FileURL> expectedExportRoot() const;
+    /// GENERATE would replace what is in `expectedExportRoot` now. The folder is inspected in the
+    /// background after each change of its path and after each run: false until the answer is
+    /// there.
+    bool replacesExistingBanks() const { return replacesExistingBanks_; }
     /// Background work is in progress, results on their way to the main thread included.
     bool isBusy() const { return tasks_.isBusy(); }
 
@@ -119,6 +123,8 @@ public:
     void exportJSON();
     void importJSON();
     void applyMetadataToExistingBank();
+    /// Brings `replacesExistingBanks` up to date when other programs may have changed the folder.
+    void inspectExportRoot();
 
 Q_SIGNALS:
     void sourceFolderChanged();
@@ -129,8 +135,13 @@ Q_SIGNALS:
     void runStateChanged();
     void currentDocumentChanged();
     void lastJSONURLChanged();
+    void replacesExistingBanksChanged();
 
 private:
+    struct Inspection {
+        bool isOutdated = false; ///< another one was asked for meanwhile
+    };
+
     /// Writes the result of a run, on the main thread.
     using Publication = std::function<void()>;
 
@@ -143,6 +154,7 @@ private:
     Publication failure(const std::exception_ptr& error);
     void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
     void setLastJSONURL(std::optional<FileURL> url);
+    void setReplacesExistingBanks(bool replaces);
 
     /// Runs are carried out one at a time, so that two never write into one tree at once. `begin`
     /// is published with the start of the run, and again when the turn of one comes that had to
@@ -171,6 +183,9 @@ private:
     std::shared_ptr<const BankMappingDocument> currentDocument_;
     std::optional<FileURL> lastJSONURL_;
     int unfinishedRuns_ = 0;
+    std::optional<FileURL> inspectedRoot_;
+    std::shared_ptr<Inspection> inspection_; ///< of `inspectedRoot_`, while it is under way
+    bool replacesExistingBanks_ = false;
 
     /// Last, so that it waits for its work while everything above still stands.
     BackgroundTasks tasks_;

@@ -72,6 +72,11 @@ protected:
             waitForWork();
         }
         settled("scanned");
+        folder.createFolder("full/Kit A/QZT508");
+        model.setExportFolder(outputFolder("full"));
+        waitForWork();
+        ASSERT_TRUE(shows("exists, will be replaced"));
+        settled("to be replaced");
         model.setExportFolder(outputFolder());
         settled("ready");
         {

@@ -1,5 +1,6 @@
 #include "Controls/ElidedPathLabel.h"
 #include "Controls/MarloButton.h"
+#include "MarloTheme.h"
 #include "Support/ContentViewFixture.h"
 #include "Text.h"
 
@@ -19,7 +20,24 @@ namespace {
 
 const QString hint = QStringLiteral("Choose an output folder above!");
 
-class OutputCardTest : public testing::Test, protected ContentViewFixture {};
+class OutputCardTest : public testing::Test, protected ContentViewFixture {
+protected:
+    const char* note = "exists, will be replaced";
+
+    /// Where the banks of Kit A go.
+    std::filesystem::path target(const std::string& output = "out") const {
+        return folder / output / "Kit A/QZT508";
+    }
+    /// The user comes back from another window.
+    void reactivate() {
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+        view.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    }
+};
 
 } // namespace
 
@@ -224,4 +242,128 @@ TEST_F(OutputCardTest, keepsLongPathsWholeInTooltipAndClipboard) {
     EXPECT_EQ(QApplication::clipboard()->text(), target->path());
     model.setExportFolder(FileURL::directory("/short"));
     EXPECT_FALSE((target->focusPolicy() & Qt::TabFocus) != 0);
+}
+
+TEST_F(OutputCardTest, saysThatTheTargetWillBeReplaced) {
+    folder.createFolder("out/Kit A/QZT508");
+    scan(drumKit());
+    EXPECT_FALSE(shows(note));
+    model.setExportFolder(outputFolder("new"));
+    waitForWork();
+    EXPECT_FALSE(shows(note));
+    model.setExportFolder(outputFolder());
+    waitForWork();
+    ASSERT_TRUE(shows(note));
+    EXPECT_EQ(colorOf(note), MarloTheme::muted);
+    EXPECT_FALSE(label(QString::fromUtf8(note))->accessibleName().isEmpty());
+    // Another source, another target.
+    scan(drumKit("Kit B"));
+    EXPECT_FALSE(shows(note));
+    scan(drumKit());
+    EXPECT_TRUE(shows(note));
+    model.setExportFolder(std::nullopt);
+    EXPECT_FALSE(shows(note));
+}
+
+// The run deletes a link, a broken one, too.
+TEST_F(OutputCardTest, saysThatALinkWillBeReplaced) {
+    folder.createFolder("out/Kit A");
+    std::filesystem::create_symlink("nowhere", target());
+    prepareRun();
+    EXPECT_TRUE(shows(note));
+}
+
+TEST_F(OutputCardTest, replacesNothingWhereSettingsAreApplied) {
+    folder.createFolder("out/Kit A/QZT508");
+    prepareRun();
+    ASSERT_TRUE(shows(note));
+    model.setSourceFolder(FileURL::directory(target()));
+    waitForWork();
+    EXPECT_FALSE(shows(note));
+    reactivate();
+    waitForWork();
+    EXPECT_FALSE(shows(note));
+}
+
+TEST_F(OutputCardTest, asksForTheTargetAgainWhenTheWindowIsActivated) {
+    prepareRun();
+    folder.createFolder("out/Kit A/QZT508");
+    EXPECT_FALSE(shows(note));
+    reactivate();
+    waitForWork();
+    EXPECT_TRUE(shows(note));
+    std::filesystem::remove_all(target());
+    reactivate();
+    waitForWork();
+    EXPECT_FALSE(shows(note));
+}
+
+TEST_F(OutputCardTest, saysAfterARunThatTheNextOneReplacesIt) {
+    prepareRun();
+    const auto gate = preparer->holdBank(1);
+    model.generateBanks();
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(target()); }));
+    // What is being written now is not what will be replaced.
+    reactivate();
+    EXPECT_TRUE(waitUntil([this] { return model.replacesExistingBanks(); }));
+    EXPECT_FALSE(shows(note));
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(shows(note));
+}
+
+TEST_F(OutputCardTest, aTargetThatAnswersLateHoldsNothingUp) {
+    folder.createFolder("slow/Kit A/QZT508");
+    const auto slow = fileManager->holdInspection(target("slow"));
+    scan(drumKit());
+    model.setExportFolder(outputFolder("slow"));
+    EXPECT_TRUE(waitUntil([&] { return slow->isReached(); }));
+    EXPECT_FALSE(shows(note));
+    EXPECT_TRUE(mainButton()->isEnabled());
+    // Nor does it speak for another folder.
+    model.setExportFolder(outputFolder("fast"));
+    slow->open();
+    waitForWork();
+    EXPECT_FALSE(shows(note));
+
+    folder.createFolder("full/Kit A/QZT508");
+    const auto empty = fileManager->holdInspection(target("empty"));
+    model.setExportFolder(outputFolder("empty"));
+    EXPECT_TRUE(waitUntil([&] { return empty->isReached(); }));
+    model.setExportFolder(outputFolder("full"));
+    EXPECT_TRUE(waitUntil([this] { return shows(note); }));
+    empty->open();
+    waitForWork();
+    EXPECT_TRUE(shows(note));
+}
+
+TEST_F(OutputCardTest, asksAgainWhenSomethingChangedWhileItAsked) {
+    scan(drumKit());
+    const auto gate = fileManager->holdInspection(target());
+    model.setExportFolder(outputFolder());
+    ASSERT_TRUE(waitUntil([&] { return gate->isReached(); }));
+    folder.createFolder("out/Kit A/QZT508");
+    model.inspectExportRoot();
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(shows(note));
+}
+
+TEST_F(OutputCardTest, theNoteStandsRightAfterThePathAndStaysWhole) {
+    for (const std::string& output : {std::string("out"), std::string(200, 'o')}) {
+        SCOPED_TRACE(output);
+        folder.createFolder(output + "/Kit A/QZT508");
+        scan(drumKit());
+        model.setExportFolder(outputFolder(output));
+        waitForWork();
+        settle();
+        const auto* path = view.findChild<ElidedPathLabel*>(QStringLiteral("targetPath"));
+        const auto* text = label(QString::fromUtf8(note));
+        ASSERT_TRUE(text);
+        EXPECT_EQ(path->text() == path->path(), output == "out");
+        EXPECT_GE(path->width(), path->fontMetrics().horizontalAdvance(path->text()));
+        EXPECT_EQ(text->geometry().left(), path->geometry().right() + 1);
+        EXPECT_EQ(text->width(), text->sizeHint().width());
+        EXPECT_LE(text->geometry().right(), text->parentWidget()->rect().right());
+    }
 }

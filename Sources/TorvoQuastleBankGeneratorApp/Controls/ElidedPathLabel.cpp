@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QToolTip>
+#include <QtMath>
 
 namespace torvo::app {
 
@@ -23,11 +24,13 @@ void ElidedPathLabel::setPath(const QString& path, const QString& line) {
     path_ = path;
     line_ = line;
     setAccessibleName(path);
+    updateGeometry();
     elide();
 }
 
 QSize ElidedPathLabel::sizeHint() const {
-    return {fontMetrics().horizontalAdvance(line_), fontMetrics().height()};
+    // Rounded up: a width that is a fraction too small costs the text its middle.
+    return {qCeil(QFontMetricsF(font()).horizontalAdvance(line_)), fontMetrics().height()};
 }
 
 QSize ElidedPathLabel::minimumSizeHint() const {

@@ -45,8 +45,8 @@ ElidedPathLabel* makePath() {
     return path;
 }
 
-/// A caption with its path beside it.
-QWidget* makePathRow(const QString& caption, ElidedPathLabel* path) {
+/// A caption with its path beside it. A note comes right after the path, which gives way to it.
+QWidget* makePathRow(const QString& caption, ElidedPathLabel* path, QLabel* note = nullptr) {
     auto* title = makeCaption(caption);
     auto* container = new QWidget;
     auto* row = new QHBoxLayout(container);
@@ -54,7 +54,13 @@ QWidget* makePathRow(const QString& caption, ElidedPathLabel* path) {
     row->setSpacing(0);
     row->addWidget(title);
     row->addSpacing(captionGap);
-    row->addWidget(path, 1);
+    row->addWidget(path, note ? 0 : 1);
+    if (note) {
+        path->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+        note->setContentsMargins(captionGap, 0, 0, 0);
+        row->addWidget(note);
+        row->addStretch(1);
+    }
     return container;
 }
 
@@ -66,12 +72,16 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
       choose_(new MarloButton(tr("CHOOSE FOLDER"), MarloButton::Kind::ordinary)),
       main_(new MarloButton({}, MarloButton::Kind::prominent)),
       target_(makePath()),
+      replacement_(makeCaption(tr("exists, will be replaced"))),
       mappingFile_(makePath()),
       mappingRow_(makePathRow(tr("JSON"), mappingFile_)) {
     choose_->setObjectName(QStringLiteral("chooseExportFolder"));
     choose_->setAccessibleDescription(tr("Output folder"));
     main_->setObjectName(QStringLiteral("mainButton"));
     target_->setObjectName(QStringLiteral("targetPath"));
+    replacement_->setObjectName(QStringLiteral("replacement"));
+    replacement_->setAccessibleName(tr("The target exists and will be replaced"));
+    setAnnounced(*replacement_);
     mappingFile_->setObjectName(QStringLiteral("mappingFile"));
     setAnnounced(*mappingFile_);
 
@@ -80,7 +90,7 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     auto* mapping = new QHBoxLayout;
     mapping->addWidget(mappingRow_);
     auto* card = new Card(tr("OUTPUT"));
-    card->column()->addWidget(makePathRow(tr("TARGET"), target_));
+    card->column()->addWidget(makePathRow(tr("TARGET"), target_, replacement_));
     card->headerRow()->addSpacing(2 * MarloTheme::grid);
     card->headerRow()->addLayout(mapping, 1);
     card->headerRow()->addSpacing(MarloTheme::grid);
@@ -97,7 +107,8 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     bind(
         model, this, [this] { render(); }, &AppModel::sourceFolderChanged,
         &AppModel::exportFolderChanged, &AppModel::generationModeChanged,
-        &AppModel::scanStateChanged, &AppModel::runStateChanged, &AppModel::currentDocumentChanged);
+        &AppModel::scanStateChanged, &AppModel::runStateChanged, &AppModel::currentDocumentChanged,
+        &AppModel::replacesExistingBanksChanged);
     bind(
         model, this, [this] { renderMappingFile(); }, &AppModel::lastJSONURLChanged);
 }
@@ -116,6 +127,8 @@ void OutputCard::render() {
     target_->setPath(exportText(model_));
     const bool named = updating || model_.exportFolder();
     setTextColor(*target_, named ? MarloTheme::ink : MarloTheme::muted);
+    // What a run is writing is not what the next one replaces.
+    replacement_->setVisible(model_.replacesExistingBanks() && !model_.hasUnfinishedRun());
 }
 
 void OutputCard::renderMappingFile() {
@@ -144,8 +157,10 @@ void OutputCard::startMainAction() {
 
 bool OutputCard::event(QEvent* event) {
     // The user may come back from a file manager.
-    if (event->type() == QEvent::WindowActivate)
+    if (event->type() == QEvent::WindowActivate) {
         render();
+        model_.inspectExportRoot();
+    }
     return QWidget::event(event);
 }
 

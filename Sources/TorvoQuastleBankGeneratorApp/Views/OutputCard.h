@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+class QLabel;
+
 namespace torvo::app {
 
 class AppModel;
@@ -28,6 +30,7 @@ private:
     MarloButton* choose_;
     MarloButton* main_;
     ElidedPathLabel* target_;
+    QLabel* replacement_;
     ElidedPathLabel* mappingFile_;
     QWidget* mappingRow_;
 };

@@ -78,16 +78,17 @@ SamplePreparationMode GatedPreparer::prepare(const SampleCandidate& sample,
 
 AppFixture::AppFixture(Banks banks)
     : preparer(std::make_shared<GatedPreparer>(banks)),
+      fileManager(std::make_shared<GatedFileManager>(
+          banks == Banks::written ? systemFileManager()
+                                  : std::make_shared<ForgetfulFileManager>())),
       model(SampleScanner(inspector, AudioCompatibilityEvaluator{}, systemFileManager()),
-            BankGenerator{},
-            BankExporter(banks == Banks::written ? systemFileManager()
-                                                 : std::make_shared<ForgetfulFileManager>(),
-                         preparer, TorvoWAVMetadataWriter{}),
-            BankMappingStore{}, panels, systemFileManager()) {}
+            BankGenerator{}, BankExporter(fileManager, preparer, TorvoWAVMetadataWriter{}),
+            BankMappingStore{}, panels, fileManager) {}
 
 AppFixture::~AppFixture() {
     inspector->openAll();
     preparer->open();
+    fileManager->openAll();
 }
 
 FileURL AppFixture::drumKit(const std::string& name, int perRole) const {

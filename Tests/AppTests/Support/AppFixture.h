@@ -3,6 +3,7 @@
 #include "AppModel.h"
 #include "FakePanels.h"
 #include "Gate.h"
+#include "GatedFileManager.h"
 #include "TemporaryFolder.h"
 
 #include <cstdint>
@@ -58,6 +59,8 @@ struct AppFixture {
     std::shared_ptr<FakePanels> panels = std::make_shared<FakePanels>();
     std::shared_ptr<GatedInspector> inspector = std::make_shared<GatedInspector>();
     std::shared_ptr<GatedPreparer> preparer;
+    /// Of the model and its exporter.
+    std::shared_ptr<GatedFileManager> fileManager;
     app::AppModel model;
 
     explicit AppFixture(Banks banks = Banks::forgotten);

@@ -17,13 +17,21 @@ public:
     }
     void pass() const {
         std::unique_lock lock(mutex_);
+        isReached_ = true;
         opened_.wait(lock, [this] { return isOpen_; });
+    }
+
+    /// A thread came here, whether it was held back or not.
+    bool isReached() const {
+        const std::scoped_lock lock(mutex_);
+        return isReached_;
     }
 
 private:
     mutable std::mutex mutex_;
     mutable std::condition_variable opened_;
     bool isOpen_ = false;
+    mutable bool isReached_ = false;
 };
 
 } // namespace torvo::test

@@ -1,0 +1,49 @@
+#include "GatedFileManager.h"
+
+namespace torvo::test {
+
+namespace fs = std::filesystem;
+
+std::shared_ptr<Gate> GatedFileManager::holdInspection(const fs::path& path) {
+    return hold(inspections_, path);
+}
+
+std::shared_ptr<Gate> GatedFileManager::holdRemoval(const fs::path& path) {
+    return hold(removals_, path);
+}
+
+void GatedFileManager::openAll() {
+    const std::scoped_lock lock(mutex_);
+    for (const auto* gates : {&inspections_, &removals_})
+        for (const auto& [path, gate] : *gates)
+            gate->open();
+}
+
+std::optional<FileStatus> GatedFileManager::linkStatus(const fs::path& path) const {
+    auto status = ForwardingFileManager::linkStatus(path);
+    pass(inspections_, path);
+    return status;
+}
+
+void GatedFileManager::removeItem(const fs::path& path) const {
+    pass(removals_, path);
+    ForwardingFileManager::removeItem(path);
+}
+
+std::shared_ptr<Gate> GatedFileManager::hold(Gates& gates, const fs::path& path) {
+    const std::scoped_lock lock(mutex_);
+    return gates[path] = std::make_shared<Gate>();
+}
+
+void GatedFileManager::pass(const Gates& gates, const fs::path& path) const {
+    std::shared_ptr<Gate> gate;
+    {
+        const std::scoped_lock lock(mutex_);
+        if (const auto found = gates.find(path); found != gates.end())
+            gate = found->second;
+    }
+    if (gate)
+        gate->pass();
+}
+
+} // namespace torvo::test
