@@ -2,7 +2,6 @@
 
 #include "AudioSupport/OpenAudio.h"
 #include "AudioSupport/RiffChunks.h"
-#include "ForwardingFileManager.h"
 #include "Models/GenerationError.h"
 
 #include <algorithm>
@@ -21,52 +20,6 @@ namespace {
 std::string quoted(const std::string& text) {
     return "'" + text + "'";
 }
-
-class HookedFile final : public ForwardingFile {
-public:
-    HookedFile(std::unique_ptr<File> behind, fs::path path, std::shared_ptr<const FileHooks> hooks)
-        : ForwardingFile(std::move(behind)), path_(std::move(path)), hooks_(std::move(hooks)) {}
-
-    std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
-        if (hooks_->onRead)
-            hooks_->onRead(path_, {offset, bytes.size()});
-        return behind().read(offset, bytes);
-    }
-    void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
-        if (hooks_->onWrite)
-            hooks_->onWrite(path_, {offset, bytes.size()});
-        behind().write(offset, bytes);
-    }
-
-private:
-    fs::path path_;
-    std::shared_ptr<const FileHooks> hooks_;
-};
-
-class HookedFileManager final : public ForwardingFileManager {
-public:
-    explicit HookedFileManager(FileHooks hooks)
-        : hooks_(std::make_shared<const FileHooks>(std::move(hooks))) {}
-
-    void removeItem(const fs::path& path) const override {
-        if (hooks_->onRemove)
-            hooks_->onRemove(path);
-        behind().removeItem(path);
-    }
-    void copyItem(const fs::path& source, const fs::path& destination) const override {
-        if (hooks_->onCopy)
-            hooks_->onCopy(source);
-        behind().copyItem(source, destination);
-    }
-    std::unique_ptr<File> open(const fs::path& path, OpenMode mode) const override {
-        if (hooks_->onOpen)
-            hooks_->onOpen(path, mode);
-        return std::make_unique<HookedFile>(behind().open(path, mode), path, hooks_);
-    }
-
-private:
-    std::shared_ptr<const FileHooks> hooks_;
-};
 
 std::uint32_t byteCount(std::span<const std::int16_t> frames) {
     return static_cast<std::uint32_t>(2 * frames.size());
@@ -266,10 +219,6 @@ std::vector<std::int16_t> testSignal(std::size_t frameCount) {
                         9000 * std::cos(0.31 * time) * std::exp(-0.0002 * time)));
     }
     return frames;
-}
-
-std::shared_ptr<const FileManager> hookedFileManager(FileHooks hooks) {
-    return std::make_shared<HookedFileManager>(std::move(hooks));
 }
 
 } // namespace torvo::test

@@ -2,15 +2,12 @@
 
 #include "AiffFixture.h"
 #include "AudioSupport.h"
-#include "Platform/FileManager.h"
 #include "TemporaryFolder.h"
 #include "WavFixture.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <functional>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -87,22 +84,5 @@ std::vector<std::byte> wavOf(std::uint32_t sampleRate, std::span<const std::int1
 
 /// A loud signal without repetition, so that any shift is detected.
 std::vector<std::int16_t> testSignal(std::size_t frameCount);
-
-/// A part of a file, in bytes.
-struct FilePart {
-    std::uint64_t offset = 0;
-    std::size_t size = 0;
-};
-
-/// The real file system with hooks: each hook is called before the operation, and an exception from
-/// it replaces the operation. Reads and writes are those of files opened here.
-struct FileHooks {
-    std::function<void(const std::filesystem::path&, OpenMode)> onOpen = {};
-    std::function<void(const std::filesystem::path&, const FilePart&)> onRead = {};
-    std::function<void(const std::filesystem::path&, const FilePart&)> onWrite = {};
-    std::function<void(const std::filesystem::path&)> onRemove = {};
-    std::function<void(const std::filesystem::path&)> onCopy = {};
-};
-std::shared_ptr<const FileManager> hookedFileManager(FileHooks hooks);
 
 } // namespace torvo::test

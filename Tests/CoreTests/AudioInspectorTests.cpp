@@ -1,6 +1,9 @@
 #include "AudioFixtures.h"
+#include "ForwardingFileManager.h"
 #include "Models/GenerationError.h"
+#include "RecordingFileManager.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -310,10 +313,10 @@ TEST(AudioInspector, propagatesReadErrors) {
     folder.write("source.wav", wavOf(44100, testSignal(22050)));
     encode(folder, "source.wav", "", "a.flac");
     const AVAudioFileInspector inspector(
-        hookedFileManager({.onRead = [](const std::filesystem::path& path, const FilePart& part) {
-            if (part.offset > 0)
-                throw FileError(FileOperation::read, path, EIO);
-        }}));
+        std::make_shared<const ForwardingFileManager>([](const FileCall& call) {
+            if (call.function == "read" && call.offset > 0)
+                throw FileError(call.operation, call.path, EIO);
+        }));
     EXPECT_THROW(inspector.inspectAudioFile(FileURL(folder / "a.flac")), FileError);
     EXPECT_NO_THROW(inspector.inspectAudioFile(FileURL(folder / "source.wav")));
 }
@@ -321,14 +324,11 @@ TEST(AudioInspector, propagatesReadErrors) {
 TEST(AudioInspector, opensAWavFileOnceAndReadsOneBlock) {
     const TemporaryFolder folder;
     const auto path = folder.write("a.wav", wavOf(44100, testSignal(22050)));
-    int openings = 0;
-    int readings = 0;
-    const AVAudioFileInspector inspector(hookedFileManager(
-        {.onOpen = [&](const std::filesystem::path&, OpenMode) { ++openings; },
-         .onRead = [&](const std::filesystem::path&, const FilePart&) { ++readings; }}));
-    inspector.inspectAudioFile(FileURL(path));
-    EXPECT_EQ(openings, 1);
-    EXPECT_EQ(readings, 1);
+    const auto log = std::make_shared<FileCallLog>();
+    AVAudioFileInspector(std::make_shared<RecordingFileManager>(log))
+        .inspectAudioFile(FileURL(path));
+    EXPECT_THAT(log->described(folder.path(), {"open read", "read"}),
+                testing::ElementsAre("open read a.wav", "read a.wav"));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "AudioFixtures.h"
 #include "ExportFixture.h"
+#include "ForwardingFileManager.h"
 #include "Models/GenerationError.h"
 #include "RecordingFileManager.h"
 #include "Thrown.h"
@@ -153,12 +154,14 @@ TEST(ExportSafety, opensEveryFileOnceAndOneAtATime) {
     }
     const auto openBefore = openFileCount();
     std::ptrdiff_t mostOpen = 0;
-    const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
+    const auto failing = std::make_shared<const ForwardingFileManager>([&](const FileCall& call) {
         mostOpen = std::max(mostOpen, openFileCount() - openBefore);
-        if (call.operation == "removeItem")
-            throw FileError(FileOperation::remove, call.path, EIO);
+        if (call.function == "removeItem")
+            throw FileError(call.operation, call.path, EIO);
     });
-    EXPECT_TRUE(thrown<FileError>([&] { banks.run(std::make_shared<RecordingFileManager>(log)); }));
+    const auto log = std::make_shared<FileCallLog>();
+    EXPECT_TRUE(thrown<FileError>(
+        [&] { banks.run(std::make_shared<RecordingFileManager>(log, failing)); }));
     EXPECT_EQ(log->described(banks.folder.path(), {"open read"}), expected);
     EXPECT_LE(mostOpen, 2) << "one sample and the lock";
 }
@@ -306,15 +309,15 @@ TEST(WriterLock, isHeldFromTheDeletionToTheLastFlush) {
     const auto runFolder = banks.folder / "card/Kit";
     std::vector<std::string> unlocked;
     std::size_t checked = 0;
-    const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
-        if (call.operation != "removeItem" && call.operation != "flushVolume" &&
-            call.operation != "write" && call.operation != "replaceItem")
-            return;
-        ++checked;
-        if (HeldLock(runFolder).isHeld())
-            unlocked.push_back(call.operation);
-    });
-    const auto fileManager = std::make_shared<RecordingFileManager>(log);
+    const auto fileManager =
+        std::make_shared<const ForwardingFileManager>([&](const FileCall& call) {
+            if (call.function != "removeItem" && call.function != "flushVolume" &&
+                call.function != "write" && call.function != "replaceItem")
+                return;
+            ++checked;
+            if (HeldLock(runFolder).isHeld())
+                unlocked.push_back(call.function);
+        });
     banks.run(fileManager);
     EXPECT_GE(checked, 1U + 32U + 1U);
     checked = 0;
@@ -408,12 +411,12 @@ TEST(ExportOrder, reportsAFailedClose) {
     for (const std::string name : {"info.txt", "a.wav"}) {
         ExportFixture fixture;
         fixture.job.recipes = {fixture.bank(1, {"a"})};
-        const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
-            if (call.operation == "close" && call.path.filename() == name)
-                throw FileError(FileOperation::flush, call.path, EDQUOT);
-        });
-        const auto error =
-            thrown<FileError>([&] { fixture.run(std::make_shared<RecordingFileManager>(log)); });
+        const auto failing =
+            std::make_shared<const ForwardingFileManager>([&](const FileCall& call) {
+                if (call.function == "close" && call.path.filename() == name)
+                    throw FileError(call.operation, call.path, EDQUOT);
+            });
+        const auto error = thrown<FileError>([&] { fixture.run(failing); });
         ASSERT_TRUE(error) << name;
         EXPECT_EQ(error->path().filename(), name);
         EXPECT_EQ(error->code(), std::errc(EDQUOT));
@@ -423,13 +426,12 @@ TEST(ExportOrder, reportsAFailedClose) {
 TEST(ExportOrder, reportsACardRemovedAfterTheLastFlush) {
     ExportFixture fixture;
     bool isFlushed = false;
-    const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
-        isFlushed = isFlushed || call.operation == "flushVolume";
-        if (isFlushed && call.operation == "status")
-            throw FileError(FileOperation::inspect, call.path, ENODEV);
+    const auto removed = std::make_shared<const ForwardingFileManager>([&](const FileCall& call) {
+        isFlushed = isFlushed || call.function == "flushVolume";
+        if (isFlushed && call.function == "status")
+            throw FileError(call.operation, call.path, ENODEV);
     });
-    EXPECT_TRUE(
-        thrown<FileError>([&] { fixture.run(std::make_shared<RecordingFileManager>(log)); }));
+    EXPECT_TRUE(thrown<FileError>([&] { fixture.run(removed); }));
 }
 
 } // namespace

@@ -172,28 +172,24 @@ TEST(RemoveAbandonedTemporaries, usesTheClockOfTheFileSystem) {
 TEST(RemoveAbandonedTemporaries, keepsAllFilesWhenTheTimeIsUnknown) {
     const TemporaryFolder folder;
     age(folder.write(temporary, ""), 2 * oneDay);
-    const auto log = std::make_shared<FileCallLog>([](const FileCall& call) {
-        if (call.operation == "open createUnique")
-            throw FileError(FileOperation::write, call.path, EROFS);
-    });
-    removeAbandonedTemporaries(RecordingFileManager(log), folder.path());
+    removeAbandonedTemporaries(ForwardingFileManager(failing("open createUnique", EROFS)),
+                               folder.path());
     EXPECT_THAT(namesIn(folder.path()), ElementsAre(temporary));
 }
 
 TEST(WriteFileAtomically, leavesNoTemporaryFileOnBadAlloc) {
-    for (const auto* operation : {"open createUnique", "linkStatus", "setPermissions", "write",
-                                  "flush", "close", "replaceItem"}) {
+    for (const auto* function : {"open createUnique", "linkStatus", "setPermissions", "write",
+                                 "flush", "close", "replaceItem"}) {
         const TemporaryFolder folder;
         const auto path = folder.write("file", "old");
-        const auto log = std::make_shared<FileCallLog>([=](const FileCall& call) {
-            if (call.operation == operation)
+        const ForwardingFileManager outOfMemory([=](const FileCall& call) {
+            if (call.function == function)
                 throw std::bad_alloc();
         });
-        EXPECT_THROW(
-            writeFileAtomically(RecordingFileManager(log), path, bytes("new"), fs::perms(0604)),
-            std::bad_alloc)
-            << operation;
-        EXPECT_THAT(namesIn(folder.path()), ElementsAre("file")) << operation;
+        EXPECT_THROW(writeFileAtomically(outOfMemory, path, bytes("new"), fs::perms(0604)),
+                     std::bad_alloc)
+            << function;
+        EXPECT_THAT(namesIn(folder.path()), ElementsAre("file")) << function;
         EXPECT_EQ(textOf(path), "old");
     }
 }
@@ -237,13 +233,9 @@ TEST(WriteFileAtomically, succeedsOnFileSystemsWithoutPermissions) {
     for (const auto& row : rows) {
         const TemporaryFolder folder;
         const auto path = folder.write("file", "old");
-        const auto log = std::make_shared<FileCallLog>([&](const FileCall& call) {
-            if (call.operation == "setPermissions")
-                throw FileError(FileOperation::write, call.path, row.errorNumber);
-        });
-        const auto error = thrown<FileError>([&] {
-            writeFileAtomically(RecordingFileManager(log), path, bytes("new"), fs::perms(0604));
-        });
+        const ForwardingFileManager without(failing("setPermissions", row.errorNumber));
+        const auto error = thrown<FileError>(
+            [&] { writeFileAtomically(without, path, bytes("new"), fs::perms(0604)); });
         EXPECT_EQ(!error, row.goesOn) << row.errorNumber;
         EXPECT_EQ(textOf(path), row.goesOn ? "new" : "old") << row.errorNumber;
         EXPECT_THAT(namesIn(folder.path()), ElementsAre("file"));

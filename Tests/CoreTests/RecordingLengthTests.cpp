@@ -2,6 +2,7 @@
 // The large files are sparse and take no space.
 
 #include "AudioFixtures.h"
+#include "ForwardingFileManager.h"
 #include "Models/GenerationError.h"
 
 #include <gtest/gtest.h>
@@ -43,10 +44,10 @@ protected:
     /// Whether a conversion reaches its first frames.
     bool canBeConverted(const fs::path& path) const {
         const AVAudioSamplePreparer preparer(
-            hookedFileManager({.onWrite = [](const fs::path& written, const FilePart& part) {
-                if (part.offset > 0)
-                    throw FileError(FileOperation::write, written, ENOSPC);
-            }}));
+            std::make_shared<const ForwardingFileManager>([](const FileCall& call) {
+                if (call.function == "write" && call.offset > 0)
+                    throw FileError(call.operation, call.path, ENOSPC);
+            }));
         const auto failure = failureOf(preparer, sampleToConvert(path), folder / "out.wav");
         if (failure == "Unable to write converted audio data. (OSStatus -28)")
             return true;

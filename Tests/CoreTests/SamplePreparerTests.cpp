@@ -1,4 +1,5 @@
 #include "AudioFixtures.h"
+#include "ForwardingFileManager.h"
 
 #include <gtest/gtest.h>
 
@@ -7,6 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <string>
 
 namespace torvo::test {
@@ -14,8 +16,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-FileError failure(const fs::path& path, int errorNumber) {
-    return {FileOperation::read, path, errorNumber};
+/// Every "read" or every "write" behind the first `size` bytes of a file fails.
+AVAudioSamplePreparer failingBeyond(std::uint64_t size, const std::string& function,
+                                    int errorNumber) {
+    return AVAudioSamplePreparer(
+        std::make_shared<const ForwardingFileManager>([=](const FileCall& call) {
+            if (call.function == function && call.offset > size)
+                throw FileError(call.operation, call.path, errorNumber);
+        }));
 }
 
 TEST(SamplePreparer, copiesACompatibleFileByteForByte) {
@@ -133,11 +141,13 @@ TEST(SamplePreparer, convertsInBlocks) {
     for (const char* const name : {"a.wav", "a.aiff", "a.flac"}) {
         SCOPED_TRACE(name);
         std::map<std::string, std::size_t> largest; // parts by file name
-        const auto note = [&](const fs::path& path, const FilePart& part) {
-            auto& size = largest[path.filename()];
-            size = std::max(size, part.size);
-        };
-        const AVAudioSamplePreparer preparer(hookedFileManager({.onRead = note, .onWrite = note}));
+        const AVAudioSamplePreparer preparer(
+            std::make_shared<const ForwardingFileManager>([&](const FileCall& call) {
+                if (call.size > 0) {
+                    auto& size = largest[call.path.filename()];
+                    size = std::max(size, call.size);
+                }
+            }));
         preparer.prepare(sampleToConvert(folder / name), FileURL(folder / "b.wav"));
         ASSERT_GT(fs::file_size(folder / name), 4 * maxReadSize);
         EXPECT_LE(largest.at(name), maxReadSize);
@@ -149,11 +159,7 @@ TEST(SamplePreparer, convertsInBlocks) {
 TEST(SamplePreparer, reportsReadErrorsAndLeavesThePartialFile) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100'000));
-    const AVAudioSamplePreparer preparer(
-        hookedFileManager({.onRead = [](const fs::path& path, const FilePart& part) {
-            if (part.offset > 200'000)
-                throw failure(path, EIO);
-        }}));
+    const auto preparer = failingBeyond(200'000, "read", EIO);
     EXPECT_EQ(failureOf(preparer, sampleToConvert(source), folder / "b.wav"),
               "Unable to read source audio data. (OSStatus -5)");
     EXPECT_GT(fs::file_size(folder / "b.wav"), 44U);
@@ -163,11 +169,7 @@ TEST(SamplePreparer, reportsReadErrorsOfCompressedFiles) {
     const TemporaryFolder folder;
     folder.write("a.wav", wavOf(44100, testSignal(441'000)));
     encode(folder, "a.wav", "", "a.flac");
-    const AVAudioSamplePreparer preparer(
-        hookedFileManager({.onRead = [](const fs::path& path, const FilePart& part) {
-            if (part.offset > 100'000)
-                throw failure(path, EIO);
-        }}));
+    const auto preparer = failingBeyond(100'000, "read", EIO);
     ASSERT_GT(fs::file_size(folder / "a.flac"), 200'000U);
     EXPECT_EQ(failureOf(preparer, sampleToConvert(folder / "a.flac"), folder / "b.wav"),
               "Unable to read source audio data. (OSStatus -5)");
@@ -176,11 +178,7 @@ TEST(SamplePreparer, reportsReadErrorsOfCompressedFiles) {
 TEST(SamplePreparer, reportsWriteErrorsAndLeavesThePartialFile) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100'000));
-    const AVAudioSamplePreparer preparer(
-        hookedFileManager({.onWrite = [](const fs::path& path, const FilePart& part) {
-            if (part.offset > 100'000)
-                throw failure(path, ENOSPC);
-        }}));
+    const auto preparer = failingBeyond(100'000, "write", ENOSPC);
     EXPECT_EQ(failureOf(preparer, sampleToConvert(source), folder / "b.wav"),
               "Unable to write converted audio data. (OSStatus -28)");
     EXPECT_GT(fs::file_size(folder / "b.wav"), 100'000U);
@@ -189,9 +187,10 @@ TEST(SamplePreparer, reportsWriteErrorsAndLeavesThePartialFile) {
 TEST(SamplePreparer, propagatesFileManagerErrors) {
     const TemporaryFolder folder;
     const auto source = folder.write("a.wav", wavFile({44100, 2, 16}, 100));
-    const auto fail = [](const fs::path& path) { throw failure(path, EACCES); };
-    const AVAudioSamplePreparer cannotRemove(hookedFileManager({.onRemove = fail}));
-    const AVAudioSamplePreparer cannotCopy(hookedFileManager({.onCopy = fail}));
+    const AVAudioSamplePreparer cannotRemove(
+        std::make_shared<const ForwardingFileManager>(failing("removeItem", EACCES)));
+    const AVAudioSamplePreparer cannotCopy(
+        std::make_shared<const ForwardingFileManager>(failing("copyItem", EACCES)));
     const FileURL present(folder.write("b.wav", "old"));
     EXPECT_THROW(cannotRemove.prepare(sampleToCopy(source), present), FileError);
     EXPECT_THROW(cannotRemove.prepare(sampleToConvert(source), present), FileError);

@@ -2,6 +2,7 @@
 // card that is removed too early.
 
 #include "BankMappingStore.h"
+#include "ForwardingFileManager.h"
 #include "RecordingFileManager.h"
 #include "TemporaryFolder.h"
 #include "Thrown.h"
@@ -29,14 +30,6 @@ const std::vector<std::string> writing{
     "removeItem",        "copyItem",    "createDirectory", "flushDirectory",
     "flushVolume",       "open create", "status"};
 
-/// Makes every call of a function fail.
-FileCallLog::Hook failing(std::string operation, int errorNumber) {
-    return [=](const FileCall& call) {
-        if (call.operation == operation)
-            throw FileError(FileOperation::flush, call.path, errorNumber);
-    };
-}
-
 std::vector<std::byte> smallWav() {
     return riffFile({riffChunk("data", bytes("0123"))});
 }
@@ -59,8 +52,8 @@ TEST(WriteOrder, flushesClosesAndRenamesAStampedFileThenFlushesTheVolume) {
 TEST(WriteOrder, reportsAFailedCloseOfAStamp) {
     const TemporaryFolder folder;
     const auto path = folder.write("1/a.wav", smallWav());
-    const auto log = std::make_shared<FileCallLog>(failing("close", EDQUOT));
-    const TorvoWAVMetadataWriter writer(std::make_shared<RecordingFileManager>(log));
+    const TorvoWAVMetadataWriter writer(
+        std::make_shared<const ForwardingFileManager>(failing("close", EDQUOT)));
     const auto error = thrown<FileError>([&] { writer.apply({}, folder.url()); });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->path(), path);
@@ -109,16 +102,16 @@ TEST(WriteOrder, flushesClosesAndRenamesADocumentThenFlushesTheFolder) {
 }
 
 TEST(WriteOrder, reportsAFailedFlushOrCloseOfASave) {
-    for (const auto* operation : {"flush", "close", "replaceItem", "flushDirectory"}) {
+    for (const auto* function : {"flush", "close", "replaceItem", "flushDirectory"}) {
         const TemporaryFolder folder;
         const FileURL url(folder.write("Kit001.json", "old"));
-        const auto log = std::make_shared<FileCallLog>(failing(operation, EDQUOT));
-        const BankMappingStore store(std::make_shared<RecordingFileManager>(log));
+        const BankMappingStore store(
+            std::make_shared<const ForwardingFileManager>(failing(function, EDQUOT)));
         const auto error = thrown<FileError>([&] { store.exportDocument(smallDocument(), url); });
-        ASSERT_TRUE(error) << operation;
+        ASSERT_TRUE(error) << function;
         EXPECT_EQ(error->code(), std::errc(EDQUOT));
-        const bool isReplaced = std::string_view(operation) == "flushDirectory";
-        EXPECT_EQ(textOf(url.path()) == "old", !isReplaced) << operation;
+        const bool isReplaced = std::string_view(function) == "flushDirectory";
+        EXPECT_EQ(textOf(url.path()) == "old", !isReplaced) << function;
         EXPECT_EQ(systemFileManager()->contentsOfDirectory(folder.path()).size(), 1U);
     }
 }

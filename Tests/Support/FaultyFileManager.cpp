@@ -12,46 +12,21 @@ namespace {
 
 class FaultyFile final : public ForwardingFile {
 public:
-    FaultyFile(std::unique_ptr<File> behind, fs::path path, std::shared_ptr<FaultPlan> plan)
-        : ForwardingFile(std::move(behind)), path_(std::move(path)), plan_(std::move(plan)) {}
-
-    std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
-        plan_->check(FileOperation::read, path_);
-        return behind().read(offset, bytes);
-    }
+    FaultyFile(std::unique_ptr<File> behind, const fs::path& path, const FileHook& hook,
+               std::shared_ptr<FaultPlan> plan)
+        : ForwardingFile(std::move(behind), path, hook), plan_(std::move(plan)) {}
 
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
-        if (plan_->countsAndFails(FileOperation::write, path_)) {
+        if (plan_->countsAndFails(FileOperation::write, path())) {
             behind().write(offset, bytes.first(bytes.size() / 2));
-            throw FileError(FileOperation::write, path_, plan_->errorNumber());
+            throw FileError(FileOperation::write, path(), plan_->errorNumber());
         }
         behind().write(offset, bytes);
     }
 
-    std::uint64_t size() const override {
-        plan_->check(FileOperation::inspect, path_);
-        return behind().size();
-    }
-
-    void resize(std::uint64_t size) override {
-        plan_->check(FileOperation::write, path_);
-        behind().resize(size);
-    }
-
-    void setPermissions(fs::perms permissions) override {
-        plan_->check(FileOperation::write, path_);
-        behind().setPermissions(permissions);
-    }
-
-    void flush() override { plan_->check(FileOperation::flush, path_); }
-
-    void close() override {
-        behind().close();
-        plan_->check(FileOperation::flush, path_);
-    }
+    void flush() override { plan_->check(FileOperation::flush, path()); }
 
 private:
-    fs::path path_;
     std::shared_ptr<FaultPlan> plan_;
 };
 
@@ -87,43 +62,11 @@ std::vector<FileError> FaultPlan::faults() const {
 }
 
 FaultyFileManager::FaultyFileManager(std::shared_ptr<const FileManager> behind,
-                                     std::shared_ptr<FaultPlan> plan)
-    : ForwardingFileManager(std::move(behind)), plan_(std::move(plan)) {}
-
-std::optional<FileStatus> FaultyFileManager::linkStatus(const fs::path& path) const {
-    plan_->check(FileOperation::inspect, path);
-    return behind().linkStatus(path);
-}
-
-std::optional<FileStatus> FaultyFileManager::status(const fs::path& path) const {
-    plan_->check(FileOperation::inspect, path);
-    return behind().status(path);
-}
-
-fs::path FaultyFileManager::resolve(const fs::path& path) const {
-    plan_->check(FileOperation::read, path);
-    return behind().resolve(path);
-}
-
-fs::path FaultyFileManager::linkTarget(const fs::path& link) const {
-    plan_->check(FileOperation::inspect, link);
-    return behind().linkTarget(link);
-}
-
-std::vector<DirectoryEntry> FaultyFileManager::contentsOfDirectory(const fs::path& path) const {
-    plan_->check(FileOperation::list, path);
-    return behind().contentsOfDirectory(path);
-}
-
-void FaultyFileManager::createDirectory(const fs::path& path) const {
-    plan_->check(FileOperation::createFolder, path);
-    behind().createDirectory(path);
-}
-
-void FaultyFileManager::removeItem(const fs::path& path) const {
-    plan_->check(FileOperation::remove, path);
-    behind().removeItem(path);
-}
+                                     const std::shared_ptr<FaultPlan>& plan)
+    : ForwardingFileManager(
+          std::move(behind),
+          [plan](const FileCall& call) { plan->check(call.operation, call.path); }),
+      plan_(plan) {}
 
 void FaultyFileManager::copyItem(const fs::path& source, const fs::path& destination) const {
     if (plan_->countsAndFails(FileOperation::copy, destination)) {
@@ -133,15 +76,9 @@ void FaultyFileManager::copyItem(const fs::path& source, const fs::path& destina
     behind().copyItem(source, destination);
 }
 
-void FaultyFileManager::replaceItem(const fs::path& destination, const fs::path& source) const {
-    plan_->check(FileOperation::replace, destination);
-    behind().replaceItem(destination, source);
-}
-
-std::unique_ptr<File> FaultyFileManager::open(const fs::path& path, OpenMode mode) const {
-    const bool forReading = mode == OpenMode::read || mode == OpenMode::update;
-    plan_->check(forReading ? FileOperation::read : FileOperation::write, path);
-    return std::make_unique<FaultyFile>(behind().open(path, mode), path, plan_);
+std::unique_ptr<File> FaultyFileManager::wrapped(std::unique_ptr<File> file,
+                                                 const fs::path& path) const {
+    return std::make_unique<FaultyFile>(std::move(file), path, hook(), plan_);
 }
 
 bool FaultyFileManager::flushDirectory(const fs::path& path) const {
@@ -153,9 +90,8 @@ void FaultyFileManager::flushVolume(const fs::path& path) const {
     plan_->check(FileOperation::flush, path);
 }
 
-std::unique_ptr<FolderLock> FaultyFileManager::lockFolder(const fs::path& folder) const {
-    plan_->check(FileOperation::lock, folder);
-    return behind().lockFolder(folder);
+std::optional<std::uint64_t> FaultyFileManager::availableSpace(const fs::path& folder) const {
+    return behind().availableSpace(folder);
 }
 
 } // namespace torvo::test

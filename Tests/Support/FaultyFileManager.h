@@ -47,27 +47,22 @@ private:
 
 /// Injects faults between the program and the disk. A failing write has written its first half, and
 /// a file is closed even when `close` fails. Flushes are counted and may fail, but do not wait for
-/// the medium: no test here covers a power cut, and a sweep flushes thousands of times.
+/// the medium: no test here covers a power cut, and a sweep flushes thousands of times. Asking for
+/// the available space never fails.
 class FaultyFileManager final : public ForwardingFileManager {
 public:
-    FaultyFileManager(std::shared_ptr<const FileManager> behind, std::shared_ptr<FaultPlan> plan);
+    FaultyFileManager(std::shared_ptr<const FileManager> behind,
+                      const std::shared_ptr<FaultPlan>& plan);
 
-    std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
-    std::optional<FileStatus> status(const std::filesystem::path& path) const override;
-    std::filesystem::path resolve(const std::filesystem::path& path) const override;
-    std::filesystem::path linkTarget(const std::filesystem::path& link) const override;
-    std::vector<DirectoryEntry>
-    contentsOfDirectory(const std::filesystem::path& path) const override;
-    void createDirectory(const std::filesystem::path& path) const override;
-    void removeItem(const std::filesystem::path& path) const override;
     void copyItem(const std::filesystem::path& source,
                   const std::filesystem::path& destination) const override;
-    void replaceItem(const std::filesystem::path& destination,
-                     const std::filesystem::path& source) const override;
-    std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;
     bool flushDirectory(const std::filesystem::path& path) const override;
     void flushVolume(const std::filesystem::path& path) const override;
-    std::unique_ptr<FolderLock> lockFolder(const std::filesystem::path& folder) const override;
+    std::optional<std::uint64_t> availableSpace(const std::filesystem::path& folder) const override;
+
+protected:
+    std::unique_ptr<File> wrapped(std::unique_ptr<File> file,
+                                  const std::filesystem::path& path) const override;
 
 private:
     std::shared_ptr<FaultPlan> plan_;

@@ -2,14 +2,39 @@
 
 #include "Platform/SystemFileManager.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <memory>
+#include <string>
 
 namespace torvo::test {
+
+/// One call of a file manager or of a file that it opened.
+struct FileCall {
+    /// The function's name; for `open` the name of the mode ("read", "update", "create",
+    /// "createUnique") is added: "open update". A file's own `read` is "read".
+    std::string function;
+    std::filesystem::path path;                    ///< of a copy or a replacement: the destination
+    FileOperation operation = FileOperation::read; ///< that the `FileError` of a failure names
+    std::filesystem::path source = {};             ///< of a copy or a replacement
+    std::uint64_t offset = 0;                      ///< of a file's `read` or `write`
+    std::size_t size = 0;                          ///< of a file's `read` or `write`, in bytes
+};
+
+/// Called before each call is forwarded, but after the file was closed for `close`, from any
+/// thread. Its exceptions become those of the call.
+using FileHook = std::function<void(const FileCall&)>;
+
+/// Makes every call of a function fail; `errorNumber` is a value of `errno`.
+FileHook failing(const std::string& function, int errorNumber);
 
 /// Forwards every call to another file. Derived classes override some of them.
 class ForwardingFile : public File {
 public:
-    explicit ForwardingFile(std::unique_ptr<File> behind);
+    explicit ForwardingFile(std::unique_ptr<File> behind, std::filesystem::path path = {},
+                            FileHook hook = {});
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override;
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override;
@@ -21,15 +46,25 @@ public:
 
 protected:
     File& behind() const { return *behind_; }
+    const std::filesystem::path& path() const { return path_; }
 
 private:
+    void callHook(const char* function, FileOperation operation, std::uint64_t offset = 0,
+                  std::size_t size = 0) const;
+
     std::unique_ptr<File> behind_;
+    std::filesystem::path path_;
+    FileHook hook_;
 };
 
-/// Forwards every call to another file manager, including those of its files.
+/// Forwards every call to another file manager, including those of its files. Derived classes
+/// override what answers differently; the hook is told of every other call.
 class ForwardingFileManager : public FileManager {
 public:
-    explicit ForwardingFileManager(std::shared_ptr<const FileManager> behind = systemFileManager());
+    explicit ForwardingFileManager(std::shared_ptr<const FileManager> behind = systemFileManager(),
+                                   FileHook hook = {});
+    /// The operating system's files with a hook.
+    explicit ForwardingFileManager(FileHook hook);
 
     std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
     std::optional<FileStatus> status(const std::filesystem::path& path) const override;
@@ -51,9 +86,17 @@ public:
 
 protected:
     const FileManager& behind() const { return *behind_; }
+    const FileHook& hook() const { return hook_; }
+    /// The file that `open` returns for one of the file manager behind.
+    virtual std::unique_ptr<File> wrapped(std::unique_ptr<File> file,
+                                          const std::filesystem::path& path) const;
 
 private:
+    void callHook(const char* function, FileOperation operation, const std::filesystem::path& path,
+                  const std::filesystem::path& source = {}) const;
+
     std::shared_ptr<const FileManager> behind_;
+    FileHook hook_;
 };
 
 } // namespace torvo::test
