@@ -8,11 +8,46 @@ namespace torvo {
 
 namespace {
 
+/// A case of an enumeration with its names.
+template <typename Case>
+struct Names {
+    Case value;
+    std::string_view rawValue;
+    std::string_view displayName;
+};
+
+constexpr std::array<Names<ChannelRole>, allChannelRoles.size()> channelRoles{{
+    {ChannelRole::kick, "kick", "Kick"},
+    {ChannelRole::closedHat, "closedHat", "Closed Hat"},
+    {ChannelRole::openHat, "openHat", "Open Hat"},
+    {ChannelRole::snare, "snare", "Snare"},
+    {ChannelRole::clap, "clap", "Clap"},
+    {ChannelRole::perc, "perc", "Perc"},
+    {ChannelRole::loop, "loop", "Loop"},
+    {ChannelRole::stab, "stab", "Stab"},
+}};
+
+constexpr std::array<Names<GenerationMode>, allGenerationModes.size()> generationModes{{
+    {GenerationMode::drums, "drums", "Drums"},
+    {GenerationMode::loops, "loops", "Loops"},
+    {GenerationMode::stabs, "stabs", "Stabs"},
+}};
+
+static_assert(std::ranges::equal(channelRoles, allChannelRoles, {}, &Names<ChannelRole>::value));
+static_assert(std::ranges::equal(generationModes, allGenerationModes, {},
+                                 &Names<GenerationMode>::value));
+
 template <typename Case, std::size_t count>
-std::optional<Case> withRawValue(const std::array<Case, count>& all, std::string_view wanted) {
-    const auto found =
-        std::ranges::find_if(all, [&](Case value) { return rawValue(value) == wanted; });
-    return found == all.end() ? std::nullopt : std::optional(*found);
+Names<Case> namesOf(const std::array<Names<Case>, count>& table, Case value) {
+    const auto found = std::ranges::find(table, value, &Names<Case>::value);
+    return found == table.end() ? Names<Case>{value, {}, {}} : *found;
+}
+
+template <typename Case, std::size_t count>
+std::optional<Case> withRawValue(const std::array<Names<Case>, count>& table,
+                                 std::string_view wanted) {
+    const auto found = std::ranges::find(table, wanted, &Names<Case>::rawValue);
+    return found == table.end() ? std::nullopt : std::optional(found->value);
 }
 
 /// A template with one role for all eight channels, labelled with the role name and the channel
@@ -29,51 +64,15 @@ GenerationTemplate uniformTemplate(std::string name, ChannelRole role) {
 } // namespace
 
 std::string_view rawValue(ChannelRole role) {
-    switch (role) {
-    case ChannelRole::kick:
-        return "kick";
-    case ChannelRole::closedHat:
-        return "closedHat";
-    case ChannelRole::openHat:
-        return "openHat";
-    case ChannelRole::snare:
-        return "snare";
-    case ChannelRole::clap:
-        return "clap";
-    case ChannelRole::perc:
-        return "perc";
-    case ChannelRole::loop:
-        return "loop";
-    case ChannelRole::stab:
-        return "stab";
-    }
-    return {};
+    return namesOf(channelRoles, role).rawValue;
 }
 
 std::string_view displayName(ChannelRole role) {
-    switch (role) {
-    case ChannelRole::kick:
-        return "Kick";
-    case ChannelRole::closedHat:
-        return "Closed Hat";
-    case ChannelRole::openHat:
-        return "Open Hat";
-    case ChannelRole::snare:
-        return "Snare";
-    case ChannelRole::clap:
-        return "Clap";
-    case ChannelRole::perc:
-        return "Perc";
-    case ChannelRole::loop:
-        return "Loop";
-    case ChannelRole::stab:
-        return "Stab";
-    }
-    return {};
+    return namesOf(channelRoles, role).displayName;
 }
 
 std::optional<ChannelRole> channelRole(std::string_view rawValue) {
-    return withRawValue(allChannelRoles, rawValue);
+    return withRawValue(channelRoles, rawValue);
 }
 
 const GenerationTemplate& GenerationTemplate::torvoV1() {
@@ -101,31 +100,15 @@ const GenerationTemplate& GenerationTemplate::torvoStabsV1() {
 }
 
 std::string_view rawValue(GenerationMode mode) {
-    switch (mode) {
-    case GenerationMode::drums:
-        return "drums";
-    case GenerationMode::loops:
-        return "loops";
-    case GenerationMode::stabs:
-        return "stabs";
-    }
-    return {};
+    return namesOf(generationModes, mode).rawValue;
 }
 
 std::string_view displayName(GenerationMode mode) {
-    switch (mode) {
-    case GenerationMode::drums:
-        return "Drums";
-    case GenerationMode::loops:
-        return "Loops";
-    case GenerationMode::stabs:
-        return "Stabs";
-    }
-    return {};
+    return namesOf(generationModes, mode).displayName;
 }
 
 std::optional<GenerationMode> generationMode(std::string_view rawValue) {
-    return withRawValue(allGenerationModes, rawValue);
+    return withRawValue(generationModes, rawValue);
 }
 
 const GenerationTemplate& generationTemplate(GenerationMode mode) {
