@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -267,11 +266,11 @@ public:
     }
 
     fs::path resolve(const fs::path& path) const override {
-        const std::unique_ptr<char, decltype(&std::free)> resolved(
-            ::realpath(path.c_str(), nullptr), &std::free);
-        if (!resolved)
-            throw FileError(FileOperation::read, path, errno);
-        return resolved.get();
+        std::error_code code;
+        auto resolved = fs::canonical(path, code);
+        if (code)
+            throw FileError(FileOperation::read, path, code);
+        return resolved;
     }
 
     fs::path linkTarget(const fs::path& link) const override {
