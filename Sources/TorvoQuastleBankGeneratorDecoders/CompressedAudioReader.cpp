@@ -144,11 +144,9 @@ SoundExtent musepackExtent(const ByteSource& bytes, std::uint64_t offset) {
     return {filterDelay + static_cast<std::size_t>(silence), sampleCount - silence};
 }
 
-} // namespace
-
-class CompressedAudioReader::Decoder {
+class CompressedAudioReader final : public AudioReader {
 public:
-    Decoder(const ByteSource& bytes, const AudioFileType& type)
+    CompressedAudioReader(const ByteSource& bytes, const AudioFileType& type)
         : byteCount_(bytes.size()),
           input_(bytes, type),
           stream_(chooseStream(input_.context())),
@@ -179,11 +177,11 @@ public:
         framesLeft_ = declaredFrames_;
     }
 
-    const AudioStreamFormat& format() const { return format_; }
+    const AudioStreamFormat& format() const override { return format_; }
 
     /// The declared length, limited to what the size of the file allows: programs that write to a
     /// pipe do not know the length and declare the maximum.
-    std::optional<std::uint64_t> expectedFrames() const {
+    std::optional<std::uint64_t> expectedFrameCount() const override {
         if (isUncompressed(encoding_)) {
             const auto frameSize =
                 static_cast<std::uint64_t>(format_.channels * encoding_.bitDepth / 8);
@@ -201,7 +199,7 @@ public:
         return isCredible ? frames : std::nullopt;
     }
 
-    std::size_t read(std::span<double> frames) {
+    std::size_t read(std::span<double> frames) override {
         if (framesLeft_ && *framesLeft_ < frames.size())
             frames = frames.first(static_cast<std::size_t>(*framesLeft_));
         std::size_t done = 0;
@@ -385,21 +383,11 @@ private:
     bool isDraining_ = false;
 };
 
-CompressedAudioReader::CompressedAudioReader(const ByteSource& bytes, const AudioFileType& type)
-    : decoder_(std::make_unique<Decoder>(bytes, type)) {}
+} // namespace
 
-CompressedAudioReader::~CompressedAudioReader() = default;
-
-const AudioStreamFormat& CompressedAudioReader::format() const {
-    return decoder_->format();
-}
-
-std::optional<std::uint64_t> CompressedAudioReader::expectedFrameCount() const {
-    return decoder_->expectedFrames();
-}
-
-std::size_t CompressedAudioReader::read(std::span<double> frames) {
-    return decoder_->read(frames);
+std::unique_ptr<AudioReader> makeCompressedAudioReader(const ByteSource& bytes,
+                                                       const AudioFileType& type) {
+    return std::make_unique<CompressedAudioReader>(bytes, type);
 }
 
 } // namespace torvo

@@ -8,5 +8,5 @@ __attribute__((visibility("default"))) const char* torvoBuildStamp() {
 
 __attribute__((visibility("default"))) torvo::AudioReader*
 torvoOpenCompressedAudio(const torvo::ByteSource& bytes, const torvo::AudioFileType& type) {
-    return std::make_unique<torvo::CompressedAudioReader>(bytes, type).release();
+    return torvo::makeCompressedAudioReader(bytes, type).release();
 }
