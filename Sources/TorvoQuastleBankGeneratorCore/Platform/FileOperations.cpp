@@ -1,6 +1,7 @@
 #include "Platform/FileOperations.h"
 
 #include "Platform/NotFound.h"
+#include "Platform/TemporaryFile.h"
 #include "Platform/TemporaryName.h"
 
 #include <algorithm>
@@ -15,79 +16,6 @@ namespace torvo {
 namespace fs = std::filesystem;
 
 namespace {
-
-/// A new file that the destructor removes unless `replace` succeeded.
-class TemporaryFile {
-public:
-    TemporaryFile(const FileManager& fileManager, fs::path path)
-        : fileManager_(fileManager),
-          path_(std::move(path)),
-          removal_(fileManager_, path_),
-          file_(fileManager_.open(path_, OpenMode::createUnique)) {}
-
-    File& content() { return *file_; }
-
-    FileStatus status() const {
-        const auto status = fileManager_.linkStatus(path_);
-        if (!status)
-            throw FileError(FileOperation::inspect, path_, ENOENT);
-        return *status;
-    }
-
-    /// Ignores the error of file systems without permissions, such as FAT and many network shares.
-    void setPermissions(fs::perms permissions) {
-        if (status().permissions == permissions)
-            return;
-        try {
-            file_->setPermissions(permissions);
-        } catch (const FileError& error) {
-            if (!isUnsupported(error))
-                throw;
-        }
-    }
-
-    void replace(const fs::path& destination) {
-        fileManager_.replaceItem(destination, path_);
-        removal_.cancel();
-    }
-
-private:
-    /// Constructed before the file is opened, because open() may create the file and still fail.
-    class Removal {
-    public:
-        Removal(const FileManager& fileManager, const fs::path& path)
-            : fileManager_(fileManager), path_(path) {}
-        ~Removal() {
-            if (isCancelled_)
-                return;
-            try {
-                fileManager_.removeItem(path_);
-            } catch (const std::exception&) {
-                // The original error is reported instead.
-            }
-        }
-        Removal(const Removal&) = delete;
-        Removal& operator=(const Removal&) = delete;
-        void cancel() { isCancelled_ = true; }
-
-    private:
-        const FileManager& fileManager_;
-        const fs::path& path_;
-        bool isCancelled_ = false;
-    };
-
-    static bool isUnsupported(const FileError& error) {
-        return error.code() == std::errc::operation_not_permitted ||
-               error.code() == std::errc::permission_denied ||
-               error.code() == std::errc::operation_not_supported ||
-               error.code() == std::errc::function_not_supported;
-    }
-
-    const FileManager& fileManager_;
-    fs::path path_;
-    Removal removal_;
-    std::unique_ptr<File> file_;
-};
 
 /// The current time by the clock of the file system that holds `folder`. The clock of a file server
 /// may differ from the local clock.
@@ -120,22 +48,10 @@ std::vector<std::byte> readFile(const FileManager& fileManager, const fs::path& 
 void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
                          const std::function<void(File&)>& write,
                          std::optional<fs::perms> permissions) {
-    const auto temporary = path.parent_path() / temporaryName();
-    try {
-        TemporaryFile file(fileManager, temporary);
-        if (permissions)
-            file.setPermissions(*permissions);
-        write(file.content());
-        file.content().flush();
-        file.content().close();
-        file.replace(path);
-    } catch (const FileError& error) {
-        // Replace the path of the temporary file, which the user does not know. Errors of files
-        // that `write` reads keep their own path.
-        if (error.path() != temporary && error.operation() != FileOperation::replace)
-            throw;
-        throw FileError(FileOperation::write, path, error.code());
-    }
+    writeTemporaryFile(fileManager, path, permissions, [&write](File& file) {
+        write(file);
+        file.flush();
+    })->replace(path);
 }
 
 void writeFileAtomically(const FileManager& fileManager, const fs::path& path,
