@@ -121,6 +121,10 @@ bool MemoryFileManager::flushDirectory(const fs::path&) const {
 
 void MemoryFileManager::flushVolume(const fs::path&) const {}
 
+bool MemoryFileManager::volumeFlushCoversFiles(const fs::path&) const {
+    return true;
+}
+
 std::unique_ptr<FolderLock> MemoryFileManager::lockFolder(const fs::path&) const {
     return std::make_unique<FolderLock>();
 }

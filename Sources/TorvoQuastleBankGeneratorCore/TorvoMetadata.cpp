@@ -4,6 +4,7 @@
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/FileOperations.h"
+#include "Platform/FileReplacements.h"
 #include "Platform/FolderWalk.h"
 #include "Platform/Precondition.h"
 #include "Platform/UnicodeText.h"
@@ -228,7 +229,10 @@ TorvoWAVMetadataWriter::TorvoWAVMetadataWriter(std::shared_ptr<const FileManager
 void TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options, const FileURL& file,
                                    std::optional<std::int64_t> channel) const {
     removeAbandonedTemporaries(*fileManager_, file.path().parent_path());
-    rewrite(file, options, channel);
+    rewrite(file, options, channel,
+            [this](const auto& path, const auto& write, const auto& permissions) {
+                writeFileAtomically(*fileManager_, path, write, permissions);
+            });
 }
 
 std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
@@ -243,22 +247,37 @@ std::int64_t TorvoWAVMetadataWriter::apply(const TorvoMetadataOptions& options,
         return 0;
     const MountGuard guard(fileManager_, folder.path());
     removeAbandonedTemporaries(*fileManager_, folder.path());
+    FileReplacements replacements(*fileManager_);
+    const auto replace = [&replacements](const auto& path, const auto& write,
+                                         const auto& permissions) {
+        replacements.add(path, write, permissions);
+    };
     std::int64_t written = 0;
-    for (const auto& item : items) {
-        if (item.kind == FileKind::directory)
-            removeAbandonedTemporaries(*fileManager_, item.url.path());
-        if (text::lowercased(item.url.pathExtension()) != "wav" ||
-            !isStampable(*fileManager_, item))
-            continue;
-        rewrite(item.url, options, channelNumber(item.url));
-        ++written;
+    try {
+        for (const auto& item : items) {
+            if (item.kind == FileKind::directory)
+                removeAbandonedTemporaries(*fileManager_, item.url.path());
+            if (text::lowercased(item.url.pathExtension()) != "wav" ||
+                !isStampable(*fileManager_, item))
+                continue;
+            // The target may be a file whose new version is not in place yet.
+            if (item.kind == FileKind::symbolicLink)
+                replacements.commit();
+            rewrite(item.url, options, channelNumber(item.url), replace);
+            ++written;
+        }
+    } catch (...) {
+        replacements.commit();
+        throw;
     }
+    replacements.commit();
     guard.flush();
     return written;
 }
 
 void TorvoWAVMetadataWriter::rewrite(const FileURL& file, const TorvoMetadataOptions& options,
-                                     std::optional<std::int64_t> channel) const {
+                                     std::optional<std::int64_t> channel,
+                                     const Replace& replace) const {
     const auto status = fileManager_->status(file.path());
     const auto original = fileManager_->open(file.path(), OpenMode::read);
     const FileByteSource source(*original);
@@ -271,8 +290,7 @@ void TorvoWAVMetadataWriter::rewrite(const FileURL& file, const TorvoMetadataOpt
         copyBytes(source, replacedEnd, source.size() - replacedEnd, file, stamped,
                   edit.offset + edit.bytes.size());
     };
-    writeFileAtomically(*fileManager_, file.path(), write,
-                        status ? std::optional(status->permissions) : std::nullopt);
+    replace(file.path(), write, status ? std::optional(status->permissions) : std::nullopt);
 }
 
 void TorvoWAVMetadataWriter::updateBusyChunk(std::vector<std::byte>& bytes,

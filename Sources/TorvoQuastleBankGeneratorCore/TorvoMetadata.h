@@ -6,6 +6,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -41,8 +43,12 @@ public:
                          std::optional<std::int64_t> channel) const;
 
 private:
+    using Replace = std::function<void(const std::filesystem::path& file,
+                                       const std::function<void(File&)>& write,
+                                       std::optional<std::filesystem::perms> permissions)>;
+
     void rewrite(const FileURL& file, const TorvoMetadataOptions& options,
-                 std::optional<std::int64_t> channel) const;
+                 std::optional<std::int64_t> channel, const Replace& replace) const;
 
     std::shared_ptr<const FileManager> fileManager_;
 };

@@ -34,19 +34,50 @@ std::vector<std::byte> smallWav() {
     return riffFile({riffChunk("data", bytes("0123"))});
 }
 
-TEST(WriteOrder, flushesClosesAndRenamesAStampedFileThenFlushesTheVolume) {
+/// A file system of which it is known or unknown whether a flush of the volume covers its files.
+class KnownFileManager final : public ForwardingFileManager {
+public:
+    explicit KnownFileManager(bool flushCoversFiles) : flushCoversFiles_(flushCoversFiles) {}
+
+    bool volumeFlushCoversFiles(const std::filesystem::path&) const override {
+        return flushCoversFiles_;
+    }
+
+private:
+    bool flushCoversFiles_;
+};
+
+TEST(WriteOrder, flushesStampedFilesTogetherBeforeItRenamesThem) {
     const TemporaryFolder folder;
     folder.write("1/a.wav", smallWav());
     folder.write("2/b.wav", smallWav());
     const auto log = std::make_shared<FileCallLog>();
-    const TorvoWAVMetadataWriter writer(std::make_shared<RecordingFileManager>(log));
+    const TorvoWAVMetadataWriter writer(
+        std::make_shared<RecordingFileManager>(log, std::make_shared<KnownFileManager>(true)));
     EXPECT_EQ(writer.apply({}, folder.url()), 2);
     EXPECT_THAT(log->described(folder.path(), writing),
-                ElementsAre("status .", "status 1/a.wav", "open createUnique 1/.tmp",
-                            "write 1/.tmp", "write 1/.tmp", "flush 1/.tmp", "close 1/.tmp",
-                            "replaceItem 1/a.wav", "status 2/b.wav", "open createUnique 2/.tmp",
-                            "write 2/.tmp", "write 2/.tmp", "flush 2/.tmp", "close 2/.tmp",
+                ElementsAre("status .", "status 1/a.wav", "status 1", "open createUnique 1/.tmp",
+                            "write 1/.tmp", "write 1/.tmp", "close 1/.tmp", "status 2/b.wav",
+                            "status 2", "open createUnique 2/.tmp", "write 2/.tmp", "write 2/.tmp",
+                            "close 2/.tmp", "flushVolume 1", "replaceItem 1/a.wav",
                             "replaceItem 2/b.wav", "flushVolume .", "status ."));
+}
+
+TEST(WriteOrder, flushesEachStampedFileWhereAFlushOfTheVolumeMayMissIt) {
+    const TemporaryFolder folder;
+    folder.write("1/a.wav", smallWav());
+    folder.write("2/b.wav", smallWav());
+    const auto log = std::make_shared<FileCallLog>();
+    const TorvoWAVMetadataWriter writer(
+        std::make_shared<RecordingFileManager>(log, std::make_shared<KnownFileManager>(false)));
+    EXPECT_EQ(writer.apply({}, folder.url()), 2);
+    EXPECT_THAT(log->described(folder.path(), writing),
+                ElementsAre("status .", "status 1/a.wav", "status 1", "open createUnique 1/.tmp",
+                            "write 1/.tmp", "write 1/.tmp", "flush 1/.tmp", "close 1/.tmp",
+                            "replaceItem 1/a.wav", "status 2/b.wav", "status 2",
+                            "open createUnique 2/.tmp", "write 2/.tmp", "write 2/.tmp",
+                            "flush 2/.tmp", "close 2/.tmp", "replaceItem 2/b.wav", "flushVolume .",
+                            "status ."));
 }
 
 TEST(WriteOrder, reportsAFailedCloseOfAStamp) {

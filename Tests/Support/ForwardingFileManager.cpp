@@ -154,6 +154,10 @@ void ForwardingFileManager::flushVolume(const fs::path& path) const {
     behind_->flushVolume(path);
 }
 
+bool ForwardingFileManager::volumeFlushCoversFiles(const fs::path& folder) const {
+    return behind_->volumeFlushCoversFiles(folder);
+}
+
 std::unique_ptr<FolderLock> ForwardingFileManager::lockFolder(const fs::path& folder) const {
     callHook("lockFolder", FileOperation::lock, folder);
     return behind_->lockFolder(folder);

@@ -81,6 +81,7 @@ public:
     std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;
     bool flushDirectory(const std::filesystem::path& path) const override;
     void flushVolume(const std::filesystem::path& path) const override;
+    bool volumeFlushCoversFiles(const std::filesystem::path& folder) const override;
     std::unique_ptr<FolderLock> lockFolder(const std::filesystem::path& folder) const override;
     std::optional<std::uint64_t> availableSpace(const std::filesystem::path& folder) const override;
 

@@ -114,6 +114,9 @@ public:
     virtual bool flushDirectory(const std::filesystem::path& path) const = 0;
     /// Waits until all data written to the volume that holds `path` has reached the storage medium.
     virtual void flushVolume(const std::filesystem::path& path) const = 0;
+    /// Whether `flushVolume` is known to flush the content of every file on the volume that holds
+    /// `folder`, so that it can stand in for `File::flush`.
+    virtual bool volumeFlushCoversFiles(const std::filesystem::path& folder) const = 0;
 
     /// Takes an advisory lock on an existing folder (flock()); the operating system releases it
     /// when the process ends. Does not wait: throws `FileError` with the code EWOULDBLOCK when

@@ -242,17 +242,24 @@ private:
     Descriptor descriptor_; ///< closing it releases the lock
 };
 
+/// The number of the file system's kind in <linux/magic.h>, empty when statfs() fails.
+std::optional<std::uint32_t> fileSystemType(const fs::path& folder) {
+    struct statfs details {};
+    if (::statfs(folder.c_str(), &details) != 0)
+        return std::nullopt;
+    return static_cast<std::uint32_t>(details.f_type);
+}
+
 /// Whether the file system compresses data, or copy_file_range() may share blocks with the source
-/// on it. True when statfs() fails.
+/// on it. True when its type is unknown.
 bool mayStoreLessThanSize(const fs::path& folder) {
     // <linux/magic.h> does not define ZFS and bcachefs.
     constexpr std::array<std::uint32_t, 10> types{
         BTRFS_SUPER_MAGIC,  XFS_SUPER_MAGIC,  F2FS_SUPER_MAGIC, OCFS2_SUPER_MAGIC,
         NFS_SUPER_MAGIC,    CIFS_SUPER_MAGIC, SMB2_SUPER_MAGIC, CEPH_SUPER_MAGIC,
         0x2FC12FC1 /*ZFS*/, 0xCA451A4E /*bcachefs*/};
-    struct statfs details {};
-    return ::statfs(folder.c_str(), &details) != 0 ||
-           std::ranges::find(types, static_cast<std::uint32_t>(details.f_type)) != types.end();
+    const auto type = fileSystemType(folder);
+    return !type || std::ranges::find(types, *type) != types.end();
 }
 
 class SystemFileManager final : public FileManager {
@@ -370,6 +377,15 @@ public:
         // flush a folder refuses with EINVAL.
         if (!fsyncDescriptor(descriptor) && errno != EINVAL)
             throw FileError(FileOperation::flush, path, errno);
+    }
+
+    bool volumeFlushCoversFiles(const fs::path& folder) const override {
+        // Network and FUSE file systems are missing: some ignore syncfs().
+        constexpr std::array<std::uint32_t, 7> types{
+            EXT4_SUPER_MAGIC,  XFS_SUPER_MAGIC,   BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC,
+            MSDOS_SUPER_MAGIC, EXFAT_SUPER_MAGIC, TMPFS_MAGIC};
+        const auto type = fileSystemType(folder);
+        return type && std::ranges::find(types, *type) != types.end();
     }
 
     std::unique_ptr<FolderLock> lockFolder(const fs::path& folder) const override {
