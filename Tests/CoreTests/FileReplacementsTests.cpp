@@ -152,12 +152,8 @@ TEST_F(FileReplacementsTest, aFullVolumeIsAnError) {
 }
 
 TEST_F(FileReplacementsTest, aFailedFlushReplacesNothing) {
-    log = std::make_shared<FileCallLog>([](const FileCall& call) {
-        if (call.operation == "flushVolume")
-            throw FileError(FileOperation::flush, call.path, EIO);
-    });
-    const RecordingFileManager failing(log, volume);
-    FileReplacements replacements(failing);
+    const ForwardingFileManager faulty(volume, failing("flushVolume", EIO));
+    FileReplacements replacements(faulty);
     addNew(replacements, {"a", "b"});
     EXPECT_TRUE(thrown<FileError>([&] { replacements.commit(); }));
     EXPECT_EQ(textOf(folder / "a"), "old");
@@ -168,12 +164,11 @@ TEST_F(FileReplacementsTest, aFailedFlushReplacesNothing) {
 }
 
 TEST_F(FileReplacementsTest, aFailedRenameKeepsWhatCameBefore) {
-    log = std::make_shared<FileCallLog>([](const FileCall& call) {
-        if (call.operation == "replaceItem" && call.path.filename() == "b")
-            throw FileError(FileOperation::replace, call.path, EIO);
+    const ForwardingFileManager faulty(volume, [](const FileCall& call) {
+        if (call.function == "replaceItem" && call.path.filename() == "b")
+            throw FileError(call.operation, call.path, EIO);
     });
-    const RecordingFileManager failing(log, volume);
-    FileReplacements replacements(failing);
+    FileReplacements replacements(faulty);
     addNew(replacements, {"a", "b", "c"});
     const auto error = thrown<FileError>([&] { replacements.commit(); });
     ASSERT_TRUE(error);
