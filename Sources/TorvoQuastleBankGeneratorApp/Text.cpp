@@ -4,10 +4,33 @@
 
 namespace torvo::app {
 
+namespace {
+
+constexpr qsizetype maxToolTipLine = 90; ///< in characters
+
+/// Qt breaks no line of a tooltip, and no path anywhere: breaks one that is too long after a "/".
+QString brokenLine(QString line) {
+    QString broken;
+    while (line.size() > maxToolTipLine) {
+        qsizetype end = line.lastIndexOf(QLatin1Char('/'), maxToolTipLine - 1) + 1;
+        if (end < maxToolTipLine / 2) // a long name: a short line would not make it fit
+            end = maxToolTipLine - (line.at(maxToolTipLine - 1).isHighSurrogate() ? 1 : 0);
+        broken += line.left(end) + QLatin1Char('\n');
+        line.remove(0, end);
+    }
+    return broken + line;
+}
+
+} // namespace
+
 QString plainToolTip(const QString& text) {
-    if (!Qt::mightBeRichText(text))
-        return text;
-    return QStringLiteral("<p style='white-space:pre'>") + text.toHtmlEscaped() +
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString& line : lines)
+        line = brokenLine(line);
+    const QString broken = lines.join(QLatin1Char('\n'));
+    if (!Qt::mightBeRichText(broken))
+        return broken;
+    return QStringLiteral("<p style='white-space:pre'>") + broken.toHtmlEscaped() +
            QStringLiteral("</p>");
 }
 

@@ -17,7 +17,8 @@ inline QString shownPath(const FileURL& url) {
     return toQString(url.shownPath());
 }
 
-/// A tooltip that shows the text as it is: Qt takes "<b>kick.txt" for markup.
+/// A tooltip that shows the text as it is, long paths on several lines: Qt takes "<b>kick.txt" for
+/// markup.
 QString plainToolTip(const QString& text);
 
 } // namespace torvo::app
