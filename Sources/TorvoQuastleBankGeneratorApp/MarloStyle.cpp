@@ -154,7 +154,7 @@ void MarloStyle::polish(QWidget* widget) {
         widget->setProperty("cornerRadius", MarloButtonStyle::cornerRadius);
     } else if (qobject_cast<QLineEdit*>(widget)) {
         widget->setProperty("cornerRadius", fieldRadius);
-    } else if (qobject_cast<QMenu*>(widget)) {
+    } else if (qobject_cast<QMenu*>(widget) || widget->inherits("QTipLabel")) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
     } else if (auto* box = qobject_cast<QComboBox*>(widget)) {
         box->setProperty("cornerRadius", fieldRadius);
@@ -188,10 +188,7 @@ void MarloStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
     case PE_FrameFocusRect:
         return; // the ring stands outside the control
     case PE_PanelTipLabel:
-        painter->fillRect(option->rect, MarloTheme::panelRaised);
-        painter->setPen(withOpacity(MarloTheme::accent, 0.6));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5));
+        paintPopupPanel(*painter, option->rect, Popup::toolTipRadius);
         return;
     case PE_Frame:
         if (isComboPopup(widget))
@@ -376,6 +373,10 @@ int MarloStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     case SH_ComboBox_Popup: // a list below the control, not a menu over it
     case SH_ScrollBar_Transient:
         return 0;
+    case SH_ToolTip_Mask:
+        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returnData); mask && option)
+            mask->region = popupMask(option->rect, Popup::toolTipRadius);
+        return 1;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returnData);
     }

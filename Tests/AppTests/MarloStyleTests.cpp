@@ -15,6 +15,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTest>
+#include <QToolTip>
 #include <gtest/gtest.h>
 
 using namespace torvo::app;
@@ -99,6 +100,38 @@ TEST(MarloStyle, menusAreRaisedPanels) {
     EXPECT_PIXEL(image, right(second).x(), right(second).y(), MarloTheme::panelRaised);
     EXPECT_FALSE(menu.mask().contains(QPoint(0, 0)));
     EXPECT_EQ(menu.actionGeometry(first).height(), Popup::rowHeight);
+}
+
+// As on a screen whose windows cannot be translucent: what is not painted there is black.
+TEST(MarloStyle, popupsHaveNoBlackCorners) {
+    constexpr QRect popup{0, 0, 60, 40};
+    const double darkest = MarloTheme::surface.lightnessF();
+    for (const double radius : {Popup::cornerRadius, Popup::toolTipRadius}) {
+        const QImage image = painted(popup.size(), Qt::black, [&](QPainter& painter) {
+            paintPopupPanel(painter, popup, radius);
+        });
+        const QRegion mask = popupMask(popup, radius);
+        EXPECT_FALSE(mask.contains(QPoint(0, 0)));
+        for (const QRect& part : mask)
+            for (int y = part.top(); y <= part.bottom(); ++y)
+                for (int x = part.left(); x <= part.right(); ++x)
+                    EXPECT_GE(image.pixelColor(x, y).lightnessF(), darkest) << x << ' ' << y;
+    }
+}
+
+TEST(MarloStyle, tooltipsHaveRoundCorners) {
+    QToolTip::showText({20, 20}, QStringLiteral("Choose an output folder above!"));
+    const auto find = []() -> QWidget* {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->inherits("QTipLabel") && widget->isVisible())
+                return widget;
+        return nullptr;
+    };
+    ASSERT_TRUE(waitUntil([&] { return find() != nullptr; }));
+    const QWidget& toolTip = *find();
+    EXPECT_TRUE(toolTip.testAttribute(Qt::WA_TranslucentBackground));
+    EXPECT_EQ(toolTip.mask(), popupMask(toolTip.rect(), Popup::toolTipRadius));
+    QToolTip::hideText();
 }
 
 TEST(MarloStyle, pushButtonsOfDialogsLookLikeTheProgramsOwn) {

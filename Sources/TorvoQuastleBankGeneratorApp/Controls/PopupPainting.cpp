@@ -15,19 +15,20 @@ constexpr double highlightRadius = Popup::cornerRadius - Popup::padding + 2;
 
 } // namespace
 
-void paintPopupPanel(QPainter& painter, const QRectF& rect) {
-    paintRoundedRect(painter, rect, Popup::cornerRadius, MarloTheme::panelRaised,
+void paintPopupPanel(QPainter& painter, const QRect& rect, double radius) {
+    for (const QRect& part : popupMask(rect, radius))
+        painter.fillRect(part, MarloTheme::panel);
+    paintRoundedRect(painter, rect, radius, MarloTheme::panelRaised,
                      MarloTheme::withOpacity(MarloTheme::accent, 0.5));
 }
 
-QRegion popupMask(const QRect& rect) {
-    constexpr int rows = static_cast<int>(Popup::cornerRadius);
+QRegion popupMask(const QRect& rect, double radius) {
+    const int rows = static_cast<int>(radius);
     QRegion mask(rect.adjusted(0, rows, 0, -rows));
     for (int row = 0; row < rows; ++row) {
         // Where the arc leaves the row at its inner side.
-        const double rise = Popup::cornerRadius - (row + 1);
-        const double reach = std::sqrt(Popup::cornerRadius * Popup::cornerRadius - rise * rise);
-        const int inset = static_cast<int>(Popup::cornerRadius - reach);
+        const double rise = radius - (row + 1);
+        const int inset = static_cast<int>(radius - std::sqrt(radius * radius - rise * rise));
         const int width = rect.width() - 2 * inset;
         mask += QRect(rect.left() + inset, rect.top() + row, width, 1);
         mask += QRect(rect.left() + inset, rect.bottom() - row, width, 1);

@@ -10,18 +10,20 @@ namespace torvo::app {
 namespace Popup {
 
 inline constexpr double cornerRadius = 10;
+inline constexpr double toolTipRadius = 6;
 inline constexpr int padding = 6; ///< between the edge and the rows
 inline constexpr int rowHeight = 28;
 inline constexpr int markSide = 16;
 
 } // namespace Popup
 
-/// The raised panel that the rows lie on.
-void paintPopupPanel(QPainter& painter, const QRectF& rect);
+/// The raised panel that the rows lie on. Its corners are blended with the window's own colour: on
+/// a screen whose windows cannot be translucent they would be black.
+void paintPopupPanel(QPainter& painter, const QRect& rect, double radius = Popup::cornerRadius);
 
-/// All pixels that the panel touches. Without it the corners are black on a screen whose windows
-/// cannot be translucent.
-QRegion popupMask(const QRect& rect);
+/// All pixels that the panel touches. A window that is no larger has no square corners on such a
+/// screen.
+QRegion popupMask(const QRect& rect, double radius = Popup::cornerRadius);
 
 /// Behind the row that the pointer or the keyboard is at.
 void paintPopupHighlight(QPainter& painter, const QRectF& row);
