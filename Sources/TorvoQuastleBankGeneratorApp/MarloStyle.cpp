@@ -6,6 +6,7 @@
 #include "Controls/MarloButton.h"
 #include "Controls/MenuPainting.h"
 #include "Controls/Painting.h"
+#include "Controls/PanelIcons.h"
 #include "Controls/PopupPainting.h"
 #include "MarloTheme.h"
 
@@ -180,6 +181,12 @@ bool MarloStyle::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void MarloStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+QIcon MarloStyle::standardIcon(StandardPixmap picture, const QStyleOption* option,
+                               const QWidget* widget) const {
+    const QIcon own = panelIcon(picture);
+    return own.isNull() ? QProxyStyle::standardIcon(picture, option, widget) : own;
+}
+
                                QPainter* painter, const QWidget* widget) const {
     switch (element) {
     case PE_IndicatorCheckBox:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QPalette>
 #include <QProxyStyle>
 
@@ -20,6 +21,8 @@ public:
     /// Panels and boxes get a focus ring like the window's.
     void polish(QWidget* widget) override;
     QPalette standardPalette() const override;
+    QIcon standardIcon(StandardPixmap picture, const QStyleOption* option,
+                       const QWidget* widget) const override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,

@@ -3,17 +3,64 @@
 #include "Platform/SystemFileManager.h"
 #include "Text.h"
 
+#include <QAbstractFileIconProvider>
+#include <QApplication>
 #include <QFile>
 #include <QFileDialog>
+#include <QHeaderView>
+#include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTreeView>
 
 namespace torvo::app {
 
 namespace {
 
+/// Qt's own looks into every file for its type and waits for ever for some of those in /proc.
+class FileIcons final : public QAbstractFileIconProvider {
+public:
+    QIcon icon(IconType kind) const override {
+        switch (kind) {
+        case Computer:
+        case Drive:
+            return QApplication::style()->standardIcon(QStyle::SP_DriveHDIcon);
+        case File:
+            return QApplication::style()->standardIcon(QStyle::SP_FileIcon);
+        default:
+            return QApplication::style()->standardIcon(QStyle::SP_DirIcon);
+        }
+    }
+    QIcon icon(const QFileInfo& info) const override {
+        return icon(info.isRoot() ? Drive : info.isDir() ? Folder : File);
+    }
+    QString type(const QFileInfo& info) const override {
+        return info.isDir() ? QFileDialog::tr("Folder") : QFileDialog::tr("File");
+    }
+};
+
+/// Qt's own panel, where the desktop has none, is too narrow for its columns.
+void makeRoomForNames(QFileDialog& panel) {
+    constexpr QSize roomy{880, 560};
+    constexpr int minSideBarWidth = 150;
+    auto* const files = panel.findChild<QTreeView*>(QStringLiteral("treeView"));
+    auto* const sideBar = panel.findChild<QListView*>(QStringLiteral("sidebar"));
+    if (!files || !sideBar)
+        return;
+    panel.resize(panel.size().expandedTo(roomy));
+    sideBar->setMinimumWidth(minSideBarWidth);
+    files->header()->setStretchLastSection(false);
+    // As wide as the rows in sight need: measuring all of a large folder takes long.
+    files->header()->setResizeContentsPrecision(0);
+    files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
 /// The one chosen path, or none.
 std::optional<FileURL> run(QFileDialog& panel, FileURL::Kind kind) {
+    static FileIcons icons;
+    panel.setIconProvider(&icons);
+    makeRoomForNames(panel);
     if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
         return std::nullopt;
     return FileURL(QFile::encodeName(panel.selectedFiles().first()).toStdString(), kind);

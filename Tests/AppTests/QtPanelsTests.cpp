@@ -1,12 +1,18 @@
+#include "Controls/PanelIcons.h"
 #include "QtPanels.h"
 #include "Support/ModalWatcher.h"
 #include "TemporaryFolder.h"
 
+#include <QAbstractFileIconProvider>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QHeaderView>
 #include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
+#include <QTreeView>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -196,5 +202,36 @@ TEST(QtPanels, opensOneJSONFile) {
                     EXPECT_EQ(panel.acceptMode(), QFileDialog::AcceptOpen);
                     EXPECT_EQ(panel.fileMode(), QFileDialog::ExistingFile);
                     EXPECT_EQ(panel.nameFilters(), jsonOnly);
+                });
+}
+
+TEST(QtPanels, showsFilesWithoutLookingIntoThem) {
+    const TemporaryFolder folder;
+    // By its content Qt would call it a picture.
+    const auto file = folder.write("sound", "\x89PNG\r\n\x1a\n");
+    lookAtPanel([](QtPanels& panels) { return panels.pickJSONFile(); },
+                [&](QFileDialog& panel) {
+                    const auto* icons = panel.iconProvider();
+                    ASSERT_TRUE(icons);
+                    EXPECT_EQ(icons->type(QFileInfo(file)), QStringLiteral("File"));
+                    EXPECT_EQ(icons->type(QFileInfo(folder.path())), QStringLiteral("Folder"));
+                    const auto picture = [&](const std::filesystem::path& path) {
+                        return icons->icon(QFileInfo(path)).pixmap(16).toImage();
+                    };
+                    EXPECT_EQ(picture(file), panelIcon(QStyle::SP_FileIcon).pixmap(16).toImage());
+                    EXPECT_EQ(picture(folder.path()),
+                              panelIcon(QStyle::SP_DirIcon).pixmap(16).toImage());
+                });
+}
+
+TEST(QtPanels, hasRoomForNames) {
+    lookAtPanel([](QtPanels& panels) { return panels.pickFolder("Choose a source sample folder"); },
+                [](QFileDialog& panel) {
+                    const auto* files = panel.findChild<QTreeView*>(QStringLiteral("treeView"));
+                    ASSERT_TRUE(files);
+                    EXPECT_EQ(files->header()->sectionResizeMode(0), QHeaderView::Stretch);
+                    EXPECT_GE(panel.width(), 880);
+                    const auto* places = panel.findChild<QListView*>(QStringLiteral("sidebar"));
+                    EXPECT_GE(places->width(), places->sizeHintForColumn(0));
                 });
 }
