@@ -9,8 +9,10 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLabel>
 #include <QListView>
+#include <QMenu>
 #include <QScrollBar>
 #include <QStandardItemModel>
 #include <QStyleOptionViewItem>
@@ -359,6 +361,65 @@ TEST_F(ChannelsCardTest, showsAndTellsThePathAndTheReasonOfEachRow) {
     const QImage both = drawn("Kick", "Unsupported");
     EXPECT_EQ(both.copy(left), path.copy(left));
     EXPECT_NE(both.copy(right), nothing.copy(right));
+}
+
+TEST_F(ChannelsCardTest, copiesTheSelectedRows) {
+    for (const char* name : {"a.txt", "b.txt", "c.txt"})
+        folder.write(std::string("Kit A/Kick/") + name, "notes");
+    scan(drumKit());
+    section("ignoredFiles")->setExpanded(true);
+    settle();
+    auto* list = section("ignoredFiles")->list();
+    const auto place = [list](int row) {
+        return list->visualRect(list->model()->index(row, 0)).center();
+    };
+    const auto line = [](const char* name) {
+        return "Kick/" + std::string(name) + "\tUnsupported audio file";
+    };
+    const auto copied = [list] {
+        QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+        return QApplication::clipboard()->text().toStdString();
+    };
+    QApplication::clipboard()->setText(QStringLiteral("earlier"));
+    EXPECT_EQ(copied(), "earlier");
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place(2));
+    EXPECT_EQ(copied(), line("c.txt"));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, place(0));
+    EXPECT_EQ(copied(), line("a.txt") + "\n" + line("c.txt"));
+    QTest::keyClick(list, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(copied(), line("a.txt") + "\n" + line("b.txt") + "\n" + line("c.txt"));
+}
+
+TEST_F(ChannelsCardTest, offersToCopyRowsInAMenu) {
+    folder.write("Kit A/Kick/notes.txt", "notes");
+    scan(drumKit());
+    section("ignoredFiles")->setExpanded(true);
+    settle();
+    auto* list = section("ignoredFiles")->list();
+    const auto choose = [list](const char* text) {
+        bool wasEnabled = false;
+        QMetaObject::invokeMethod(
+            list,
+            [&wasEnabled, text] {
+                auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+                ASSERT_TRUE(menu);
+                for (QAction* action : menu->actions())
+                    if (action->text() == QString::fromLatin1(text)) {
+                        wasEnabled = action->isEnabled();
+                        action->trigger();
+                    }
+                menu->close();
+            },
+            Qt::QueuedConnection);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, {9, 9}, list->mapToGlobal(QPoint(9, 9)));
+        QApplication::sendEvent(list->viewport(), &event);
+        return wasEnabled;
+    };
+    EXPECT_FALSE(choose("Copy"));
+    EXPECT_TRUE(choose("Select All"));
+    EXPECT_TRUE(choose("Copy"));
+    EXPECT_EQ(QApplication::clipboard()->text(),
+              QStringLiteral("Kick/notes.txt\tUnsupported audio file"));
 }
 
 TEST_F(ChannelsCardTest, marksTheRowWithTheFocus) {

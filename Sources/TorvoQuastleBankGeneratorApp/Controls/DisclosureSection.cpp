@@ -2,6 +2,7 @@
 
 #include "DisclosureHeader.h"
 #include "IgnoredItemDelegate.h"
+#include "IgnoredItemsList.h"
 #include "Labels.h"
 #include "MarloTheme.h"
 #include "Text.h"
@@ -50,34 +51,18 @@ QString kinds(const std::vector<IgnoredItem>& items) {
     return texts.join(QStringLiteral(" · "));
 }
 
-/// Wants no more than it must have, and takes more where there is room to spare.
-class RowList final : public QListView {
-public:
-    RowList() { setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding); }
-    QSize sizeHint() const override { return minimumSize(); }
-};
-
 } // namespace
 
 DisclosureSection::DisclosureSection(const QString& title, QWidget* parent)
     : QWidget(parent),
       header_(new DisclosureHeader(title)),
       none_(makeLabel(tr("NONE"), 12, MarloTheme::FontCut::regular, MarloTheme::muted)),
-      list_(new RowList) {
+      list_(new IgnoredItemsList) {
     setAccessibleName(title);
     none_->setContentsMargins(24, 2, 0, MarloTheme::grid);
 
     list_->setAccessibleName(title);
     list_->setModel(&model_);
-    list_->setItemDelegate(new IgnoredItemDelegate(list_));
-    // One measured row stands for all: opening a list does not depend on its length.
-    list_->setUniformItemSizes(true);
-    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list_->setFrameShape(QFrame::StyledPanel);
-    list_->setMouseTracking(true);
-    list_->setProperty("cornerRadius", 8.0);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);

@@ -1,0 +1,58 @@
+#include "IgnoredItemsList.h"
+
+#include "IgnoredItemDelegate.h"
+#include "IgnoredItemsModel.h"
+
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+
+#include <algorithm>
+
+namespace torvo::app {
+
+IgnoredItemsList::IgnoredItemsList(QWidget* parent) : QListView(parent) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setItemDelegate(new IgnoredItemDelegate(this));
+    // One measured row stands for all: opening a list does not depend on its length.
+    setUniformItemSizes(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setFrameShape(QFrame::StyledPanel);
+    setMouseTracking(true);
+    setProperty("cornerRadius", 8.0);
+}
+
+void IgnoredItemsList::copy() const {
+    QModelIndexList rows = selectionModel()->selectedIndexes();
+    if (rows.isEmpty())
+        return;
+    std::ranges::sort(rows, {}, &QModelIndex::row);
+    QStringList lines;
+    for (const QModelIndex& row : rows)
+        lines.append(row.data().toString() + QLatin1Char('\t') +
+                     row.data(IgnoredItemsModel::reasonRole).toString());
+    QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
+}
+
+void IgnoredItemsList::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Copy))
+        copy();
+    else
+        QListView::keyPressEvent(event);
+}
+
+void IgnoredItemsList::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu menu(this);
+    QAction* const copyRows = menu.addAction(tr("Copy"));
+    copyRows->setEnabled(selectionModel()->hasSelection());
+    connect(copyRows, &QAction::triggered, this, &IgnoredItemsList::copy);
+    connect(menu.addAction(tr("Select All")), &QAction::triggered, this, &QListView::selectAll);
+    menu.exec(event->globalPos());
+}
+
+} // namespace torvo::app
