@@ -72,8 +72,9 @@ void paintCheckIndicator(QPainter& painter, const QStyleOption& option) {
     const double strength = has(option, QStyle::State_Sunken) ? 0.82 : 1.0;
     paintRoundedRect(painter, box, 5,
                      withOpacity(checked ? MarloTheme::accent : MarloTheme::panelRaised, strength),
-                     checked || hovered ? MarloTheme::accent
-                                        : withOpacity(MarloTheme::accent, 0.6));
+                     hovered   ? MarloTheme::muted
+                     : checked ? MarloTheme::accent
+                               : outlineColor);
     if (!checked)
         return;
     painter.setPen(QPen(MarloTheme::surface, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
@@ -121,7 +122,7 @@ void paintScrollBar(QPainter& painter, const QStyleOptionSlider& bar) {
     const double radius = std::min(handle.width(), handle.height()) / 2;
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(withOpacity(MarloTheme::accent, active ? 0.9 : 0.5));
+    painter.setBrush(active ? MarloTheme::muted : outlineColor);
     painter.drawRoundedRect(handle, radius, radius);
 }
 
@@ -142,7 +143,7 @@ QPalette MarloStyle::standardPalette() const {
     palette.setColor(QPalette::Link, MarloTheme::ink);
     palette.setColor(QPalette::LinkVisited, MarloTheme::muted);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, withOpacity(MarloTheme::muted, 0.55));
+        palette.setColor(QPalette::Disabled, role, MarloTheme::muted);
     return palette;
 }
 
@@ -180,13 +181,13 @@ bool MarloStyle::eventFilter(QObject* watched, QEvent* event) {
     return QProxyStyle::eventFilter(watched, event);
 }
 
-void MarloStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
 QIcon MarloStyle::standardIcon(StandardPixmap picture, const QStyleOption* option,
                                const QWidget* widget) const {
     const QIcon own = panelIcon(picture);
     return own.isNull() ? QProxyStyle::standardIcon(picture, option, widget) : own;
 }
 
+void MarloStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const {
     switch (element) {
     case PE_IndicatorCheckBox:
@@ -372,6 +373,10 @@ int MarloStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
         if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returnData); mask && option)
             mask->region = popupMask(option->rect);
         return 1;
+    case SH_ToolTip_Mask:
+        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returnData); mask && option)
+            mask->region = popupMask(option->rect, Popup::toolTipRadius);
+        return 1;
     case SH_FocusFrame_AboveWidget:
         return 1;
     case SH_EtchDisabledText: // a second, shifted text looks bold
@@ -380,10 +385,6 @@ int MarloStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     case SH_ComboBox_Popup: // a list below the control, not a menu over it
     case SH_ScrollBar_Transient:
         return 0;
-    case SH_ToolTip_Mask:
-        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returnData); mask && option)
-            mask->region = popupMask(option->rect, Popup::toolTipRadius);
-        return 1;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returnData);
     }

@@ -46,7 +46,7 @@ void paintField(QPainter& painter, const QStyleOptionFrame& field) {
         return;
     }
     paintRoundedRect(painter, field.rect, fieldRadius, MarloTheme::panel,
-                     has(field, QStyle::State_HasFocus) ? MarloTheme::accent : MarloTheme::line);
+                     has(field, QStyle::State_HasFocus) ? MarloTheme::muted : outlineColor);
 }
 
 void paintColumnHead(QPainter& painter, const QStyleOption& head) {

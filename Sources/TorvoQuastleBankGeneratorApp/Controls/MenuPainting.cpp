@@ -12,8 +12,6 @@
 
 namespace torvo::app {
 
-using MarloTheme::withOpacity;
-
 namespace {
 
 constexpr int minWidth = 160;
@@ -23,7 +21,6 @@ constexpr int shortcutGap = 32;
 constexpr int separatorHeight = 9;
 constexpr int titleInset = 2;
 constexpr double titleRadius = 6;
-constexpr double disabledOpacity = 0.55;
 
 bool isAtPointer(const QStyleOptionMenuItem& item) {
     return item.state.testFlag(QStyle::State_Selected) &&
@@ -71,7 +68,7 @@ void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
         return;
     }
     const bool enabled = item.state.testFlag(QStyle::State_Enabled);
-    const QColor color = !enabled            ? withOpacity(MarloTheme::muted, disabledOpacity)
+    const QColor color = !enabled            ? MarloTheme::muted
                          : isAtPointer(item) ? MarloTheme::surface
                                              : MarloTheme::ink;
     if (isAtPointer(item))

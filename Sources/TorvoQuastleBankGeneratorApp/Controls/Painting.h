@@ -10,6 +10,10 @@ namespace torvo::app {
 
 inline constexpr double focusRingWidth = 2;
 
+/// What has to be found without a text: a thumb, a track, the edge of an unticked box. Three times
+/// as bright as any background of the window, by the formula of WCAG.
+inline constexpr QColor outlineColor{140, 136, 114};
+
 /// The mark of what has the keyboard focus, inside `rect`.
 void paintFocusRing(QPainter& painter, const QRectF& rect, double radius);
 

@@ -1,6 +1,7 @@
 #include "ProgressBar.h"
 
 #include "MarloTheme.h"
+#include "Painting.h"
 
 #include <QPainter>
 
@@ -34,12 +35,10 @@ QRectF indeterminateFill(const QRectF& bar, double seconds) {
 
 void paintProgress(QPainter& painter, const QRectF& bar, const QRectF& fill) {
     const double radius = bar.height() / 2;
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(MarloTheme::panelRaised);
-    painter.drawRoundedRect(bar, radius, radius);
+    paintRoundedRect(painter, bar, radius, MarloTheme::panelRaised, outlineColor);
     if (fill.width() <= 0)
         return;
+    painter.setPen(Qt::NoPen);
     painter.setBrush(MarloTheme::accent);
     // Never narrower than round.
     painter.drawRoundedRect(
