@@ -155,7 +155,7 @@ std::vector<Row> exportLoops(const Bench& bench) {
         1.25)};
 }
 
-/// The manual alternative: SoX for every loop of the folder.
+/// Compares an export with the manual alternative, SoX on every loop of a folder.
 Row exportBesideSox(const Bench& bench, const fs::path& library) {
     const auto convert = R"(find "$0" -name "*.wav" -print0 | xargs -0 -P 2 -I {} )"
                          R"(sh -c 'sox "$1" -c 1 -b 16 "$2/${1##*/}" rate -v 44100' sh {} "$1")";

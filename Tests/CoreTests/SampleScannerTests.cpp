@@ -61,7 +61,7 @@ TEST(SampleScanner, reportsAllDetailsOfASample) {
 }
 
 TEST(SampleScanner, classifiesFilesInAPercFolderByTheirNames) {
-    // Intended: the bare word has no role.
+    // Intended: "Perc" alone has no role.
     const ScanFixture kit;
     kit.addAudio("Perc/Conga.wav");
     kit.addAudio("Perc/Loose.wav");

@@ -191,7 +191,7 @@ TEST_F(SourceSafetyTests, refusesTheDeviceFolderAsTheSource) {
     EXPECT_THAT(refusalOf(folder_ / "link", {"elsewhere/kick.wav"}), HasSubstr("lies inside"));
 }
 
-/// The check must also hold when the disk fails while it is made.
+/// If the disk fails during the check, the export must still be refused.
 TEST_F(SourceSafetyTests, refusesASampleThatCannotBeResolved) {
     folder_.write("out/Kit/QZT508/Bank 1/1/old.wav", wav_);
     folder_.createFolder("Kit");

@@ -19,7 +19,7 @@ struct Row {
     std::uint32_t samplesInFrame; ///< of a codec frame, which is also the delay
 };
 
-// The codec's own table: frames are shorter at low rates, and version 1 has different thresholds.
+// The codec's frame lengths: shorter at low rates, with different thresholds in version 1.
 constexpr Row rows[] = {
     {"wmav2", 8000, 1, 512},   {"wmav2", 16000, 1, 512},  {"wmav2", 22050, 1, 1024},
     {"wmav2", 32000, 1, 2048}, {"wmav2", 44100, 1, 2048}, {"wmav2", 44100, 2, 2048},

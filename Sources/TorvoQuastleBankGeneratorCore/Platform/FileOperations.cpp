@@ -23,7 +23,7 @@ std::chrono::sys_seconds fileSystemTime(const FileManager& fileManager, const fs
     return TemporaryFile(fileManager, folder / temporaryName()).status().modified;
 }
 
-/// The target of a chain of symbolic links; it may not exist.
+/// The final target of a chain of symbolic links, which need not exist.
 fs::path followingLinks(const FileManager& fileManager, const fs::path& path) {
     constexpr int maxLinkCount = 40; // the limit of Linux
     auto target = path;

@@ -12,8 +12,8 @@ namespace {
 constexpr std::size_t frameHeaderSize = 8; // bytes needed to parse a header
 constexpr int minConsistentFrames = 4;
 constexpr std::uint64_t maxPadding = std::uint64_t{64} * 1024; // bytes
-// A search tests every offset, so four tiny frames can be chance: the pixels of some X11 cursors
-// look like them.
+// A search tests every offset, so a few small frames in a row can occur by chance, as in the pixels
+// of some X11 cursors.
 constexpr int minFoundFrames = 16;
 constexpr int minFramesToEnd = 3;
 // The search limits. The longest MPEG frame has 2,880 bytes, so a cut stream has a frame header
