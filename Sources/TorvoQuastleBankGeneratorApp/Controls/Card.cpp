@@ -1,8 +1,8 @@
-#include "Card.h"
+#include "Controls/Card.h"
 
-#include "Labels.h"
+#include "Controls/Labels.h"
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QLabel>
 #include <QPainter>

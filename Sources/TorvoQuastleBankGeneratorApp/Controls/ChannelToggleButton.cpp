@@ -1,7 +1,7 @@
-#include "ChannelToggleButton.h"
+#include "Controls/ChannelToggleButton.h"
 
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QPainter>
 

@@ -1,7 +1,7 @@
-#include "ComboItemDelegate.h"
+#include "Controls/ComboItemDelegate.h"
 
+#include "Controls/PopupPainting.h"
 #include "MarloTheme.h"
-#include "PopupPainting.h"
 
 #include <QComboBox>
 #include <QFontMetrics>

@@ -1,9 +1,9 @@
-#include "CountRow.h"
+#include "Controls/CountRow.h"
 
-#include "ElidedLabel.h"
-#include "Labels.h"
+#include "Controls/ElidedLabel.h"
+#include "Controls/Labels.h"
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

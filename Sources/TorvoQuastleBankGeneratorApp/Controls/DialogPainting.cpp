@@ -1,8 +1,8 @@
-#include "DialogPainting.h"
+#include "Controls/DialogPainting.h"
 
-#include "MarloButton.h"
+#include "Controls/MarloButton.h"
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QStyleOption>
 

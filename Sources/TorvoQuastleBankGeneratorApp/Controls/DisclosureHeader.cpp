@@ -1,4 +1,4 @@
-#include "DisclosureHeader.h"
+#include "Controls/DisclosureHeader.h"
 
 #include "MarloTheme.h"
 

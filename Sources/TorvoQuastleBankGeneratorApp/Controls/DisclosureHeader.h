@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PaintedButton.h"
+#include "Controls/PaintedButton.h"
 
 #include <QRectF>
 

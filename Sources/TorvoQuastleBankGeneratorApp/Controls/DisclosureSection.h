@@ -1,6 +1,6 @@
 #pragma once
 
-#include "IgnoredItemsModel.h"
+#include "Controls/IgnoredItemsModel.h"
 
 #include <QWidget>
 

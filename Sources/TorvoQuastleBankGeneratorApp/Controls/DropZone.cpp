@@ -1,8 +1,8 @@
-#include "DropZone.h"
+#include "Controls/DropZone.h"
 
-#include "Labels.h"
+#include "Controls/Labels.h"
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QLabel>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "ElidedLabel.h"
+#include "Controls/ElidedLabel.h"
 
 #include "Text.h"
 

@@ -1,4 +1,4 @@
-#include "ElidedPathLabel.h"
+#include "Controls/ElidedPathLabel.h"
 
 #include "Text.h"
 

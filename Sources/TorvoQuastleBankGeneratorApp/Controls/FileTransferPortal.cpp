@@ -1,4 +1,4 @@
-#include "FileTransferPortal.h"
+#include "Controls/FileTransferPortal.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>

@@ -1,6 +1,6 @@
-#include "FocusKeeper.h"
+#include "Controls/FocusKeeper.h"
 
-#include "FocusRing.h"
+#include "Controls/FocusRing.h"
 
 #include <QEvent>
 #include <QWidget>

@@ -1,4 +1,4 @@
-#include "FocusRing.h"
+#include "Controls/FocusRing.h"
 
 #include <QApplication>
 #include <QFocusEvent>

@@ -1,6 +1,6 @@
-#include "FolderDrops.h"
+#include "Controls/FolderDrops.h"
 
-#include "FileTransferPortal.h"
+#include "Controls/FileTransferPortal.h"
 #include "Platform/SystemFileManager.h"
 
 #include <QDragEnterEvent>

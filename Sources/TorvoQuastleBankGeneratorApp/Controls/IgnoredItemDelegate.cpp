@@ -1,8 +1,8 @@
-#include "IgnoredItemDelegate.h"
+#include "Controls/IgnoredItemDelegate.h"
 
-#include "IgnoredItemsModel.h"
+#include "Controls/IgnoredItemsModel.h"
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QFontMetrics>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "IgnoredItemsModel.h"
+#include "Controls/IgnoredItemsModel.h"
 
 #include "Text.h"
 

@@ -1,4 +1,4 @@
-#include "Labels.h"
+#include "Controls/Labels.h"
 
 #include <QLabel>
 

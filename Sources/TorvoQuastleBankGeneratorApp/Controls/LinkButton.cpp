@@ -1,4 +1,4 @@
-#include "LinkButton.h"
+#include "Controls/LinkButton.h"
 
 #include "MarloTheme.h"
 

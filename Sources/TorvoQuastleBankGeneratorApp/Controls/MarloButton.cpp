@@ -1,7 +1,7 @@
-#include "MarloButton.h"
+#include "Controls/MarloButton.h"
 
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QFontMetrics>
 #include <QPainter>

@@ -1,8 +1,8 @@
-#include "MenuPainting.h"
+#include "Controls/MenuPainting.h"
 
+#include "Controls/Painting.h"
+#include "Controls/PopupPainting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
-#include "PopupPainting.h"
 
 #include <QFontMetrics>
 #include <QPolygonF>

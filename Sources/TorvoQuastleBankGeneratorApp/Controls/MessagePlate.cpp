@@ -1,7 +1,7 @@
-#include "MessagePlate.h"
+#include "Controls/MessagePlate.h"
 
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QPainter>
 

@@ -1,4 +1,4 @@
-#include "ModeSegment.h"
+#include "Controls/ModeSegment.h"
 
 #include "MarloTheme.h"
 

@@ -1,4 +1,4 @@
-#include "PaintedButton.h"
+#include "Controls/PaintedButton.h"
 
 #include <QKeyEvent>
 

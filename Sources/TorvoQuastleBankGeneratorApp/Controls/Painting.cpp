@@ -1,4 +1,4 @@
-#include "Painting.h"
+#include "Controls/Painting.h"
 
 #include "MarloTheme.h"
 

@@ -1,7 +1,7 @@
-#include "PopupPainting.h"
+#include "Controls/PopupPainting.h"
 
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QPolygonF>
 

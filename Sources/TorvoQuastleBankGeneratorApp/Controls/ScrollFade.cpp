@@ -1,4 +1,4 @@
-#include "ScrollFade.h"
+#include "Controls/ScrollFade.h"
 
 #include "MarloTheme.h"
 

@@ -1,4 +1,4 @@
-#include "StatusIcon.h"
+#include "Controls/StatusIcon.h"
 
 #include "MarloTheme.h"
 

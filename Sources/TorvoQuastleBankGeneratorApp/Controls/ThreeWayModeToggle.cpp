@@ -1,8 +1,8 @@
-#include "ThreeWayModeToggle.h"
+#include "Controls/ThreeWayModeToggle.h"
 
+#include "Controls/ModeSegment.h"
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "ModeSegment.h"
-#include "Painting.h"
 #include "Text.h"
 
 #include <QKeyEvent>

@@ -1,4 +1,4 @@
-#include "WrappingLabel.h"
+#include "Controls/WrappingLabel.h"
 
 #include "MarloTheme.h"
 #include "Text.h"
