@@ -1,4 +1,4 @@
-#include "ChannelsCard.h"
+#include "Views/ChannelsCard.h"
 
 #include "Accessibility.h"
 #include "Binding.h"

@@ -1,11 +1,11 @@
-#include "HeaderView.h"
+#include "Views/HeaderView.h"
 
 #include "Binding.h"
 #include "Controls/Labels.h"
 #include "Controls/LinkButton.h"
 #include "Logo.h"
-#include "LogoView.h"
 #include "Maker.h"
+#include "Views/LogoView.h"
 
 #include <QDesktopServices>
 #include <QHBoxLayout>

@@ -1,4 +1,4 @@
-#include "LogoView.h"
+#include "Views/LogoView.h"
 
 #include "MarloTheme.h"
 

@@ -1,4 +1,4 @@
-#include "MetadataCard.h"
+#include "Views/MetadataCard.h"
 
 #include "Binding.h"
 #include "Controls/Card.h"

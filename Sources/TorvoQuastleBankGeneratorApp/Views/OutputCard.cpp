@@ -1,4 +1,4 @@
-#include "OutputCard.h"
+#include "Views/OutputCard.h"
 
 #include "Accessibility.h"
 #include "Binding.h"

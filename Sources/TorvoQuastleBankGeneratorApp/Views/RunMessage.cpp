@@ -1,4 +1,4 @@
-#include "RunMessage.h"
+#include "Views/RunMessage.h"
 
 #include "Accessibility.h"
 #include "Binding.h"

@@ -1,4 +1,4 @@
-#include "SourceCard.h"
+#include "Views/SourceCard.h"
 
 #include "Binding.h"
 #include "Controls/Card.h"
