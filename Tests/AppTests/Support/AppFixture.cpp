@@ -1,8 +1,8 @@
-#include "AppFixture.h"
+#include "Support/AppFixture.h"
 
-#include "ForgetfulFileManager.h"
 #include "Platform/Precondition.h"
 #include "Platform/SystemFileManager.h"
+#include "Support/ForgetfulFileManager.h"
 #include "TorvoMetadata.h"
 #include "WavFixture.h"
 

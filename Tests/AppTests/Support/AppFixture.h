@@ -1,9 +1,9 @@
 #pragma once
 
 #include "AppModel.h"
-#include "FakePanels.h"
-#include "Gate.h"
-#include "GatedFileManager.h"
+#include "Support/FakePanels.h"
+#include "Support/Gate.h"
+#include "Support/GatedFileManager.h"
 #include "TemporaryFolder.h"
 
 #include <cstdint>

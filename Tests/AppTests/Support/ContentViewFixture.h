@@ -1,9 +1,9 @@
 #pragma once
 
-#include "AppFixture.h"
 #include "ContentView.h"
 #include "Controls/DisclosureSection.h"
 #include "Controls/DropZone.h"
+#include "Support/AppFixture.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "ForgetfulFileManager.h"
+#include "Support/ForgetfulFileManager.h"
 
 #include "WavFixture.h"
 

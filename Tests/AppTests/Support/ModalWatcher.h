@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AppFixture.h"
+#include "Support/AppFixture.h"
 
 #include <QApplication>
 #include <QDialog>
