@@ -3,7 +3,6 @@
 #include "AudioSupport/AudioError.h"
 #include "AudioSupport/ConvertedFileWriter.h"
 #include "AudioSupport/OpenAudio.h"
-#include "AudioSupport/StatusCheck.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,6 @@
 #include "AudioSupport/ConvertedFileWriter.h"
 
 #include "AudioSupport/AudioError.h"
-#include "AudioSupport/StatusCheck.h"
 #include "Models/Device.h"
 
 #include <cerrno>

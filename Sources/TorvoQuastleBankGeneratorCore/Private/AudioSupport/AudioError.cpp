@@ -1,8 +1,9 @@
-#include "AudioSupport/StatusCheck.h"
-
 #include "AudioSupport/AudioError.h"
+
 #include "Models/GenerationError.h"
 #include "Platform/FileError.h"
+
+#include <string>
 
 namespace torvo {
 
