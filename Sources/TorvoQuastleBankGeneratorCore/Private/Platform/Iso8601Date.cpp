@@ -1,5 +1,6 @@
 #include "Platform/Iso8601Date.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -7,74 +8,19 @@ namespace torvo {
 
 namespace {
 
-class NotADate {};
+/// Whether the text has the form of a sample in which "0" stands for any digit.
+bool hasForm(std::string_view text, std::string_view sample) {
+    return std::ranges::equal(text, sample, [](char character, char sampled) {
+        return sampled == '0' ? character >= '0' && character <= '9' : character == sampled;
+    });
+}
 
-/// Parses fixed-width digits and separators from the beginning of a text.
-class DateReader {
-public:
-    explicit DateReader(std::string_view text) : rest_(text) {}
-
-    int digits(std::size_t count) {
-        if (rest_.size() < count)
-            fail();
-        int value = 0;
-        for (const char c : rest_.substr(0, count)) {
-            if (c < '0' || c > '9')
-                fail();
-            value = value * 10 + (c - '0');
-        }
-        rest_.remove_prefix(count);
-        return value;
-    }
-
-    char oneOf(std::string_view allowed) {
-        if (rest_.empty() || allowed.find(rest_.front()) == std::string_view::npos)
-            fail();
-        const char c = rest_.front();
-        rest_.remove_prefix(1);
-        return c;
-    }
-
-    void end() const {
-        if (!rest_.empty())
-            fail();
-    }
-
-    [[noreturn]] static void fail() { throw NotADate(); }
-
-private:
-    std::string_view rest_;
-};
-
-std::chrono::sys_seconds parse(std::string_view text) {
-    using namespace std::chrono;
-    DateReader reader(text);
-    const year y(reader.digits(4));
-    reader.oneOf("-");
-    const month m(static_cast<unsigned>(reader.digits(2)));
-    reader.oneOf("-");
-    const day d(static_cast<unsigned>(reader.digits(2)));
-    reader.oneOf("T");
-    const hours hour(reader.digits(2));
-    reader.oneOf(":");
-    const minutes minute(reader.digits(2));
-    reader.oneOf(":");
-    const seconds second(reader.digits(2));
-    hours offsetHour{0};
-    minutes offsetMinute{0};
-    const char zone = reader.oneOf("Z+-");
-    if (zone != 'Z') {
-        offsetHour = hours(reader.digits(2));
-        reader.oneOf(":");
-        offsetMinute = minutes(reader.digits(2));
-    }
-    reader.end();
-    const year_month_day date(y, m, d);
-    if (!date.ok() || hour >= 24h || minute >= 60min || second >= 60s || offsetHour >= 24h ||
-        offsetMinute >= 60min)
-        DateReader::fail();
-    const auto offset = offsetHour + offsetMinute;
-    return sys_days(date) + hour + minute + second + (zone == '-' ? offset : -offset);
+/// The value of digits.
+int number(std::string_view digits) {
+    int value = 0;
+    for (const char digit : digits)
+        value = value * 10 + (digit - '0');
+    return value;
 }
 
 } // namespace
@@ -93,11 +39,27 @@ std::string iso8601(std::chrono::sys_seconds time) {
 }
 
 std::optional<std::chrono::sys_seconds> iso8601Date(std::string_view text) {
-    try {
-        return parse(text);
-    } catch (const NotADate&) {
+    using namespace std::chrono;
+    constexpr std::string_view sample = "0000-00-00T00:00:00";
+    if (!hasForm(text.substr(0, sample.size()), sample))
         return std::nullopt;
-    }
+    const auto zone = text.substr(sample.size());
+    if (zone != "Z" && !hasForm(zone, "+00:00") && !hasForm(zone, "-00:00"))
+        return std::nullopt;
+
+    const year_month_day date(year(number(text.substr(0, 4))),
+                              month(static_cast<unsigned>(number(text.substr(5, 2)))),
+                              day(static_cast<unsigned>(number(text.substr(8, 2)))));
+    const hours hour(number(text.substr(11, 2)));
+    const minutes minute(number(text.substr(14, 2)));
+    const seconds second(number(text.substr(17, 2)));
+    const hours offsetHour(zone == "Z" ? 0 : number(zone.substr(1, 2)));
+    const minutes offsetMinute(zone == "Z" ? 0 : number(zone.substr(4, 2)));
+    if (!date.ok() || hour >= 24h || minute >= 60min || second >= 60s || offsetHour >= 24h ||
+        offsetMinute >= 60min)
+        return std::nullopt;
+    const auto offset = offsetHour + offsetMinute;
+    return sys_days(date) + hour + minute + second + (zone.front() == '-' ? offset : -offset);
 }
 
 } // namespace torvo
