@@ -164,6 +164,13 @@ Bytes busyChunk(const MarkdownPage& page, const Bytes& payload) {
     return chunk;
 }
 
+void expectStamped(Bytes file, const Stamp& stamp, const Bytes& expected) {
+    TorvoWAVMetadataWriter().updateBusyChunk(file, stamp.options, stamp.channel);
+    EXPECT_TRUE(file == expected) << "rate " << displayName(stamp.options.rate) << ", filter "
+                                  << displayName(stamp.options.filterType) << ", channel "
+                                  << stamp.channel;
+}
+
 TEST(FormatDocuments, describeANewBusyChunk) {
     const auto description = page("docs/formats/busy-chunk.md");
     const DescribedPayload described(description);
@@ -173,12 +180,7 @@ TEST(FormatDocuments, describeANewBusyChunk) {
         described.write(payload, stamp, true);
         auto expected = original;
         append(expected, busyChunk(description, payload));
-
-        auto file = original;
-        TorvoWAVMetadataWriter().updateBusyChunk(file, stamp.options, stamp.channel);
-        EXPECT_TRUE(file == expected)
-            << "rate " << displayName(stamp.options.rate) << ", filter "
-            << displayName(stamp.options.filterType) << ", channel " << stamp.channel;
+        expectStamped(original, stamp, expected);
     }
 }
 
@@ -193,11 +195,7 @@ TEST(FormatDocuments, describeWhatASecondStampChanges) {
         described.write(payload, stamp, false);
         auto expected = wavOf(stamp.dataSize);
         append(expected, busyChunk(description, payload));
-
-        TorvoWAVMetadataWriter().updateBusyChunk(file, stamp.options, stamp.channel);
-        EXPECT_TRUE(file == expected)
-            << "rate " << displayName(stamp.options.rate) << ", filter "
-            << displayName(stamp.options.filterType) << ", channel " << stamp.channel;
+        expectStamped(file, stamp, expected);
     }
 }
 
