@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <iostream>
 #include <spawn.h>
@@ -34,6 +35,16 @@ std::string readToEnd(int descriptor) {
     }
 }
 
+/// Returns 0 or an error number.
+int spawn(pid_t& child, std::vector<std::string> arguments,
+          const posix_spawn_file_actions_t* actions) {
+    std::vector<char*> pointers;
+    for (auto& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    return ::posix_spawnp(&child, pointers.front(), actions, nullptr, pointers.data(), environ);
+}
+
 rusage usageAtEnd(pid_t child, const std::string& name) {
     int status = 0;
     rusage usage{};
@@ -53,16 +64,9 @@ FinishedProcess runProcess(const std::vector<std::string>& arguments) {
     require(::posix_spawn_file_actions_init(&actions), "posix_spawn_file_actions_init");
     require(::posix_spawn_file_actions_adddup2(&actions, pipe[1], STDOUT_FILENO), "adddup2");
 
-    std::vector<std::string> copies = arguments;
-    std::vector<char*> pointers;
-    for (auto& argument : copies)
-        pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-
     const Stopwatch watch;
     pid_t child = 0;
-    const int error =
-        ::posix_spawnp(&child, pointers.front(), &actions, nullptr, pointers.data(), environ);
+    const int error = spawn(child, arguments, &actions);
     ::posix_spawn_file_actions_destroy(&actions);
     ::close(pipe[1]);
     FinishedProcess finished;
@@ -75,6 +79,24 @@ FinishedProcess runProcess(const std::vector<std::string>& arguments) {
     finished.seconds = watch.seconds();
     finished.peakMemory = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
     return finished;
+}
+
+BackgroundProcess::BackgroundProcess(const std::vector<std::string>& arguments) : process_(0) {
+    require(spawn(process_, arguments, nullptr), arguments.front());
+}
+
+BackgroundProcess::~BackgroundProcess() {
+    if (process_ == 0)
+        return;
+    ::kill(process_, SIGTERM);
+    while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+bool BackgroundProcess::isRunning() {
+    if (process_ != 0 && ::waitpid(process_, nullptr, WNOHANG) == process_)
+        process_ = 0;
+    return process_ != 0;
 }
 
 void runForked(const std::function<void()>& work) {

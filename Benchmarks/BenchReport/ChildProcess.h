@@ -20,6 +20,21 @@ struct FinishedProcess {
 /// program takes over. So this program keeps itself small and leaves the work to its children.
 FinishedProcess runProcess(const std::vector<std::string>& arguments);
 
+/// A program that runs in the background until this object is destroyed, which sends it SIGTERM.
+class BackgroundProcess {
+public:
+    /// Throws when the program cannot be started.
+    explicit BackgroundProcess(const std::vector<std::string>& arguments);
+    ~BackgroundProcess();
+    BackgroundProcess(const BackgroundProcess&) = delete;
+    BackgroundProcess& operator=(const BackgroundProcess&) = delete;
+
+    bool isRunning();
+
+private:
+    int process_;
+};
+
 /// Runs a function in a forked child, so that its memory does not affect later measurements. Throws
 /// when it fails.
 void runForked(const std::function<void()>& work);

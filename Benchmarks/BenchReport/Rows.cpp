@@ -7,6 +7,9 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <chrono>
+#include <iostream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -104,6 +107,49 @@ std::vector<Row> scanOther(const Bench& bench) {
     return {
         timeRow("scan of " + std::to_string(bench.sizes.otherFiles) + " files that are no audio",
                 headsFloor, scanAndReadHeads(bench, bench.inputs.otherFiles(), "loops"), 3)};
+}
+
+/// Shows a folder like a file server that answers each request after a while.
+class DistantFolder {
+public:
+    DistantFolder(const Bench& bench, const fs::path& folder)
+        : mountPoint_(emptied(bench.folder / "distant")),
+          server_({bench.bankRun.parent_path() / "slow-files", folder, mountPoint_, milliseconds}) {
+        while (fs::is_empty(mountPoint_)) {
+            if (!server_.isRunning())
+                throw std::runtime_error("cannot mount a FUSE file system");
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+
+    const fs::path& path() const { return mountPoint_; }
+
+    static constexpr auto milliseconds = "5";
+
+private:
+    fs::path mountPoint_;
+    BackgroundProcess server_;
+};
+
+/// On a file server waiting decides, not computing, so the baseline, too, has as many requests in
+/// flight as it takes, whatever the number of cores.
+std::vector<Row> scanDistant(const Bench& bench) {
+    if (!fs::exists("/dev/fuse")) {
+        std::cerr << "not measured: this system has no FUSE" << std::endl;
+        return {};
+    }
+    const DistantFolder distant(bench, bench.inputs.wavLibrary());
+    const auto files = filesBelow(distant.path());
+    constexpr std::size_t requestsInFlight = 16;
+    return {timeRow(
+        "scan of " + std::to_string(bench.sizes.wavFiles) +
+            " WAV files, each request answered after " + DistantFolder::milliseconds + " ms",
+        std::string(headsFloor) + ", " + std::to_string(requestsInFlight) + " in flight",
+        interleaved(
+            bench.sizes.runs,
+            [&] { return secondsOf(scanned(bench, distant.path(), "drums"), "scan"); },
+            [&] { return secondsToReadHeads(files, requestsInFlight); }),
+        1.3)};
 }
 
 FinishedProcess exported(const Bench& bench, const fs::path& library, const char* mode,
@@ -237,6 +283,7 @@ const std::vector<Measurement>& allMeasurements() {
         {"scan-many", scanMany},
         {"scan-mixed", scanMixed},
         {"scan-other", scanOther},
+        {"scan-distant", scanDistant},
         {"export-copy", exportCompatible},
         {"export-loops", exportLoops},
         {"export-sox", exportAgainstSox},
