@@ -3,9 +3,9 @@
 #include "Models/GenerationError.h"
 #include "Platform/FileOperations.h"
 #include "Platform/FolderWalk.h"
+#include "Platform/IOThreadPool.h"
 #include "Platform/LoadedLibrary.h"
 #include "Platform/NotFound.h"
-#include "Platform/TaskGroup.h"
 #include "Platform/UnicodeText.h"
 #include "RoleClassifier.h"
 
@@ -133,51 +133,31 @@ std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredFile> files) {
     return items;
 }
 
-/// Opens files on all cores while the enumeration continues.
+/// Opens files while the enumeration continues.
 class Inspection {
 public:
     explicit Inspection(const AudioFileInspecting& inspector) : inspector_(inspector) {}
-    /// After a failed enumeration, waits for running tasks and discards the others.
-    ~Inspection() noexcept {
-        tasks_.cancel();
-        try {
-            tasks_.wait();
-        } catch (const std::exception&) {
-            // The error of the enumeration is reported instead.
-        }
-    }
-    Inspection(const Inspection&) = delete;
-    Inspection& operator=(const Inspection&) = delete;
 
     void add(ClassifiedFile file) {
-        if (batches_.empty() || batches_.back().size() == batchSize)
-            batches_.emplace_back().reserve(batchSize);
-        batches_.back().push_back(std::move(file));
-        if (batches_.back().size() == batchSize)
-            start(batches_.back());
+        if (blocks_.empty() || blocks_.back().size() == blockSize)
+            blocks_.emplace_back().reserve(blockSize);
+        auto& added = blocks_.back().emplace_back(std::move(file));
+        if (added.mayBeOpened)
+            pool_.run([this, &added] { inspect(added); });
     }
+
+    IOThreadPool& pool() { return pool_; }
 
     /// Waits until all files have been opened and returns them in the order of `add`.
     std::list<std::vector<ClassifiedFile>> finish() {
-        if (!batches_.empty() && batches_.back().size() < batchSize)
-            start(batches_.back());
-        tasks_.wait();
-        return std::move(batches_);
+        pool_.wait();
+        return std::move(blocks_);
     }
 
 private:
-    static constexpr std::size_t batchSize = 8;
-
-    void start(std::vector<ClassifiedFile>& batch) {
-        tasks_.run([this, &batch] {
-            for (auto& file : batch)
-                inspect(file);
-        });
-    }
+    static constexpr std::size_t blockSize = 64;
 
     void inspect(ClassifiedFile& file) const {
-        if (!file.mayBeOpened)
-            return;
         try {
             file.format = inspector_.inspectAudioFile(file.url);
         } catch (const BrokenInstallation&) {
@@ -189,9 +169,9 @@ private:
     }
 
     const AudioFileInspecting& inspector_;
-    std::list<std::vector<ClassifiedFile>>
-        batches_; // tasks refer to the elements, so their addresses must not change
-    TaskGroup tasks_;
+    // Tasks refer to the elements, so their addresses must not change.
+    std::list<std::vector<ClassifiedFile>> blocks_;
+    IOThreadPool pool_; // ends its tasks before the elements are destroyed
 };
 
 /// Classifies items by their names and passes files with a role to the inspection.
@@ -277,15 +257,16 @@ ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode)
     }
     Inspection inspection(*inspector_);
     NamePass names(root, mode, inspection);
-    if (!enumerateDeep(*fileManager_, root, EnumerationOptions::skipPackageContents,
-                       UnreadableFolders::passOver, [&](EnumeratedItem item) {
-                           names.take(followed(*fileManager_, std::move(item)));
-                       }))
+    if (!enumerateDeep(
+            *fileManager_, root, EnumerationOptions::skipPackageContents,
+            UnreadableFolders::passOver,
+            [&](EnumeratedItem item) { names.take(followed(*fileManager_, std::move(item))); },
+            &inspection.pool()))
         throw unreadable();
 
     ScanReport report{mode, root, {}, {}, {}};
-    for (auto& batch : inspection.finish()) {
-        for (auto& [url, role, mayBeOpened, position, format] : batch) {
+    for (auto& block : inspection.finish()) {
+        for (auto& [url, role, mayBeOpened, position, format] : block) {
             if (!format) {
                 names.ignore(url, unsupportedReason, position);
                 continue;

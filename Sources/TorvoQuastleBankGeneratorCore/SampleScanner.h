@@ -17,10 +17,10 @@ public:
                   AudioCompatibilityEvaluator evaluator,
                   std::shared_ptr<const FileManager> fileManager);
 
-    /// Scans the folder and blocks until the scan is finished. Opens files on all cores; the report
-    /// does not depend on the number of cores. Throws `GenerationError` when the folder cannot be
-    /// read, `FileError` when an item cannot be inspected, and `BrokenInstallation`. Unsupported
-    /// files and broken links are not errors.
+    /// Scans the folder and blocks until the scan is finished. Opens many files at
+    /// once; the report does not depend on how many. Throws `GenerationError` when the folder
+    /// cannot be read, `FileError` when an item cannot be inspected, and `BrokenInstallation`.
+    /// Unsupported files and broken links are not errors.
     ScanReport scan(const FileURL& sourceFolder, GenerationMode mode) const;
 
 private:

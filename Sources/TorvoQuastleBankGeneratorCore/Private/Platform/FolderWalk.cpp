@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <deque>
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -29,13 +31,39 @@ std::vector<DirectoryEntry> sortedContents(const FileManager& fileManager,
     return entries;
 }
 
+/// The contents of a folder that are read on another thread.
+class ListingAhead {
+public:
+    ListingAhead(const FileManager& fileManager, std::filesystem::path folder, IOThreadPool& pool)
+        : pool_(pool),
+          entries_(std::make_shared<std::vector<DirectoryEntry>>()),
+          job_(pool.runFirst([&fileManager, folder = std::move(folder), entries = entries_] {
+              *entries = sortedContents(fileManager, folder);
+          })) {}
+
+    std::vector<DirectoryEntry> take() {
+        pool_.wait(*job_);
+        return std::move(*entries_);
+    }
+
+private:
+    IOThreadPool& pool_;
+    std::shared_ptr<std::vector<DirectoryEntry>> entries_;
+    std::shared_ptr<IOThreadPool::Job> job_;
+};
+
 /// Depth-first walk with an explicit stack, because deeply nested folders could overflow the call
 /// stack.
 class DeepEnumeration {
 public:
     DeepEnumeration(const FileManager& fileManager, EnumerationOptions options,
-                    UnreadableFolders unreadable, const EnumerationVisitor& visit)
-        : fileManager_(fileManager), options_(options), unreadable_(unreadable), visit_(visit) {}
+                    UnreadableFolders unreadable, const EnumerationVisitor& visit,
+                    IOThreadPool* readAhead)
+        : fileManager_(fileManager),
+          options_(options),
+          unreadable_(unreadable),
+          visit_(visit),
+          readAhead_(readAhead) {}
 
     /// `contents` are the entries of `root`.
     void walk(const FileURL& root, std::vector<DirectoryEntry> contents) {
@@ -47,14 +75,11 @@ public:
                 continue;
             }
             const auto& entry = level.entries[level.next++];
-            if (options_ == EnumerationOptions::skipHidden && entry.name.starts_with('.'))
+            if (isSkipped(entry))
                 continue;
-            const bool isFolder = entry.kind == FileKind::directory;
-            const auto url = level.folder.appendingPathComponent(
-                entry.name, isFolder ? FileURL::Kind::directory : FileURL::Kind::file);
+            const auto url = urlOf(level, entry);
             visit_({url, entry.kind});
-            if (isFolder &&
-                !(options_ == EnumerationOptions::skipPackageContents && isPackage(url)))
+            if (isEntered(url, entry))
                 enterFolder(url);
         }
     }
@@ -64,18 +89,63 @@ private:
         FileURL folder;
         std::vector<DirectoryEntry> entries;
         std::size_t next = 0;
+        std::deque<ListingAhead> listings = {}; ///< of the next folders to be entered
+        std::size_t nextToList = 0;
     };
+
+    static constexpr std::size_t maxListingsAhead = IOThreadPool::minThreadLimit;
+
+    static FileURL urlOf(const Level& level, const DirectoryEntry& entry) {
+        return level.folder.appendingPathComponent(entry.name, entry.kind == FileKind::directory
+                                                                   ? FileURL::Kind::directory
+                                                                   : FileURL::Kind::file);
+    }
+
+    bool isSkipped(const DirectoryEntry& entry) const {
+        return options_ == EnumerationOptions::skipHidden && entry.name.starts_with('.');
+    }
+
+    bool isEntered(const FileURL& url, const DirectoryEntry& entry) const {
+        return entry.kind == FileKind::directory &&
+               !(options_ == EnumerationOptions::skipPackageContents && isPackage(url));
+    }
 
     void enter(const FileURL& folder, std::vector<DirectoryEntry> entries) {
         levels_.push_back({folder, std::move(entries)});
+        listAhead(levels_.back());
     }
 
     void enterFolder(const FileURL& folder) {
         try {
-            enter(folder, sortedContents(fileManager_, folder.path()));
+            enter(folder, contentsOf(folder));
         } catch (const FileError&) {
             if (unreadable_ == UnreadableFolders::fail)
                 throw;
+        }
+    }
+
+    /// The entries of the next folder of the current level.
+    std::vector<DirectoryEntry> contentsOf(const FileURL& folder) {
+        if (readAhead_ == nullptr)
+            return sortedContents(fileManager_, folder.path());
+        auto& level = levels_.back();
+        auto listing = std::move(level.listings.front());
+        level.listings.pop_front();
+        listAhead(level);
+        return listing.take();
+    }
+
+    void listAhead(Level& level) {
+        if (readAhead_ == nullptr)
+            return;
+        for (; level.listings.size() < maxListingsAhead && level.nextToList < level.entries.size();
+             ++level.nextToList) {
+            const auto& entry = level.entries[level.nextToList];
+            if (entry.kind != FileKind::directory || isSkipped(entry))
+                continue;
+            const auto url = urlOf(level, entry);
+            if (isEntered(url, entry))
+                level.listings.emplace_back(fileManager_, url.path(), *readAhead_);
         }
     }
 
@@ -83,20 +153,23 @@ private:
     EnumerationOptions options_;
     UnreadableFolders unreadable_;
     const EnumerationVisitor& visit_;
+    IOThreadPool* readAhead_;
     std::vector<Level> levels_;
 };
 
 } // namespace
 
 bool enumerateDeep(const FileManager& fileManager, const FileURL& root, EnumerationOptions options,
-                   UnreadableFolders unreadable, const EnumerationVisitor& visit) {
+                   UnreadableFolders unreadable, const EnumerationVisitor& visit,
+                   IOThreadPool* readAhead) {
     std::vector<DirectoryEntry> contents;
     try {
         contents = sortedContents(fileManager, root.path());
     } catch (const FileError&) {
         return false;
     }
-    DeepEnumeration(fileManager, options, unreadable, visit).walk(root, std::move(contents));
+    DeepEnumeration(fileManager, options, unreadable, visit, readAhead)
+        .walk(root, std::move(contents));
     return true;
 }
 

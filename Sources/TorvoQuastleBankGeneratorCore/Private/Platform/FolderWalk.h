@@ -2,6 +2,7 @@
 
 #include "Platform/FileManager.h"
 #include "Platform/FileURL.h"
+#include "Platform/IOThreadPool.h"
 
 #include <functional>
 
@@ -28,9 +29,11 @@ enum class UnreadableFolders {
 using EnumerationVisitor = std::function<void(EnumeratedItem item)>;
 
 /// Visits every item below `root` depth first, the entries of each folder in byte order of their
-/// names. A folder is listed right after it was visited. Symbolic links are visited but not
-/// followed. Returns false without visiting anything when `root` is not a readable folder.
+/// names. A folder is listed right after it was visited, or earlier on the threads of `readAhead`,
+/// which must not outlive `fileManager`. Symbolic links are visited but not followed. Returns false
+/// without visiting anything when `root` is not a readable folder.
 bool enumerateDeep(const FileManager& fileManager, const FileURL& root, EnumerationOptions options,
-                   UnreadableFolders unreadable, const EnumerationVisitor& visit);
+                   UnreadableFolders unreadable, const EnumerationVisitor& visit,
+                   IOThreadPool* readAhead = nullptr);
 
 } // namespace torvo
