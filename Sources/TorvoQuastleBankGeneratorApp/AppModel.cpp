@@ -113,6 +113,11 @@ void AppModel::setCVChannel(std::int64_t channel, bool enabled) {
     setMetadataOptions(std::move(options));
 }
 
+void AppModel::showWrittenFolder() {
+    if (writtenFolder_)
+        panels_->showInFileBrowser(*writtenFolder_);
+}
+
 std::optional<FileURL> AppModel::pickFolder(const std::string& title) {
     return panels_->pickFolder(title);
 }
@@ -161,7 +166,7 @@ void AppModel::generateBanks() {
         auto completed = writeBanks(exporter, std::move(document), exportFolder, options);
         return [this, completed = std::move(completed)] {
             setCurrentDocument(completed.document);
-            setRunState(Finished{completed});
+            finish(completed);
         };
     });
 }
@@ -266,12 +271,19 @@ void AppModel::setScanState(ScanState state) {
         tasks_.start([previous = std::move(previous)] {});
 }
 
-void AppModel::setRunState(RunState state, std::optional<FileURL> failedFile) {
+void AppModel::setRunState(RunState state, std::optional<FileURL> failedFile,
+                           std::optional<FileURL> writtenFolder) {
     runState_ = std::move(state);
     failedFile_ = std::move(failedFile);
+    writtenFolder_ = std::move(writtenFolder);
     Q_EMIT runStateChanged();
     if (!isRunning())
         inspectExportRoot();
+}
+
+void AppModel::finish(CompletedExport completedExport) {
+    const FileURL folder = completedExport.summary.rootFolder;
+    setRunState(Finished{std::move(completedExport)}, std::nullopt, folder);
 }
 
 void AppModel::setCurrentDocument(std::shared_ptr<const BankMappingDocument> document) {

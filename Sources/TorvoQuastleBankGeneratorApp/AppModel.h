@@ -82,6 +82,9 @@ public:
     /// known and when the description contains the whole path already. It changes with `runState`,
     /// before observers are told.
     const std::optional<FileURL>& failedFile() const { return failedFile_; }
+    /// The device folder that the successful run in `runState` wrote or stamped; absent in any
+    /// other state. It changes like `failedFile`.
+    const std::optional<FileURL>& writtenFolder() const { return writtenFolder_; }
     const std::shared_ptr<const BankMappingDocument>& currentDocument() const {
         return currentDocument_;
     }
@@ -114,6 +117,9 @@ public:
     void setMetadataOptions(TorvoMetadataOptions options);
     /// Numbers outside 1 to 8 are ignored.
     void setCVChannel(std::int64_t channel, bool enabled);
+
+    /// Shows `writtenFolder` in the desktop's file browser.
+    void showWrittenFolder();
 
     /// None when the panel was cancelled.
     std::optional<FileURL> pickFolder(const std::string& title);
@@ -149,7 +155,9 @@ private:
     void assignSourceFolder(std::optional<FileURL> folder);
     void assignGenerationMode(GenerationMode mode);
     void setScanState(ScanState state);
-    void setRunState(RunState state, std::optional<FileURL> failedFile = std::nullopt);
+    void setRunState(RunState state, std::optional<FileURL> failedFile = std::nullopt,
+                     std::optional<FileURL> writtenFolder = std::nullopt);
+    void finish(CompletedExport completedExport);
     /// Writes the description of an error and its file to `runState` and `failedFile`.
     Publication failure(const std::exception_ptr& error);
     void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
@@ -180,6 +188,7 @@ private:
     ScanState scanState_ = Idle{};
     RunState runState_ = Idle{};
     std::optional<FileURL> failedFile_;
+    std::optional<FileURL> writtenFolder_;
     std::shared_ptr<const BankMappingDocument> currentDocument_;
     std::optional<FileURL> lastJSONURL_;
     int unfinishedRuns_ = 0;

@@ -49,7 +49,7 @@ void AppModel::importJSON() {
             auto completed = writeBanks(exporter, document, folder, options);
             return [this, url, completed = std::move(completed)] {
                 setCurrentDocument(completed.document);
-                setRunState(Finished{completed});
+                finish(completed);
                 setLastJSONURL(url);
             };
         },
@@ -62,8 +62,8 @@ void AppModel::applyMetadataToExistingBank() {
     startRun([this, folder = *sourceFolder_, options = metadataOptions_]() -> Publication {
         const std::int64_t count = TorvoWAVMetadataWriter().apply(options, folder);
         // Intended: "WAVs" for every count, 1 included.
-        return [this, message = "Metadata applied to " + std::to_string(count) + " WAVs"] {
-            setRunState(FinishedMessage{message});
+        return [this, message = "Metadata applied to " + std::to_string(count) + " WAVs", folder] {
+            setRunState(FinishedMessage{message}, std::nullopt, folder);
         };
     });
 }

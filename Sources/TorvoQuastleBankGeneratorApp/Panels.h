@@ -10,7 +10,8 @@ namespace torvo::app {
 inline constexpr const char* sourceFolderTitle = "Choose a source sample folder";
 inline constexpr const char* exportFolderTitle = "Choose an export destination folder";
 
-/// The modal panels in which the user names a file or a folder. None means cancelled.
+/// What the desktop shows beside the window: above all the modal panels in which the user names a
+/// file or a folder. None means cancelled.
 class Panels {
 public:
     virtual ~Panels() = default;
@@ -22,6 +23,9 @@ public:
     virtual std::optional<FileURL> saveJSONPanel(const std::string& defaultFileName) = 0;
     /// An existing JSON document.
     virtual std::optional<FileURL> pickJSONFile() = 0;
+
+    /// Shows where the item is, without waiting for it.
+    virtual void showInFileBrowser(const FileURL& item) = 0;
 };
 
 } // namespace torvo::app

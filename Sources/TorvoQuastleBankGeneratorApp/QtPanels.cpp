@@ -1,5 +1,6 @@
 #include "QtPanels.h"
 
+#include "Controls/FileBrowser.h"
 #include "Platform/SystemFileManager.h"
 #include "Text.h"
 
@@ -145,6 +146,10 @@ std::optional<FileURL> QtPanels::pickJSONFile() {
     panel.setDefaultSuffix(QStringLiteral("json"));
     allowJSONOnly(panel);
     return run(panel, FileURL::Kind::file);
+}
+
+void QtPanels::showInFileBrowser(const FileURL& item) {
+    app::showInFileBrowser(item, bus_ ? *bus_ : QDBusConnection::sessionBus());
 }
 
 } // namespace torvo::app

@@ -2,17 +2,23 @@
 
 #include "Panels.h"
 
+#include <QDBusConnection>
 #include <QString>
 
 #include <map>
+#include <optional>
+#include <utility>
 
 class QWidget;
 
 namespace torvo::app {
 
-/// The desktop's file panels, modal to a window that outlives them.
+/// The desktop's file panels, modal to a window that outlives them, and its file browser.
 class QtPanels final : public Panels {
 public:
+    /// `bus` is where the file browser is: the session bus when none is given.
+    explicit QtPanels(std::optional<QDBusConnection> bus = {}) : bus_(std::move(bus)) {}
+
     /// Until a window is named, panels stand alone.
     void setWindow(QWidget* window) { window_ = window; }
     /// Where the folder panel of this title opens; none: where the program was started.
@@ -21,8 +27,10 @@ public:
     std::optional<FileURL> pickFolder(const std::string& title) override;
     std::optional<FileURL> saveJSONPanel(const std::string& defaultFileName) override;
     std::optional<FileURL> pickJSONFile() override;
+    void showInFileBrowser(const FileURL& item) override;
 
 private:
+    std::optional<QDBusConnection> bus_;
     QWidget* window_ = nullptr;
     std::map<std::string, QString> starts_; ///< by title
 };

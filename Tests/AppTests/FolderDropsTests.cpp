@@ -1,4 +1,5 @@
 #include "Controls/FolderDrops.h"
+#include "Support/PrivateBus.h"
 #include "TemporaryFolder.h"
 
 #include <QApplication>
@@ -8,7 +9,6 @@
 #include <QDBusMessage>
 #include <QDragEnterEvent>
 #include <QMimeData>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 #include <QUrl>
@@ -21,37 +21,6 @@ using namespace torvo::app;
 using namespace torvo::test;
 
 namespace {
-
-/// A session bus of one's own.
-class PrivateBus {
-public:
-    PrivateBus() {
-        daemon_.start(QStringLiteral("dbus-daemon"),
-                      {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                       QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
-        while (!daemon_.canReadLine() && daemon_.waitForReadyRead()) {
-        }
-        address_ = QString::fromLatin1(daemon_.readLine().trimmed());
-    }
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-    ~PrivateBus() {
-        for (const QString& name : names_)
-            QDBusConnection::disconnectFromBus(name);
-        daemon_.kill();
-        daemon_.waitForFinished();
-    }
-
-    QDBusConnection connect(const char* name) {
-        names_ << QString::fromLatin1(name);
-        return QDBusConnection::connectToBus(address_, names_.back());
-    }
-
-private:
-    QProcess daemon_;
-    QString address_;
-    QStringList names_;
-};
 
 /// Stands in for the desktop's portal: answers when it is told to.
 class StandInPortal final : public QObject, protected QDBusContext {

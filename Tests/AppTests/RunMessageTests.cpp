@@ -128,3 +128,74 @@ TEST_F(RunMessageTest, showsWhyARunFailed) {
     EXPECT_EQ(label(QString::fromLatin1(text))->font().pixelSize(), 15);
     EXPECT_EQ(showing<StatusIcon>().size(), 1U);
 }
+
+TEST_F(RunMessageTest, offersToShowWhatARunWrote) {
+    const char* next = "Copy QZT508 to the top of your card";
+    const char* link = "Show folder";
+    prepareRun();
+    EXPECT_FALSE(button(link));
+    {
+        const auto gate = preparer->holdBank(1);
+        model.generateBanks();
+        EXPECT_FALSE(button(link));
+        gate->open();
+    }
+    waitForWork();
+    EXPECT_TRUE(shows(next));
+    EXPECT_EQ(colorOf(next), MarloTheme::ink);
+    ASSERT_TRUE(button(link));
+    EXPECT_EQ(button(link)->toolTip(),
+              QString::fromStdString((folder / "out/Kit A/QZT508").string()));
+    press(button(link));
+    EXPECT_EQ(panels->asked.back(), "show: " + (folder / "out/Kit A/QZT508").string());
+    // By keyboard, too.
+    panels->asked.clear();
+    EXPECT_EQ(button(link)->focusPolicy(), Qt::StrongFocus);
+    QTest::keyClick(button(link), Qt::Key_Return);
+    EXPECT_EQ(panels->asked.size(), 1U);
+    model.clearSource();
+    EXPECT_FALSE(button(link));
+    EXPECT_FALSE(shows(next));
+    EXPECT_FALSE(model.writtenFolder());
+}
+
+TEST_F(RunMessageTest, showsTheFolderThatWasStamped) {
+    const FileURL device = deviceFolder();
+    model.setSourceFolder(device);
+    model.applyMetadataToExistingBank();
+    EXPECT_FALSE(button("Show folder"));
+    waitForWork();
+    press(button("Show folder"));
+    EXPECT_EQ(panels->asked, std::vector<std::string>{"show: " + device.shownPath()});
+    // It is on the card already, as far as anybody knows.
+    EXPECT_FALSE(shows("Copy QZT508 to the top of your card"));
+}
+
+TEST_F(RunMessageTest, showsNoFolderOfARunThatFailed) {
+    model.setExportFolder(outputFolder());
+    scan(drumKit("Thin", 2));
+    model.generateBanks();
+    waitForWork();
+    ASSERT_TRUE(std::holds_alternative<AppModel::Failed>(model.runState()));
+    EXPECT_FALSE(button("Show folder"));
+    model.showWrittenFolder();
+    EXPECT_TRUE(panels->asked.empty());
+}
+
+TEST_F(RunMessageTest, theLinesOfAResultDoNotTouch) {
+    savedRun();
+    settle();
+    const char* lines[] = {"Random banks created", "Copy QZT508 to the top of your card"};
+    int bottom = 0;
+    for (const char* line : lines) {
+        const auto* found = label(QString::fromUtf8(line));
+        ASSERT_TRUE(found);
+        EXPECT_GE(found->geometry().top(), bottom) << line;
+        EXPECT_GE(found->height(), found->fontMetrics().height()) << line;
+        bottom = found->geometry().bottom();
+    }
+    const auto* counts = view.findChild<QLabel*>(QStringLiteral("runCounts"));
+    EXPECT_GE(counts->geometry().top(), bottom);
+    EXPECT_GE(counts->height(), counts->fontMetrics().height());
+    EXPECT_LE(button("Show folder")->geometry().bottom(), counts->geometry().top());
+}

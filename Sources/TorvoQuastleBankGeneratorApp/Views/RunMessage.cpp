@@ -5,6 +5,7 @@
 #include "Controls/Card.h"
 #include "Controls/ElidedPathLabel.h"
 #include "Controls/Labels.h"
+#include "Controls/LinkButton.h"
 #include "Controls/MessagePlate.h"
 #include "Controls/ProgressBar.h"
 #include "Controls/StatusIcon.h"
@@ -22,6 +23,8 @@ namespace {
 /// or fails.
 constexpr int plateHeight = 60;
 constexpr int maxMessageLines = 2;
+constexpr int lineSpacing = 2;
+constexpr int columnSpacing = 12;
 
 QString progressLine(const ProgressUpdate& update) {
     return RunMessage::tr("WRITING %1  %2/%3")
@@ -54,6 +57,7 @@ QString shortPath(const AppModel& model, const FileURL& file) {
 struct Content {
     std::optional<StatusKind> icon = std::nullopt;
     QString message = {};
+    QString nextStep = {};
     QString counts = {};
     int messagePixelSize = 15;
     MarloTheme::FontCut cut = MarloTheme::FontCut::medium;
@@ -80,6 +84,7 @@ Content contentOf(const AppModel& model) {
         Content operator()(const AppModel::Finished& run) const {
             return {.icon = StatusKind::success,
                     .message = toQString(run.completedExport.statusHeadline),
+                    .nextStep = RunMessage::tr("Copy QZT508 to the top of your card"),
                     .counts = counts(run.completedExport.summary)};
         }
         Content operator()(const AppModel::FinishedMessage& run) const {
@@ -103,13 +108,16 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
       plate_(new MessagePlate),
       icon_(new StatusIcon),
       message_(new WrappingLabel),
+      nextStep_(makeLabel({}, 12, MarloTheme::FontCut::regular, MarloTheme::ink)),
       counts_(makeLabel({}, 12, MarloTheme::FontCut::regular, MarloTheme::muted)),
       file_(new ElidedPathLabel),
-      progress_(new ProgressBar) {
+      progress_(new ProgressBar),
+      showFolder_(new LinkButton(tr("Show folder"))) {
     plate_->setFixedHeight(plateHeight);
     message_->setMaxLines(maxMessageLines);
     setAnnounced(*message_);
     message_->setObjectName(QStringLiteral("runMessage"));
+    setAnnounced(*nextStep_);
     counts_->setObjectName(QStringLiteral("runCounts"));
     counts_->setToolTip(
         tr("Each channel of a bank is written twice: into the bank's folder and into Pool.\n"
@@ -120,13 +128,22 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     file_->setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
     // It stands on the light plate of a failure.
     setTextColor(*file_, MarloTheme::panelRaised);
+    auto* result = new QVBoxLayout;
+    result->setSpacing(lineSpacing);
+    result->addWidget(message_);
+    result->addWidget(nextStep_);
+    // Not beside the counts: they need the whole width of a small screen.
+    auto* top = new QHBoxLayout;
+    top->setSpacing(columnSpacing);
+    top->addLayout(result, 1);
+    top->addWidget(showFolder_);
     auto* words = new QVBoxLayout;
-    words->setSpacing(2);
-    words->addWidget(message_);
+    words->setSpacing(lineSpacing);
+    words->addLayout(top);
     words->addWidget(counts_);
     words->addWidget(file_);
     auto* row = new QHBoxLayout;
-    row->setSpacing(12);
+    row->setSpacing(columnSpacing);
     row->addWidget(icon_, 0, Qt::AlignTop);
     row->addLayout(words, 1);
     auto* column = new QVBoxLayout(plate_);
@@ -139,6 +156,7 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(plate_);
+    connect(showFolder_, &QAbstractButton::clicked, &model, &AppModel::showWrittenFolder);
     bind(
         model, this, [this] { render(); }, &AppModel::sourceFolderChanged);
     connect(&model, &AppModel::runStateChanged, this, [this] {
@@ -160,6 +178,11 @@ void RunMessage::render() {
     message_->setText(content.message);
     message_->setCopyable(content.icon == StatusKind::failure);
     message_->setVisible(!content.message.isEmpty());
+    nextStep_->setText(content.nextStep);
+    nextStep_->setVisible(!content.nextStep.isEmpty());
+    const auto& written = model_.writtenFolder();
+    showFolder_->setVisible(written.has_value());
+    showFolder_->setToolTip(written ? plainToolTip(shownPath(*written)) : QString());
     counts_->setText(content.counts);
     counts_->setVisible(!content.counts.isEmpty());
     const auto& file = model_.failedFile();

@@ -8,6 +8,7 @@ namespace torvo::app {
 
 class AppModel;
 class ElidedPathLabel;
+class LinkButton;
 class MessagePlate;
 class ProgressBar;
 class StatusIcon;
@@ -27,9 +28,11 @@ private:
     MessagePlate* plate_;
     StatusIcon* icon_;
     WrappingLabel* message_;
+    QLabel* nextStep_;
     QLabel* counts_;
     ElidedPathLabel* file_; ///< the one that a failure is about
     ProgressBar* progress_;
+    LinkButton* showFolder_;
 };
 
 } // namespace torvo::app

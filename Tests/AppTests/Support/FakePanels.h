@@ -16,7 +16,7 @@ public:
     std::function<void()> whilePickingFolder = [] {};
     std::optional<FileURL> saveTarget;
     std::optional<FileURL> document;
-    /// "folder: title", "save: name", "open", in order.
+    /// "folder: title", "save: name", "open", "show: path", in order.
     std::vector<std::string> asked;
 
     std::optional<FileURL> pickFolder(const std::string& title) override {
@@ -31,6 +31,9 @@ public:
     std::optional<FileURL> pickJSONFile() override {
         asked.emplace_back("open");
         return document;
+    }
+    void showInFileBrowser(const FileURL& item) override {
+        asked.push_back("show: " + item.shownPath());
     }
 };
 

@@ -1,0 +1,40 @@
+#include "Controls/FileBrowser.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDesktopServices>
+#include <QStringList>
+#include <QUrl>
+
+namespace torvo::app {
+
+namespace {
+
+void openFolder(const FileURL& folder) {
+    QDesktopServices::openUrl(
+        QUrl::fromEncoded(QByteArray::fromStdString(folder.absoluteString())));
+}
+
+} // namespace
+
+void showInFileBrowser(const FileURL& item, const QDBusConnection& bus) {
+    // Qt reports no failure of a call without a bus.
+    if (!bus.isConnected()) {
+        openFolder(item.deletingLastPathComponent());
+        return;
+    }
+    auto call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
+                                               QStringLiteral("/org/freedesktop/FileManager1"),
+                                               QStringLiteral("org.freedesktop.FileManager1"),
+                                               QStringLiteral("ShowItems"));
+    const QString startupId;
+    call << QStringList(QString::fromStdString(item.absoluteString())) << startupId;
+    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, item] {
+        watcher->deleteLater();
+        if (watcher->isError())
+            openFolder(item.deletingLastPathComponent());
+    });
+}
+
+} // namespace torvo::app
