@@ -42,3 +42,16 @@ TEST(ProgressBar, isPaintedAtItsFraction) {
     EXPECT_PIXEL(seen(0, 99, 0), 5, 3, MarloTheme::panelRaised);
     EXPECT_PIXEL(seen(0, 99, 99), 194, 3, MarloTheme::accent);
 }
+
+TEST(ProgressBar, itsLightRunsFromEndToEnd) {
+    const QRectF bar(QPointF(0, 0), QSizeF(barSize));
+    EXPECT_LE(lightOnBar(bar, 0).right(), bar.left());
+    double previous = -bar.width();
+    for (const double seconds : {0.0, 0.4, 0.8, 1.2, 1.6, 2.0, 2.39}) {
+        const double left = lightOnBar(bar, seconds).left();
+        EXPECT_GT(left, previous);
+        previous = left;
+    }
+    EXPECT_GT(previous, 0.98 * bar.right());
+    EXPECT_LT(lightOnBar(bar, 2.5).left(), bar.left());
+}

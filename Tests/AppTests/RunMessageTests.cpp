@@ -16,7 +16,34 @@ namespace {
 
 const QString hint = QStringLiteral("Choose an output folder above!");
 
-class RunMessageTest : public testing::Test, protected ContentViewFixture {};
+/// Counts how often a widget is painted.
+class Paints final : public QObject {
+public:
+    explicit Paints(QWidget& widget) { widget.installEventFilter(this); }
+    int count() const { return count_; }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        count_ += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+
+private:
+    int count_ = 0;
+};
+
+class RunMessageTest : public testing::Test, protected ContentViewFixture {
+protected:
+    /// Whether the one bar on the screen is painted again and again, each time in another way.
+    bool isAlive() {
+        auto* bar = showing<ProgressBar>().at(0);
+        const Paints paints(*bar);
+        const auto moves = [&, before = bar->grab().toImage(), painted = paints.count()] {
+            return paints.count() > painted + 1 && bar->grab().toImage() != before;
+        };
+        return waitUntil(moves) && waitUntil(moves);
+    }
+};
 
 } // namespace
 
@@ -198,4 +225,24 @@ TEST_F(RunMessageTest, theLinesOfAResultDoNotTouch) {
     EXPECT_GE(counts->geometry().top(), bottom);
     EXPECT_GE(counts->height(), counts->fontMetrics().height());
     EXPECT_LE(button("Show folder")->geometry().bottom(), counts->geometry().top());
+}
+
+// A slow card takes long to forget the banks that were there, and to keep the last ones.
+TEST_F(RunMessageTest, movesWhileACardIsSlow) {
+    const auto target = folder.createFolder("out/Kit A/QZT508");
+    const auto removal = fileManager->holdRemoval(target);
+    const auto flush = fileManager->holdFlush(target.parent_path());
+    prepareRun();
+    model.generateBanks();
+    ASSERT_TRUE(waitUntil([&] { return removal->isReached(); }));
+    EXPECT_TRUE(shows("PREPARING EXPORT…"));
+    EXPECT_TRUE(showing<ProgressBar>().at(0)->isIndeterminate());
+    EXPECT_TRUE(isAlive());
+    removal->open();
+    ASSERT_TRUE(waitUntil([&] { return flush->isReached() && shows("WRITING KitA099  99/99"); }));
+    EXPECT_EQ(showing<ProgressBar>().at(0)->value(), 99);
+    EXPECT_TRUE(isAlive());
+    flush->open();
+    waitForWork();
+    EXPECT_TRUE(shows("Random banks created"));
 }

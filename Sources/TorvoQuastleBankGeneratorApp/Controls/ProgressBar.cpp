@@ -3,6 +3,7 @@
 #include "MarloTheme.h"
 #include "Painting.h"
 
+#include <QLinearGradient>
 #include <QPainter>
 
 #include <algorithm>
@@ -18,7 +19,20 @@ constexpr int barHeight = 6;
 constexpr int minWidth = 120;
 constexpr double sweepSeconds = 1.6; ///< there and back
 constexpr double movingPart = 0.3;   ///< of the bar's width
+constexpr double lightSeconds = 2.4; ///< from one end to the other
+constexpr double lightOpacity = 0.25;
 constexpr std::chrono::milliseconds frameTime{33};
+
+void paintLight(QPainter& painter, const QRectF& bar, const QRectF& light) {
+    const QColor clear = MarloTheme::withOpacity(MarloTheme::ink, 0);
+    QLinearGradient gradient(light.topLeft(), light.topRight());
+    gradient.setColorAt(0, clear);
+    gradient.setColorAt(0.5, MarloTheme::withOpacity(MarloTheme::ink, lightOpacity));
+    gradient.setColorAt(1, clear);
+    const double radius = bar.height() / 2;
+    painter.setBrush(gradient);
+    painter.drawRoundedRect(bar, radius, radius);
+}
 
 } // namespace
 
@@ -46,14 +60,17 @@ void paintProgress(QPainter& painter, const QRectF& bar, const QRectF& fill) {
         radius, radius);
 }
 
+QRectF lightOnBar(const QRectF& bar, double seconds) {
+    const double phase = std::fmod(seconds, lightSeconds) / lightSeconds;
+    const double width = bar.width() * movingPart;
+    return {bar.left() - width + (bar.width() + width) * phase, bar.top(), width, bar.height()};
+}
+
 ProgressBar::ProgressBar(QWidget* parent) : QProgressBar(parent) {
     setTextVisible(false);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     frames_.setInterval(frameTime);
-    connect(&frames_, &QTimer::timeout, this, [this] {
-        if (isIndeterminate())
-            update();
-    });
+    connect(&frames_, &QTimer::timeout, this, [this] { update(); });
 }
 
 QSize ProgressBar::sizeHint() const {
@@ -63,13 +80,15 @@ QSize ProgressBar::sizeHint() const {
 void ProgressBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QRectF bar = rect();
+    const double seconds =
+        shownFor_.isValid() ? static_cast<double>(shownFor_.elapsed()) / 1000 : 0;
     if (isIndeterminate()) {
-        const double seconds = static_cast<double>(shownFor_.elapsed()) / 1000;
         paintProgress(painter, bar, indeterminateFill(bar, seconds));
     } else {
         const double fraction =
             static_cast<double>(value() - minimum()) / static_cast<double>(maximum() - minimum());
         paintProgress(painter, bar, progressFill(bar, fraction));
+        paintLight(painter, bar, lightOnBar(bar, seconds));
     }
 }
 

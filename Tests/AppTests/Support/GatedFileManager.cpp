@@ -12,9 +12,13 @@ std::shared_ptr<Gate> GatedFileManager::holdRemoval(const fs::path& path) {
     return hold(removals_, path);
 }
 
+std::shared_ptr<Gate> GatedFileManager::holdFlush(const fs::path& path) {
+    return hold(flushes_, path);
+}
+
 void GatedFileManager::openAll() {
     const std::scoped_lock lock(mutex_);
-    for (const auto* gates : {&inspections_, &removals_})
+    for (const auto* gates : {&inspections_, &removals_, &flushes_})
         for (const auto& [path, gate] : *gates)
             gate->open();
 }
@@ -28,6 +32,11 @@ std::optional<FileStatus> GatedFileManager::linkStatus(const fs::path& path) con
 void GatedFileManager::removeItem(const fs::path& path) const {
     pass(removals_, path);
     ForwardingFileManager::removeItem(path);
+}
+
+void GatedFileManager::flushVolume(const fs::path& path) const {
+    pass(flushes_, path);
+    ForwardingFileManager::flushVolume(path);
 }
 
 std::shared_ptr<Gate> GatedFileManager::hold(Gates& gates, const fs::path& path) {

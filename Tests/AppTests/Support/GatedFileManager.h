@@ -19,10 +19,13 @@ public:
     std::shared_ptr<Gate> holdInspection(const std::filesystem::path& path);
     /// This item is removed late.
     std::shared_ptr<Gate> holdRemoval(const std::filesystem::path& path);
+    /// The volume that holds this item is flushed late.
+    std::shared_ptr<Gate> holdFlush(const std::filesystem::path& path);
     void openAll();
 
     std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
     void removeItem(const std::filesystem::path& path) const override;
+    void flushVolume(const std::filesystem::path& path) const override;
 
 private:
     using Gates = std::map<std::filesystem::path, std::shared_ptr<Gate>>;
@@ -33,6 +36,7 @@ private:
     mutable std::mutex mutex_;
     Gates inspections_;
     Gates removals_;
+    Gates flushes_;
 };
 
 } // namespace torvo::test
