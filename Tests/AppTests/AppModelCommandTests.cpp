@@ -29,7 +29,7 @@ protected:
     }
     bool runIs(AppModel::RunState state) const { return model.runState() == state; }
 
-    /// One bank of eight loops, saved as a document; the files are there unless `absent`.
+    /// A document with one bank of eight loops; the files exist unless `absent`.
     BankMappingDocument savedDocument(const FileURL& at, const std::string& source = "Loops") {
         BankRecipe recipe{.bankIndex = 1,
                           .shortName = "Loops001",
@@ -53,7 +53,7 @@ protected:
     }
     FileURL documentURL() const { return FileURL(folder / "mapping.json"); }
 
-    /// A loaded document whose banks are written.
+    /// Imports a document and waits until its banks are written.
     void import() {
         loops();
         savedDocument(documentURL());
@@ -93,7 +93,7 @@ TEST_F(AppModelCommandTest, aCancelledSavePanelChangesNothing) {
     EXPECT_TRUE(runIs(run));
 }
 
-TEST_F(AppModelCommandTest, tellsWhyADocumentCouldNotBeSaved) {
+TEST_F(AppModelCommandTest, reportsWhyADocumentCouldNotBeSaved) {
     import();
     panels->saveTarget = FileURL("/proc/nowhere/mapping.json");
     model.exportJSON();
@@ -199,7 +199,7 @@ TEST_F(AppModelCommandTest, importKeepsTheScanAndItsModeBlocksGenerating) {
     EXPECT_TRUE(runIs(run));
 }
 
-TEST_F(AppModelCommandTest, importOfAGoneFolderFailsWhileWriting) {
+TEST_F(AppModelCommandTest, importOfARemovedFolderFailsWhileWriting) {
     const auto document = savedDocument(documentURL(), "Gone");
     panels->document = documentURL();
     model.setExportFolder(outputFolder());
@@ -213,8 +213,8 @@ TEST_F(AppModelCommandTest, importOfAGoneFolderFailsWhileWriting) {
     EXPECT_EQ(model.generationMode(), GenerationMode::loops);
 }
 
-// The run that it waited for has brought a document of its own meanwhile.
-TEST_F(AppModelCommandTest, aFailedImportKeepsItsDocumentBehindAnotherRun) {
+// Meanwhile the run before it has made a document of its own.
+TEST_F(AppModelCommandTest, aFailedImportKeepsItsDocumentAfterAnotherRun) {
     const auto document = savedDocument(documentURL(), "Gone");
     panels->document = documentURL();
     prepareRun();
@@ -228,7 +228,7 @@ TEST_F(AppModelCommandTest, aFailedImportKeepsItsDocumentBehindAnotherRun) {
     EXPECT_EQ(*model.currentDocument(), document);
 }
 
-TEST_F(AppModelCommandTest, theDocumentNamesTheTargetOnceTheSourceIsGone) {
+TEST_F(AppModelCommandTest, theDocumentNamesTheTargetAfterTheSourceIsCleared) {
     loops();
     savedDocument(documentURL());
     panels->document = documentURL();
@@ -267,7 +267,7 @@ TEST_F(AppModelCommandTest, countsTheStampedFiles) {
     }
 }
 
-TEST_F(AppModelCommandTest, stampsWithTheSettingsOfThePress) {
+TEST_F(AppModelCommandTest, stampsWithTheSettingsAtTheStart) {
     const auto file = folder.write("QZT508/Bank 1/3/hit.wav", wavFile(WavFormat{}, 16));
     model.setSourceFolder(FileURL::directory(folder / "QZT508"));
     model.applyMetadataToExistingBank();
@@ -284,7 +284,7 @@ TEST_F(AppModelCommandTest, stampsWithTheSettingsOfThePress) {
     EXPECT_NE(bytesOf(file), withDefaults);
 }
 
-TEST_F(AppModelCommandTest, tellsWhyAFileCouldNotBeStamped) {
+TEST_F(AppModelCommandTest, reportsWhyAFileCouldNotBeStamped) {
     folder.write("QZT508/Bank 1/3/broken.wav", "no sound");
     model.setSourceFolder(FileURL::directory(folder / "QZT508"));
     model.applyMetadataToExistingBank();
@@ -292,7 +292,7 @@ TEST_F(AppModelCommandTest, tellsWhyAFileCouldNotBeStamped) {
     EXPECT_EQ(runFailure(), "Not a RIFF/WAVE file.");
 }
 
-TEST_F(AppModelCommandTest, namesTheFileOfAFailureAsLongAsTheFailureStands) {
+TEST_F(AppModelCommandTest, namesTheFileOfAFailureWhileTheFailureIsShown) {
     const FileURL broken(folder.write("QZT508/Bank 1/3/broken.wav", "no sound"));
     std::vector<std::optional<FileURL>> seen;
     QObject::connect(&model, &AppModel::runStateChanged, &model,
@@ -307,7 +307,7 @@ TEST_F(AppModelCommandTest, namesTheFileOfAFailureAsLongAsTheFailureStands) {
     const std::optional<FileURL> none;
     // Idle, running, failed, running, failed, idle.
     EXPECT_EQ(seen, (Seen{none, none, broken, none, broken, none}));
-    // The description names it.
+    // The description contains the path already.
     panels->document = FileURL(folder / "absent.json");
     model.importJSON();
     EXPECT_NE(runFailure().find(panels->document->shownPath()), std::string::npos);

@@ -43,7 +43,7 @@ protected:
         const auto* finished = std::get_if<Finished>(&model.runState());
         return finished ? &finished->completedExport : nullptr;
     }
-    /// Work that goes on when its source is gone: its end brings a document and its file.
+    /// Starts work that ends with a document and its file after the source has been cleared.
     std::shared_ptr<Gate> importHeldBack() {
         panels->document = savedRun();
         const auto gate = preparer->holdBank(1);
@@ -99,7 +99,7 @@ TEST_F(AppModelTest, scansAChosenFolder) {
     EXPECT_TRUE(model.canClearSource());
 }
 
-TEST_F(AppModelTest, choosingAFolderForgetsTheLastRun) {
+TEST_F(AppModelTest, choosingAFolderClearsTheResultOfTheLastRun) {
     savedRun();
     model.setSourceFolder(loops());
     EXPECT_TRUE(scanIs(Scanning{}));
@@ -107,13 +107,13 @@ TEST_F(AppModelTest, choosingAFolderForgetsTheLastRun) {
     waitForWork();
 }
 
-TEST_F(AppModelTest, tellsWhyAScanFailed) {
+TEST_F(AppModelTest, reportsWhyAScanFailed) {
     scan(FileURL::directory(folder / "absent"));
     EXPECT_EQ(scanFailure(), "Unable to read " + (folder / "absent").string() + ".");
     EXPECT_TRUE(runIs(Idle{}));
 }
 
-TEST_F(AppModelTest, aDeadLinkIsListedAndTheScanGoesOn) {
+TEST_F(AppModelTest, aBrokenLinkIsListedAndTheScanContinues) {
     drumKit();
     std::filesystem::create_symlink("nothing", folder / "Kit A/Kick/dead.wav");
     scan(FileURL::directory(folder / "Kit A"));
@@ -178,8 +178,9 @@ TEST_F(AppModelTest, aNewModeWithADeviceFolderResets) {
     expectLoadedStateReset();
 }
 
-// Work that outlives its source brings a scan, a document and its file to a model without one.
-TEST_F(AppModelTest, aNewModeWithoutASourceForgetsWhatCameAfterIt) {
+// Work that ends after its source was cleared sets the scan, the document and its file of a model
+// without a source.
+TEST_F(AppModelTest, aNewModeWithoutASourceDiscardsTheDocument) {
     const auto bank = importHeldBack();
     const auto scan = inspector->hold("Kit B");
     model.setSourceFolder(drumKit("Kit B"));
@@ -191,7 +192,7 @@ TEST_F(AppModelTest, aNewModeWithoutASourceForgetsWhatCameAfterIt) {
     expectANewModeToForget();
 }
 
-TEST_F(AppModelTest, aNewModeWithADeviceFolderForgetsWhatCameAfterIt) {
+TEST_F(AppModelTest, aNewModeWithADeviceFolderDiscardsTheDocument) {
     const auto bank = importHeldBack();
     model.setSourceFolder(FileURL::directory(folder.createFolder("QZT508")));
     bank->open();
@@ -241,7 +242,7 @@ TEST_F(AppModelTest, assignsChannelsOneToEightOnly) {
     EXPECT_EQ(model.metadataOptions().cvAssignedChannels, std::set<std::int64_t>{8});
 }
 
-TEST_F(AppModelTest, canGenerateOnceThereIsEnoughAndAFolderForIt) {
+TEST_F(AppModelTest, canGenerateWithEnoughSamplesAndAnOutputFolder) {
     scan(drumKit());
     EXPECT_FALSE(model.canGenerate());
     model.setExportFolder(outputFolder());
@@ -346,12 +347,12 @@ TEST_F(AppModelTest, drawsSeedsOfSixtyFourBits) {
         waitForWork();
         bits |= model.currentDocument()->recipes.front().seed;
     }
-    // Each half of two drawn seeds is 0 once in 2^64 times.
+    // A half of a random seed is 0 in both runs with a probability of 2^-64.
     EXPECT_NE(bits >> 32U, 0U);
     EXPECT_NE(bits & 0xFFFFFFFFU, 0U);
 }
 
-TEST_F(AppModelTest, laterEditsDoNotReachARun) {
+TEST_F(AppModelTest, laterEditsDoNotChangeARun) {
     const FileURL first = outputFolder("first");
     model.setExportFolder(first);
     scan(drumKit());
@@ -376,7 +377,7 @@ TEST_F(AppModelTest, aFailedRunKeepsTheLastDocument) {
     EXPECT_EQ(model.currentDocument(), document);
 }
 
-TEST_F(AppModelTest, tellsWhatIsMissingForBanks) {
+TEST_F(AppModelTest, reportsWhatIsMissingForBanks) {
     model.setExportFolder(outputFolder());
     scan(drumKit("Thin", 2));
     model.generateBanks();
@@ -386,7 +387,7 @@ TEST_F(AppModelTest, tellsWhatIsMissingForBanks) {
     EXPECT_FALSE(model.currentDocument());
 }
 
-TEST_F(AppModelTest, carriesOutRunsOneAtATimeInTheirOrder) {
+TEST_F(AppModelTest, carriesOutRunsOneAtATimeInOrder) {
     model.setExportFolder(outputFolder("first"));
     scan(drumKit());
     const auto gate = preparer->holdBank(1);
@@ -397,7 +398,7 @@ TEST_F(AppModelTest, carriesOutRunsOneAtATimeInTheirOrder) {
     QObject::connect(&model, &AppModel::runStateChanged, &model, [&] {
         if (completed())
             finished.push_back(completed()->summary.rootFolder.path());
-        // While the first run writes, the second has touched nothing.
+        // The second run must not write while the first one does.
         EXPECT_TRUE(!finished.empty() || std::filesystem::is_empty(folder / "second"));
     });
     gate->open();
@@ -406,7 +407,7 @@ TEST_F(AppModelTest, carriesOutRunsOneAtATimeInTheirOrder) {
                                                             folder / "second/Kit A/QZT508"}));
 }
 
-TEST_F(AppModelTest, tellsObserversAfterTheChange) {
+TEST_F(AppModelTest, notifiesObserversAfterTheChange) {
     std::vector<std::string> seen;
     const auto observe = [&](auto signal, auto describe) {
         QObject::connect(&model, signal, &model, [&seen, describe] { seen.push_back(describe()); });
@@ -442,7 +443,7 @@ TEST_F(AppModelTest, appliesMetadataOnlyToAFolderThatExistsAndWhileNothingRuns) 
     EXPECT_FALSE(model.canApplyExistingBankMetadata());
 }
 
-/// Has every item, or can inspect none.
+/// A file system on which every item exists, or none can be inspected.
 class FakeCard final : public ForwardingFileManager {
 public:
     bool canBeInspected = true;
@@ -454,7 +455,7 @@ public:
     }
 };
 
-TEST_F(AppModelTest, asksItsFileManagerWhetherTheDeviceFolderExists) {
+TEST_F(AppModelTest, usesItsFileManagerToFindTheDeviceFolder) {
     const auto card = std::make_shared<FakeCard>();
     AppModel onCard(SampleScanner(inspector, AudioCompatibilityEvaluator{}, card), BankGenerator{},
                     BankExporter(card, preparer, TorvoWAVMetadataWriter{}), BankMappingStore{},
@@ -465,14 +466,14 @@ TEST_F(AppModelTest, asksItsFileManagerWhetherTheDeviceFolderExists) {
     EXPECT_FALSE(onCard.canApplyExistingBankMetadata());
 }
 
-TEST(AppModelEnd, waitsForTheWorkThatStillRuns) {
+TEST(AppModelEnd, waitsForRunningWork) {
     auto fixture = std::make_unique<AppFixture>();
     const std::weak_ptr<GatedInspector> inspector = fixture->inspector;
     const auto gate = fixture->inspector->hold("Kit A");
     fixture->model.setSourceFolder(fixture->drumKit());
     ASSERT_TRUE(fixture->model.isBusy());
     gate->open();
-    // The scan holds a copy of the scanner; nobody does once its thread has ended.
+    // The scan holds a copy of the scanner until its thread ends.
     fixture.reset();
     EXPECT_TRUE(inspector.expired());
 }

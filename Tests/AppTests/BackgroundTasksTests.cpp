@@ -14,7 +14,7 @@ namespace {
 using app::BackgroundTasks;
 using ::testing::ElementsAre;
 
-TEST(BackgroundTasks, runsWorkOneAfterAnotherInTheOrderOfItsStart) {
+TEST(BackgroundTasks, runsQueuedWorkInOrder) {
     BackgroundTasks tasks;
     std::vector<int> begun; // by one task at a time
     const auto gate = std::make_shared<Gate>();
@@ -35,7 +35,7 @@ TEST(BackgroundTasks, runsWorkOneAfterAnotherInTheOrderOfItsStart) {
     EXPECT_THAT(begun, ElementsAre(1, 2, 3));
 }
 
-TEST(BackgroundTasks, startsOtherWorkBesideWhatIsRunning) {
+TEST(BackgroundTasks, runsOtherWorkInParallel) {
     BackgroundTasks tasks;
     const auto gate = std::make_shared<Gate>();
     tasks.startInTurn([gate] { gate->pass(); });
@@ -43,7 +43,7 @@ TEST(BackgroundTasks, startsOtherWorkBesideWhatIsRunning) {
     EXPECT_TRUE(waitUntil([&] { return !tasks.isBusy(); }));
 }
 
-TEST(BackgroundTasks, dropsWhatHadNotStartedWhenItGoes) {
+TEST(BackgroundTasks, discardsWorkThatHasNotStartedWhenDestroyed) {
     bool secondRan = false;
     {
         BackgroundTasks tasks;
@@ -70,7 +70,7 @@ TEST(BackgroundTasks, runsJobsOnTheMainThreadInOrder) {
     EXPECT_THAT(threads, testing::Each(std::this_thread::get_id()));
 }
 
-TEST(BackgroundTasks, givesWayToTheWindow) {
+TEST(BackgroundTasks, lowersThePriorityOfItsThreads) {
     BackgroundTasks tasks;
     const int ours = getpriority(PRIO_PROCESS, 0);
     std::optional<int> theirs;

@@ -16,7 +16,7 @@ using MarloTheme::withOpacity;
 
 namespace {
 
-/// Far from the label: only background and border are met.
+/// The column is far from the label: it contains only background and border.
 constexpr QSize canvas{200, 40};
 
 QImage drawn(const MarloButtonStyle& style) {
@@ -31,7 +31,7 @@ QImage drawn(const ChannelToggleButtonStyle& style) {
     });
 }
 
-/// The widget as it paints itself.
+/// The image that the widget paints.
 QImage drawn(QWidget& widget) {
     widget.resize(widget.sizeHint());
     return painted(widget.size(), MarloTheme::panel, [&](QPainter& painter) {
@@ -39,7 +39,7 @@ QImage drawn(QWidget& widget) {
     });
 }
 
-/// The pixel of the label that is nearest to its full colour, as a distance.
+/// The smallest colour distance between a pixel of the label and `color`.
 int distanceOfLabel(const QImage& image, const QRect& around, const QColor& expected) {
     int best = 255 * 3;
     for (int y = around.top(); y <= around.bottom(); ++y) {
@@ -121,7 +121,7 @@ TEST(MarloButton, paintsEachStateInItsColours) {
         EXPECT_EQ(row.style.labelColor(), row.label);
         EXPECT_EQ(row.style.opacity(), row.opacity);
 
-        // The whole button is one layer: parts are mixed first, the layer is blended once.
+        // The button is one layer: its parts are combined first, then blended once.
         const QColor under = MarloTheme::panel;
         const QImage image = drawn(row.style);
         const QColor fill = blended(row.background, under);
@@ -188,7 +188,7 @@ TEST(MarloButton, isPressedOnceHoweverLongEnterIsHeld) {
     EXPECT_EQ(clicks.size(), 1);
 }
 
-TEST(MarloButton, answersThePointer) {
+TEST(MarloButton, showsAHoverOverlay) {
     const QImage still = drawn(MarloButtonStyle{});
     EXPECT_NE(drawn(MarloButtonStyle{.hovered = true}), still);
     EXPECT_EQ(drawn(MarloButtonStyle{.enabled = false, .hovered = true}),
@@ -206,7 +206,7 @@ TEST(MarloButton, keepsItsEdgeSharpAtEveryScale) {
             MarloButtonStyle{.prominent = true}.paint(painter, QRectF({0, 0}, canvas),
                                                       QStringLiteral("GO"));
         }
-        // The fill reaches the last row and column in full.
+        // The fill covers the last row and column completely.
         const int middle = image.height() / 2;
         EXPECT_PIXEL(image, image.width() - 1, middle, MarloTheme::accent);
         EXPECT_PIXEL(image, 30, image.height() - 1, MarloTheme::accent);
@@ -296,7 +296,7 @@ TEST(ChannelToggleButton, hasRoundCornersAndAThinBorder) {
     EXPECT_PIXEL(off, 15, 1, MarloTheme::panelRaised);
 }
 
-TEST(ChannelToggleButton, leavesTheChangeToItsOwner) {
+TEST(ChannelToggleButton, doesNotChangeItsOwnState) {
     ChannelToggleButton button(3);
     button.show();
     QSignalSpy clicks(&button, &QAbstractButton::clicked);

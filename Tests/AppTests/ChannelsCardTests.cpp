@@ -113,7 +113,7 @@ TEST_F(ChannelsCardTest, nothingMovesWhenAScanEnds) {
     expectStill(loops("Loops", 3), "Loops");
 }
 
-TEST_F(ChannelsCardTest, whatBlocksARunStandsOut) {
+TEST_F(ChannelsCardTest, highlightsWhatPreventsARun) {
     CountRow row(QStringLiteral("CH2 CLAP"));
     row.resize(300, row.sizeHint().height());
     row.show();
@@ -134,7 +134,7 @@ TEST_F(ChannelsCardTest, whatBlocksARunStandsOut) {
     }
 }
 
-TEST_F(ChannelsCardTest, saysWhatIsMissingAndWhatIsFilledIn) {
+TEST_F(ChannelsCardTest, showsWhatIsMissingAndWhatPercussionReplaces) {
     const QString note = QStringLiteral("percussion plays on this channel");
     const auto standings = [this] {
         std::map<std::string, CountRow::Standing> found;
@@ -169,7 +169,7 @@ TEST_F(ChannelsCardTest, saysWhatIsMissingAndWhatIsFilledIn) {
     EXPECT_EQ(standings()["LOOPS"], Standing::enough);
 }
 
-TEST_F(ChannelsCardTest, digitsStayInTheirColumn) {
+TEST_F(ChannelsCardTest, digitsStayAlignedWithABadge) {
     CountRow row(QStringLiteral("CH2 CLAP"));
     row.resize(378, CountRow::height);
     row.show();
@@ -213,7 +213,7 @@ TEST_F(ChannelsCardTest, aNewReportStartsAtItsTop) {
     EXPECT_EQ(bar->value(), 0);
 }
 
-TEST_F(ChannelsCardTest, anOpenListTakesTheHeightThatTheWindowHasToSpare) {
+TEST_F(ChannelsCardTest, anOpenListTakesSurplusHeight) {
     for (int index = 0; index < 60; ++index)
         folder.write("Kit A/Kick/notes " + std::to_string(index) + ".txt", "notes");
     scan(drumKit());
@@ -228,7 +228,7 @@ TEST_F(ChannelsCardTest, anOpenListTakesTheHeightThatTheWindowHasToSpare) {
     const int higher = heightAt(1500);
     EXPECT_EQ(heightAt(1700), higher + 200);
     EXPECT_GT(list->height(), usual);
-    // No further than to its last row.
+    // The list is not higher than all its rows.
     EXPECT_EQ(heightAt(3600), heightAt(4000));
     EXPECT_EQ(list->verticalScrollBar()->maximum(), 0);
     EXPECT_EQ(heightAt(980), usual);
@@ -240,7 +240,7 @@ TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {
         loops("Kit A/" + role, samples++);
     scan(FileURL::directory(folder / "Kit A"));
     QApplication::processEvents();
-    // As they are read: down the first column, then down the next.
+    // In reading order: down the first column, then down the second.
     auto rows = showing<CountRow>();
     std::ranges::sort(rows, {}, [this](const CountRow* row) {
         const QPoint place = row->mapTo(&view, QPoint(0, 0));
@@ -277,7 +277,7 @@ TEST_F(ChannelsCardTest, countsLoopsAndStabsAsOne) {
     EXPECT_FALSE(shows("STABS"));
 }
 
-// An import changes the mode and keeps the report.
+// An import changes the mode but not the report.
 TEST_F(ChannelsCardTest, countsWhatTheReportCounted) {
     model.setGenerationMode(GenerationMode::loops);
     model.setExportFolder(outputFolder());
@@ -336,7 +336,7 @@ TEST_F(ChannelsCardTest, listsStayOpenAcrossScans) {
     EXPECT_FALSE(section("ignoredFiles")->isExpanded());
 }
 
-TEST_F(ChannelsCardTest, showsAndTellsThePathAndTheReasonOfEachRow) {
+TEST_F(ChannelsCardTest, rowsHaveTheirPathAndReasonAsTextAndAccessibleText) {
     folder.write("Kit A/Kick/notes.txt", "notes");
     scan(drumKit());
     const auto* list = section("ignoredFiles")->list();

@@ -84,7 +84,7 @@ TEST_F(ContentViewTest, opensTheMakersPage) {
     EXPECT_EQ(receiver.opened, QList<QUrl>{QUrl(QStringLiteral("https://halvorine.example/"))});
 }
 
-TEST_F(ContentViewTest, tellsTheTwoFolderButtonsApart) {
+TEST_F(ContentViewTest, distinguishesTheTwoFolderButtonsForScreenReaders) {
     EXPECT_EQ(sourceButton()->text(), outputButton()->text());
     EXPECT_EQ(sourceButton()->accessibleDescription(), QStringLiteral("Source folder"));
     EXPECT_EQ(outputButton()->accessibleDescription(), QStringLiteral("Output folder"));
@@ -117,7 +117,7 @@ TEST_F(ContentViewTest, aDroppedDeviceFolderIsStampedNotScanned) {
     EXPECT_TRUE(shows("Metadata applied to 0 WAVs"));
 }
 
-TEST_F(ContentViewTest, takesNoNameForMarkup) {
+TEST_F(ContentViewTest, showsNamesThatLookLikeMarkup) {
     const QString name = QStringLiteral("<b>kick.txt");
     folder.write("Kit A/Kick/<b>kick.txt", "notes");
     drumKit();
@@ -135,7 +135,7 @@ TEST_F(ContentViewTest, takesNoNameForMarkup) {
     }
 }
 
-TEST_F(ContentViewTest, clipsNothingAtItsSmallestSize) {
+TEST_F(ContentViewTest, clipsNothingAtItsMinimumSize) {
     EXPECT_EQ(view.minimumSize(), QSize(880, 760));
     view.resize(view.minimumSize());
     const std::string longName(220, 'n');

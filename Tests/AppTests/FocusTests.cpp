@@ -23,7 +23,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
     }
     QWidget* ringed() const { return view.findChild<FocusRing*>()->ringed(); }
-    /// A kit whose run is held back at its first bank.
+    /// Starts a run that waits at its first bank.
     std::shared_ptr<Gate> readyToRun() {
         prepareRun();
         return preparer->holdBank(1);
@@ -71,7 +71,7 @@ TEST_F(FocusTest, aClickShowsNoRing) {
     EXPECT_EQ(ring->ringed(), nullptr);
 }
 
-// Where the focus of a disabled button went, the next key would press something else.
+// If the focus of a disabled button moved, the next key press would press another control.
 TEST_F(FocusTest, waitsForTheMainButtonWhileARunIsWritten) {
     const auto gate = readyToRun();
     mainButton()->setFocus(Qt::TabFocusReason);
@@ -115,7 +115,7 @@ TEST_F(FocusTest, doesNotJumpFromClear) {
     EXPECT_EQ(QApplication::focusWidget(), clear);
 }
 
-// The next control is APPLY: the next key would stamp the folder that was just dropped.
+// The next control is APPLY: a key press would stamp the folder that was just dropped.
 TEST_F(FocusTest, doesNotJumpFromTheHiddenFolderButton) {
     outputButton()->setFocus(Qt::MouseFocusReason);
     model.setSourceFolder(deviceFolder());
@@ -127,7 +127,7 @@ TEST_F(FocusTest, doesNotJumpFromTheHiddenFolderButton) {
     EXPECT_EQ(ringed(), nullptr);
 }
 
-// A click into the list, and a ring at APPLY or a jump of the page when the next scan began.
+// After a click into the list, the next scan moved the focus ring to APPLY or scrolled the page.
 TEST_F(FocusTest, waitsForTheListWhileItsFolderIsScanned) {
     for (int index = 0; index < 20; ++index)
         folder.write("Kit A/Kick/notes " + std::to_string(index) + ".txt", "notes");
@@ -160,7 +160,7 @@ TEST_F(FocusTest, waitsForTheListWhileItsFolderIsScanned) {
     }
 }
 
-TEST_F(FocusTest, bringsItsControlIntoSight) {
+TEST_F(FocusTest, scrollsItsControlIntoView) {
     view.resize(view.minimumSize());
     scan(drumKit());
     QApplication::processEvents();
@@ -192,7 +192,7 @@ TEST_F(FocusTest, theWheelScrollsThePageNotTheSettings) {
         const QPointF place = QRectF(box->rect()).center();
         QWheelEvent wheel(place, box->mapToGlobal(place), {}, {0, -120}, Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
-        // Only what comes from outside is passed on to the page.
+        // Only a wheel movement that started outside the list scrolls the page.
         QSpontaneKeyEvent::setSpontaneous(&wheel);
         qApp->notify(box, &wheel);
         EXPECT_EQ(box->currentText(), before);
@@ -201,7 +201,7 @@ TEST_F(FocusTest, theWheelScrollsThePageNotTheSettings) {
     EXPECT_EQ(model.metadataOptions(), TorvoMetadataOptions());
 }
 
-TEST(FocusRing, isBackAfterTheMenuBarHadTheFocus) {
+TEST(FocusRing, returnsAfterTheMenuBarHadTheFocus) {
     QMainWindow window;
     auto* const content = new QWidget;
     auto* const button = new QComboBox(content);
@@ -222,7 +222,7 @@ TEST(FocusRing, isBackAfterTheMenuBarHadTheFocus) {
     EXPECT_EQ(ring.ringed(), button);
 }
 
-TEST(FocusRing, outlivesTheControlsItRinged) {
+TEST(FocusRing, survivesTheDestructionOfItsControl) {
     QWidget window;
     FocusRing ring(window);
     auto* const passing = new QWidget(&window);

@@ -22,7 +22,7 @@ using namespace torvo::test;
 
 namespace {
 
-/// Stands in for the desktop's portal: answers when it is told to.
+/// A fake file transfer portal that answers on demand.
 class StandInPortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileTransfer")
@@ -56,7 +56,7 @@ private:
     std::optional<QDBusConnection> connection_;
 };
 
-/// Drops what a sandboxed program is given. True when it was taken.
+/// Drops a portal key as a sandboxed program would. Returns whether the drop was accepted.
 bool dropTransfer(QWidget& area, const QByteArray& key) {
     QMimeData data;
     data.setData(QStringLiteral("application/vnd.portal.filetransfer"), key);
@@ -76,8 +76,8 @@ struct Offer {
 
 } // namespace
 
-// A source that hears that its files were moved deletes them.
-TEST(FolderDrops, neverTakesFilesForMoved) {
+// A drag source deletes its files after a move.
+TEST(FolderDrops, neverAcceptsAMove) {
     const TemporaryFolder folder;
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QString::fromStdString(folder.path().string()))});
@@ -86,7 +86,7 @@ TEST(FolderDrops, neverTakesFilesForMoved) {
     drops.watch(area);
     area.show();
     QSignalSpy dropped(&drops, &FolderDrops::folderDropped);
-    // With Shift, a move is what the source proposes.
+    // With Shift, the source proposes a move.
     for (const Offer& offer :
          {Offer{"copy or move", Qt::CopyAction | Qt::MoveAction, Qt::CopyAction},
           Offer{"all", Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction},
@@ -111,7 +111,7 @@ TEST(FolderDrops, neverTakesFilesForMoved) {
     }
 }
 
-TEST(FolderDrops, fetchesWhatASandboxedDesktopDrops) {
+TEST(FolderDrops, retrievesFoldersFromThePortal) {
     const TemporaryFolder folder;
     const auto path = QString::fromStdString(folder.path().string());
     PrivateBus bus;
@@ -126,14 +126,14 @@ TEST(FolderDrops, fetchesWhatASandboxedDesktopDrops) {
     ASSERT_TRUE(dropTransfer(area, QByteArray("the key", 8)));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !portal.keys.empty(); }));
     EXPECT_EQ(portal.keys, QStringList(QStringLiteral("the key")));
-    // The drop returned while the portal was silent.
+    // The drop does not wait for the portal.
     EXPECT_TRUE(dropped.empty());
     portal.answer({path + QStringLiteral("/missing.wav"), path});
     ASSERT_TRUE(QTest::qWaitFor([&] { return !dropped.empty(); }));
     EXPECT_EQ(dropped[0][0].value<FileURL>(), FileURL::directory(folder.path()));
 }
 
-TEST(FolderDrops, takesNothingFromAPortalThatRefuses) {
+TEST(FolderDrops, ignoresADropThatThePortalRefuses) {
     const TemporaryFolder folder;
     PrivateBus bus;
     StandInPortal portal(bus.connect("portal"));
@@ -146,7 +146,7 @@ TEST(FolderDrops, takesNothingFromAPortalThatRefuses) {
     ASSERT_TRUE(dropTransfer(area, "refused"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return portal.keys.size() == 1; }));
     portal.refuse();
-    // Answers come in the order of the questions.
+    // The answers arrive in the order of the requests.
     ASSERT_TRUE(dropTransfer(area, "granted"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return portal.keys.size() == 2; }));
     portal.answer({QString::fromStdString(folder.path().string())});

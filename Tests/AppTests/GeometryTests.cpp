@@ -22,8 +22,8 @@ using namespace torvo::test;
 
 namespace {
 
-/// The free areas of common screens at 1, 1.25, 1.5 and 2 times, without a window's frame and
-/// menus.
+/// The free areas of common screens at scale factors of 1, 1.25, 1.5 and 2, less a window frame and
+/// the menu bar.
 std::vector<QSize> contentSizes() {
     constexpr QSize outside{0, 72};
     std::vector<QSize> sizes;

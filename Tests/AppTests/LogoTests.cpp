@@ -29,7 +29,7 @@ bool contains(const QImage& image, const QColor& color) {
 
 } // namespace
 
-TEST(Logo, isLookedForInTheProgramThenBelowTheCurrentDirectory) {
+TEST(Logo, isSearchedInTheProgramThenBelowTheCurrentFolder) {
     const QString file =
         QStringLiteral("Sources/TorvoQuastleBankGeneratorApp/Resources/HVRN_dude_hips.png");
     EXPECT_EQ(halvorineLogoLocations(), QStringList({QStringLiteral(":/HVRN_dude_hips.png"), file,
@@ -37,7 +37,7 @@ TEST(Logo, isLookedForInTheProgramThenBelowTheCurrentDirectory) {
     EXPECT_FALSE(loadHalvorineLogoImage().isNull());
 }
 
-TEST(Logo, isTheFirstImageThatLoads) {
+TEST(Logo, isTheFirstImageThatCanBeLoaded) {
     const TemporaryFolder folder;
     const auto broken = folder.write("broken.png", "no picture");
     const QString first = saved(folder, "first.png", Qt::red);

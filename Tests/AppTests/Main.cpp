@@ -5,11 +5,11 @@
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
-    // Also while the build asks for the list of tests.
+    // Also needed when the build lists the tests.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
-    // Without a runtime folder Qt makes one in the temporary folder and leaves it there.
+    // Without a runtime folder, Qt creates one in the temporary folder and does not remove it.
     const torvo::test::TemporaryFolder runtimeFolder;
     qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(runtimeFolder.path().string()));
     QApplication application(argc, argv);

@@ -64,7 +64,7 @@ TEST(MarloStyle, listsTheChoicesOfAComboBoxBelowItsText) {
     box.hidePopup();
 }
 
-TEST(MarloStyle, aComboBoxIsNotLitAfterItsListClosedElsewhere) {
+TEST(MarloStyle, aComboBoxIsNotHighlightedAfterItsListClosed) {
     QComboBox box;
     box.addItems({QStringLiteral("Off"), QStringLiteral("LP"), QStringLiteral("BP")});
     box.setGeometry(50, 50, 200, 34);
@@ -171,7 +171,7 @@ TEST(MarloStyle, marksTheFocusInDialogs) {
     EXPECT_GT(mark(second), 2 * (80 + 30));
 }
 
-TEST(MarloStyle, marksTheMenuThatTheKeyboardChose) {
+TEST(MarloStyle, highlightsTheMenuSelectedByKeyboard) {
     QMainWindow window;
     for (const char* title : {"File", "Help"})
         window.menuBar()->addMenu(QString::fromLatin1(title))->addAction(QStringLiteral("Quit"));

@@ -30,7 +30,7 @@ TEST(MarloTheme, multipliesOpacities) {
     EXPECT_NEAR(MarloTheme::withOpacity(MarloTheme::line, 0.5).alphaF(), 20.0 / 255 / 2, 0.001);
 }
 
-TEST(MarloTheme, takesEachCutFromTheFamilyOrTheSystem) {
+TEST(MarloTheme, findsEachStyleInTheFamilyOrTheSystemFont) {
     using enum MarloTheme::FontCut;
     struct Row {
         MarloTheme::FontCut cut;

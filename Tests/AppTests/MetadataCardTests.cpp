@@ -42,7 +42,7 @@ TEST_F(MetadataCardTest, offersTheSettingsOfTheDevice) {
     EXPECT_EQ(boxes[0]->accessibleName(), QStringLiteral("Bits"));
     EXPECT_EQ(boxes[1]->accessibleName(), QStringLiteral("Rate"));
     EXPECT_EQ(boxes[2]->accessibleName(), QStringLiteral("Filter"));
-    // A box is named by its choice; what it is about, its label says.
+    // The accessible name of a combo box is its current choice; its purpose is its label.
     for (std::size_t index = 0; const char* caption : {"BITS", "RATE", "FILTER"}) {
         QAccessibleInterface* box = QAccessible::queryAccessibleInterface(boxes[index++]);
         const auto labels = box->relations(QAccessible::Label);

@@ -24,11 +24,11 @@ class OutputCardTest : public testing::Test, protected ContentViewFixture {
 protected:
     const char* note = "exists, will be replaced";
 
-    /// Where the banks of Kit A go.
+    /// The device folder of Kit A in the output folder.
     std::filesystem::path target(const std::string& output = "out") const {
         return folder / output / "Kit A/QZT508";
     }
-    /// The user comes back from another window.
+    /// Activates the window, as after a visit to another one.
     void reactivate() {
         QWidget other;
         other.show();
@@ -55,7 +55,7 @@ TEST_F(OutputCardTest, aCancelledOutputPanelClearsTheOutput) {
     EXPECT_FALSE(mainButton()->isEnabled());
 }
 
-TEST_F(OutputCardTest, applyStandsWhereGenerateStood) {
+TEST_F(OutputCardTest, applyHasThePlaceOfGenerate) {
     QApplication::processEvents();
     const auto place = [this] {
         return QRect(mainButton()->mapTo(&view, QPoint()), mainButton()->size());
@@ -69,7 +69,7 @@ TEST_F(OutputCardTest, applyStandsWhereGenerateStood) {
     EXPECT_EQ(place(), generate);
 }
 
-TEST_F(OutputCardTest, doesNotApplyToAFolderThatHasGone) {
+TEST_F(OutputCardTest, doesNotApplyToAFolderThatWasRemoved) {
     const FileURL device = deviceFolder();
     model.setSourceFolder(device);
     ASSERT_TRUE(mainButton()->isEnabled());
@@ -80,7 +80,7 @@ TEST_F(OutputCardTest, doesNotApplyToAFolderThatHasGone) {
     EXPECT_FALSE(shows("Metadata applied to 0 WAVs"));
 }
 
-TEST_F(OutputCardTest, asksForTheFolderAgainWhenTheWindowIsActivated) {
+TEST_F(OutputCardTest, inspectsTheFolderAgainWhenTheWindowIsActivated) {
     const FileURL device = deviceFolder();
     model.setSourceFolder(device);
     std::filesystem::remove_all(device.path());
@@ -118,7 +118,7 @@ TEST_F(OutputCardTest, theDisabledApplyGivesNoHint) {
     EXPECT_TRUE(mainButton()->toolTip().isEmpty());
 }
 
-// One hint for every reason, on purpose.
+// Intended: the same hint for every reason.
 TEST_F(OutputCardTest, theDisabledButtonGivesOneHint) {
     EXPECT_EQ(mainButton()->text(), QStringLiteral("GENERATE"));
     EXPECT_FALSE(mainButton()->isEnabled());
@@ -149,8 +149,8 @@ TEST_F(OutputCardTest, offersNoRunWhileOneIsCarriedOut) {
     EXPECT_TRUE(mainButton()->isEnabled());
 }
 
-// TARGET names the folder of the source on the screen; a press must write nowhere else.
-TEST_F(OutputCardTest, generatesFromTheFolderOnTheScreenOnly) {
+// TARGET shows the folder of the current source; GENERATE must not write anywhere else.
+TEST_F(OutputCardTest, generatesOnlyFromTheShownSource) {
     panels->document = savedRun();
     scan(drumKit("Kit B"));
     EXPECT_TRUE(mainButton()->isEnabled());
@@ -162,13 +162,13 @@ TEST_F(OutputCardTest, generatesFromTheFolderOnTheScreenOnly) {
     EXPECT_EQ(mainButton()->toolTip(), hint);
     scan(drumKit());
     EXPECT_TRUE(mainButton()->isEnabled());
-    // The document of the folder that was scanned.
+    // The document contains the folder that was scanned.
     model.importJSON();
     waitForWork();
     EXPECT_TRUE(mainButton()->isEnabled());
 }
 
-TEST_F(OutputCardTest, doesNotGenerateFromAScanThatOutlivedItsSource) {
+TEST_F(OutputCardTest, doesNotGenerateAfterItsSourceWasCleared) {
     model.setExportFolder(outputFolder());
     const auto first = inspector->hold("Slow");
     model.setSourceFolder(drumKit("Slow"));
@@ -211,7 +211,7 @@ TEST_F(OutputCardTest, showsTheSavedMappingFile) {
               shownPath(*panels->saveTarget));
 }
 
-TEST_F(OutputCardTest, theMappingFileGoesWithAReset) {
+TEST_F(OutputCardTest, aResetHidesTheMappingFile) {
     savedRun();
     auto* file = view.findChild<ElidedPathLabel*>(QStringLiteral("mappingFile"));
     ASSERT_TRUE(shows("JSON"));
@@ -231,7 +231,7 @@ TEST_F(OutputCardTest, keepsLongPathsWholeInTooltipAndClipboard) {
     EXPECT_TRUE(target->text().startsWith(QStringLiteral("/start")));
     EXPECT_TRUE(target->text().endsWith(QStringLiteral("/end")));
     EXPECT_EQ(target->toolTip(), plainToolTip(target->path()));
-    // The keyboard gets there, sees all of it and copies it.
+    // By keyboard: focus the path, show its tooltip and copy it.
     EXPECT_TRUE((target->focusPolicy() & Qt::TabFocus) != 0);
     target->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(QToolTip::text(), plainToolTip(target->path()));
@@ -256,7 +256,7 @@ TEST_F(OutputCardTest, saysThatTheTargetWillBeReplaced) {
     ASSERT_TRUE(shows(note));
     EXPECT_EQ(colorOf(note), MarloTheme::muted);
     EXPECT_FALSE(label(QString::fromUtf8(note))->accessibleName().isEmpty());
-    // Another source, another target.
+    // Another source has another target.
     scan(drumKit("Kit B"));
     EXPECT_FALSE(shows(note));
     scan(drumKit());
@@ -265,7 +265,7 @@ TEST_F(OutputCardTest, saysThatTheTargetWillBeReplaced) {
     EXPECT_FALSE(shows(note));
 }
 
-// The run deletes a link, a broken one, too.
+// A run deletes links, including broken ones.
 TEST_F(OutputCardTest, saysThatALinkWillBeReplaced) {
     folder.createFolder("out/Kit A");
     std::filesystem::create_symlink("nowhere", target());
@@ -285,7 +285,7 @@ TEST_F(OutputCardTest, replacesNothingWhereSettingsAreApplied) {
     EXPECT_FALSE(shows(note));
 }
 
-TEST_F(OutputCardTest, asksForTheTargetAgainWhenTheWindowIsActivated) {
+TEST_F(OutputCardTest, inspectsTheTargetAgainWhenTheWindowIsActivated) {
     prepareRun();
     folder.createFolder("out/Kit A/QZT508");
     EXPECT_FALSE(shows(note));
@@ -303,7 +303,7 @@ TEST_F(OutputCardTest, saysAfterARunThatTheNextOneReplacesIt) {
     const auto gate = preparer->holdBank(1);
     model.generateBanks();
     EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(target()); }));
-    // What is being written now is not what will be replaced.
+    // The folder that is being written is not about to be replaced.
     reactivate();
     EXPECT_TRUE(waitUntil([this] { return model.replacesExistingBanks(); }));
     EXPECT_FALSE(shows(note));
@@ -312,7 +312,7 @@ TEST_F(OutputCardTest, saysAfterARunThatTheNextOneReplacesIt) {
     EXPECT_TRUE(shows(note));
 }
 
-TEST_F(OutputCardTest, aTargetThatAnswersLateHoldsNothingUp) {
+TEST_F(OutputCardTest, aSlowTargetBlocksNothing) {
     folder.createFolder("slow/Kit A/QZT508");
     const auto slow = fileManager->holdInspection(target("slow"));
     scan(drumKit());
@@ -320,7 +320,7 @@ TEST_F(OutputCardTest, aTargetThatAnswersLateHoldsNothingUp) {
     EXPECT_TRUE(waitUntil([&] { return slow->isReached(); }));
     EXPECT_FALSE(shows(note));
     EXPECT_TRUE(mainButton()->isEnabled());
-    // Nor does it speak for another folder.
+    // The note does not apply to another folder.
     model.setExportFolder(outputFolder("fast"));
     slow->open();
     waitForWork();
@@ -337,7 +337,7 @@ TEST_F(OutputCardTest, aTargetThatAnswersLateHoldsNothingUp) {
     EXPECT_TRUE(shows(note));
 }
 
-TEST_F(OutputCardTest, asksAgainWhenSomethingChangedWhileItAsked) {
+TEST_F(OutputCardTest, inspectsAgainAfterAChangeDuringAnInspection) {
     scan(drumKit());
     const auto gate = fileManager->holdInspection(target());
     model.setExportFolder(outputFolder());
@@ -349,7 +349,7 @@ TEST_F(OutputCardTest, asksAgainWhenSomethingChangedWhileItAsked) {
     EXPECT_TRUE(shows(note));
 }
 
-TEST_F(OutputCardTest, theNoteStandsRightAfterThePathAndStaysWhole) {
+TEST_F(OutputCardTest, theNoteFollowsThePathAndIsNotElided) {
     for (const std::string& output : {std::string("out"), std::string(200, 'o')}) {
         SCOPED_TRACE(output);
         folder.createFolder(output + "/Kit A/QZT508");

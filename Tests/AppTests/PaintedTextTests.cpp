@@ -30,7 +30,7 @@ QImage seenHeader(const char* title, qsizetype count) {
     return seen(header);
 }
 
-/// A line of text alone, from `left` on.
+/// An image of a single line of text that starts at `left`.
 QImage line(double left, const QString& text, const QColor& color) {
     return painted(headerSize, MarloTheme::surface, [&](QPainter& painter) {
         painter.setFont(MarloTheme::font(12, MarloTheme::FontCut::semiBold));

@@ -34,7 +34,7 @@ TEST(ProgressBar, isPaintedAtItsFraction) {
         SCOPED_TRACE(row.value);
         const QImage image = seen(row.minimum, row.maximum, row.value);
         EXPECT_PIXEL(image, 5, 3, MarloTheme::accent);
-        // The end is round.
+        // The end is rounded.
         EXPECT_PIXEL(image, row.filled - 5, 3, MarloTheme::accent);
         EXPECT_PIXEL(image, row.filled + 2, 3, MarloTheme::panelRaised);
         EXPECT_PIXEL(image, 194, 3, MarloTheme::panelRaised);

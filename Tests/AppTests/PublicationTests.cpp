@@ -9,7 +9,7 @@ using ::testing::ElementsAre;
 
 namespace {
 
-/// What observers are told, in order, each with the value of that moment.
+/// Records the model's signals in order, each with the value at that time.
 class PublicationTest : public testing::Test, protected AppFixture {
 protected:
     std::vector<std::string> told;
@@ -29,7 +29,7 @@ protected:
         observe(&AppModel::lastJSONURLChanged,
                 [this] { return "file " + lastOf(model.lastJSONURL()); });
     }
-    /// Without the progress of a run.
+    /// The signals without those of a run's progress.
     std::vector<std::string> toldSoFar() {
         auto all = std::exchange(told, {});
         std::erase(all, "run writing");
@@ -85,7 +85,7 @@ TEST_F(PublicationTest, aNewModeComesBeforeItsScan) {
                                   "scan ready"));
 }
 
-TEST_F(PublicationTest, aRunGivesItsDocumentBeforeItsEnd) {
+TEST_F(PublicationTest, aRunPublishesItsDocumentBeforeItsResult) {
     prepareRun();
     told.clear();
     model.generateBanks();
@@ -105,15 +105,15 @@ TEST_F(PublicationTest, anImportAssignsInOrderAndAgainAtItsEnd) {
     EXPECT_THAT(toldSoFar(), ElementsAre("document", "run finished", "file saved.json"));
 }
 
-TEST_F(PublicationTest, savingTellsOfTheFileAlone) {
+TEST_F(PublicationTest, savingPublishesOnlyTheFile) {
     savedRun();
     told.clear();
     model.exportJSON();
     EXPECT_THAT(told, ElementsAre("file saved.json"));
 }
 
-// The end of one run must not stand as that of the next, which writes already.
-TEST_F(PublicationTest, aRunThatWaitedIsToldOfWhenItBegins) {
+// While the next run writes, `runState` must not show the result of the previous one.
+TEST_F(PublicationTest, aRunThatWaitedIsPublishedWhenItBegins) {
     panels->document = savedRun();
     const auto gate = preparer->holdBank(1);
     told.clear();

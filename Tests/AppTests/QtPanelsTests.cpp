@@ -26,7 +26,7 @@ namespace {
 
 const QStringList jsonOnly{QStringLiteral("JSON (*.json)")};
 
-/// Looks at a panel and cancels it.
+/// Inspects a panel and cancels it.
 template <typename Pick, typename Look>
 void lookAtPanel(Pick pick, Look look) {
     QtPanels panels;
@@ -56,7 +56,7 @@ TEST(QtPanels, savesJSONUnderASuggestedName) {
                     EXPECT_EQ(panel.acceptMode(), QFileDialog::AcceptSave);
                     EXPECT_EQ(panel.fileMode(), QFileDialog::AnyFile);
                     EXPECT_EQ(panel.nameFilters(), jsonOnly);
-                    // One question, ours, for the completed name.
+                    // Only the program asks, about the completed name.
                     EXPECT_TRUE(panel.testOption(QFileDialog::DontConfirmOverwrite));
                     EXPECT_EQ(panel.defaultSuffix(), QString());
                     EXPECT_EQ(panel.findChild<QLineEdit*>()->text(),
@@ -64,8 +64,8 @@ TEST(QtPanels, savesJSONUnderASuggestedName) {
                 });
 }
 
-/// Types a name into the save panel and accepts it, answers the questions in turn, and cancels the
-/// panel once there is no answer left.
+/// Enters a name in the save panel, gives the answers in turn, and cancels the panel after the last
+/// one.
 class SavePanelUser {
 public:
     SavePanelUser(std::string name, std::vector<QString> answers)
@@ -74,9 +74,9 @@ public:
         timer_.start();
     }
 
-    /// What was asked, in order.
+    /// The questions, in order.
     const std::vector<QString>& questions() const { return questions_; }
-    /// What stood in the field of names when the panel came back.
+    /// The file name shown when the panel came back.
     const std::vector<QString>& namesKept() const { return namesKept_; }
 
 private:
@@ -115,8 +115,8 @@ private:
             namesKept_.push_back(field->text());
         isClosing_ = true;
         const bool accepts = isFirst || !answers_.empty();
-        // Not in here: a panel that asked by itself would do so before this returned, and the timer
-        // would not run meanwhile.
+        // Deferred, because a panel that asks by itself does so before this returns, and no timer
+        // runs meanwhile.
         QMetaObject::invokeMethod(
             &panel,
             [this, &panel, accepts] {
@@ -176,7 +176,7 @@ TEST(QtPanels, savesUnderNamesOfJSONFilesOnly) {
     }
 }
 
-TEST(QtPanels, comesBackWithTheNameThatIsNotToBeReplaced) {
+TEST(QtPanels, returnsToThePanelWhenAFileIsNotToBeReplaced) {
     const TemporaryFolder folder;
     folder.write("old.json", "{}");
     {

@@ -47,7 +47,7 @@ protected:
 
 } // namespace
 
-TEST_F(RunMessageTest, followsARunFromThePressToTheEnd) {
+TEST_F(RunMessageTest, followsARunFromStartToEnd) {
     prepareRun();
     const auto first = preparer->holdBank(1);
     press(mainButton());
@@ -83,7 +83,7 @@ TEST_F(RunMessageTest, followsARunFromThePressToTheEnd) {
     EXPECT_TRUE(mainButton()->isEnabled());
 }
 
-TEST_F(RunMessageTest, showsTheRunThatIsWrittenAfterAnother) {
+TEST_F(RunMessageTest, showsARunThatWaitedForAnother) {
     loops("card/QZT508/Bank 1/3", 1);
     prepareRun();
     model.generateBanks();
@@ -108,10 +108,11 @@ TEST_F(RunMessageTest, showsTheRunThatIsWrittenAfterAnother) {
     EXPECT_TRUE(shows("Random banks created"));
 }
 
-TEST_F(RunMessageTest, saysSoWhenSelectionsAreApplied) {
+TEST_F(RunMessageTest, showsThatSettingsAreApplied) {
     model.setSourceFolder(deviceFolder());
     QTest::mouseClick(mainButton(), Qt::LeftButton);
-    // The folder is empty and the run may be over; its result arrives with the next event.
+    // The folder is empty, so the run may have ended already; its result arrives with the next
+    // event.
     EXPECT_TRUE(shows("Applying selections.."));
     waitForWork();
     EXPECT_EQ(label(QStringLiteral("Metadata applied to 0 WAVs"))->font().pixelSize(), 15);
@@ -134,7 +135,7 @@ TEST_F(RunMessageTest, showsWhichFileCouldNotBeStamped) {
     const auto* message = label(QStringLiteral("Not a RIFF/WAVE file."));
     EXPECT_GE(file->mapTo(&view, QPoint()).y(),
               message->mapTo(&view, QPoint(0, message->height())).y());
-    // All of it in the tooltip, for a screen reader and in the clipboard.
+    // The tooltip, the accessible name and the clipboard have the whole path.
     const QString path = QString::fromStdString(broken.string());
     EXPECT_EQ(file->toolTip(), plainToolTip(path));
     EXPECT_EQ(file->accessibleName(), path);

@@ -21,7 +21,7 @@ class SourceCardTest : public testing::Test, protected ContentViewFixture {};
 
 } // namespace
 
-TEST_F(SourceCardTest, speaksOfTheSelectedMode) {
+TEST_F(SourceCardTest, showsTheHintOfTheSelectedMode) {
     struct Row {
         GenerationMode mode;
         const char* tagline;
@@ -66,7 +66,7 @@ TEST_F(SourceCardTest, clearsTheSourceWhenThereIsOne) {
     EXPECT_TRUE(shows("Choose or drop a source folder to scan."));
 }
 
-TEST_F(SourceCardTest, clearsTheDocumentOfARunWhoseSourceIsGone) {
+TEST_F(SourceCardTest, clearsTheDocumentWithoutASource) {
     prepareRun();
     const auto gate = preparer->holdBank(1);
     model.generateBanks();
@@ -81,7 +81,7 @@ TEST_F(SourceCardTest, clearsTheDocumentOfARunWhoseSourceIsGone) {
     EXPECT_FALSE(button("CLEAR")->isEnabled());
 }
 
-TEST_F(SourceCardTest, choosesTheSourceInAPanelAfterThePressReturned) {
+TEST_F(SourceCardTest, opensThePanelAfterTheClickHasReturned) {
     panels->folder = drumKit();
     QTest::mouseClick(sourceButton(), Qt::LeftButton);
     EXPECT_TRUE(panels->asked.empty());
@@ -99,8 +99,8 @@ TEST_F(SourceCardTest, theDropZoneOpensThePanelOnEnter) {
     EXPECT_EQ(panels->asked, std::vector<std::string>{"folder: Choose a source sample folder"});
 }
 
-// The two folder panels differ on purpose: cancelling the source's keeps the source, cancelling the
-// output's clears the output.
+// Intended: cancelling the source panel keeps the source; cancelling the output panel clears the
+// output.
 TEST_F(SourceCardTest, aCancelledSourcePanelChangesNothing) {
     const FileURL kit = drumKit();
     scan(kit);
@@ -132,8 +132,8 @@ TEST_F(SourceCardTest, takesTheFirstFolderOfADrop) {
     waitForWork();
 }
 
-// What is shown and what is written have one name: the folder's own.
-TEST_F(SourceCardTest, handsOnTheFolderThatALinkLeadsTo) {
+// The shown name and the written name are both that of the folder itself.
+TEST_F(SourceCardTest, resolvesLinksToFolders) {
     const FileURL kit = drumKit();
     folder.createFolder("links");
     const auto link = folder / "links/Favourite";
@@ -147,15 +147,15 @@ TEST_F(SourceCardTest, handsOnTheFolderThatALinkLeadsTo) {
     press(sourceButton());
     EXPECT_EQ(model.sourceFolder(), kit);
     waitForWork();
-    // A link further up.
+    // A link in the middle of the path.
     std::filesystem::create_directory_symlink(folder.path(), folder / "links/all");
     EXPECT_TRUE(drop({url(folder / "links/all/Kit A")}));
     EXPECT_EQ(model.sourceFolder(), kit);
     waitForWork();
 }
 
-// The name decides whether banks are stamped or samples scanned: it stays as it was given.
-TEST_F(SourceCardTest, handsOnLinksOfDeviceFoldersAsTheyAre) {
+// The name decides between stamping and scanning, so it is not resolved.
+TEST_F(SourceCardTest, keepsLinksToDeviceFolders) {
     drumKit();
     std::filesystem::create_directory_symlink("Kit A", folder / "qzt508");
     EXPECT_TRUE(drop({url(folder / "qzt508")}));
@@ -169,7 +169,7 @@ TEST_F(SourceCardTest, handsOnLinksOfDeviceFoldersAsTheyAre) {
     waitForWork();
 }
 
-TEST_F(SourceCardTest, handsOnWhatCannotBeResolvedAsItIs) {
+TEST_F(SourceCardTest, keepsPathsThatCannotBeResolved) {
     std::filesystem::create_symlink("loop", folder / "loop");
     panels->folder = FileURL::directory(folder / "loop");
     press(sourceButton());
@@ -199,7 +199,7 @@ TEST_F(SourceCardTest, highlightsTheZoneWhileADragIsOverTheWindow) {
     EXPECT_EQ(zone->grab().toImage(), before);
 }
 
-TEST_F(SourceCardTest, isNotLitByADragWithoutFiles) {
+TEST_F(SourceCardTest, isNotHighlightedByADragWithoutFiles) {
     QMimeData data;
     data.setText(QStringLiteral("kick"));
     for (const bool isLink : {false, true}) {
@@ -212,7 +212,7 @@ TEST_F(SourceCardTest, isNotLitByADragWithoutFiles) {
     }
 }
 
-TEST_F(SourceCardTest, theZoneStepsBackBehindTheChosenFolder) {
+TEST_F(SourceCardTest, theZoneIsLessProminentOnceAFolderIsChosen) {
     const auto* zone = view.findChild<DropZone*>();
     const auto caption = [this] { return colorOf("DROP SOURCE FOLDER"); };
     EXPECT_EQ(caption(), MarloTheme::ink);

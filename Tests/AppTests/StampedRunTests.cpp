@@ -16,7 +16,7 @@ constexpr std::uint32_t frames = 32; ///< of every sample of the fixture, 2 byte
 
 const TorvoMetadataOptions chosen{
     7, TorvoPlaybackRate::rate9, TorvoFilterType::notch, true, {1, 3, 8}};
-/// What the user sets while the run is under way.
+/// Changes settings during a run.
 const TorvoMetadataOptions later{
     12, TorvoPlaybackRate::rate4, TorvoFilterType::highPass, true, {2, 4, 5}};
 
@@ -29,7 +29,7 @@ std::vector<std::byte> expectedPayload(unsigned channel) {
                              .routesCV = channel == 1 || channel == 3 || channel == 8});
 }
 
-/// Banks are written with the settings that the window showed when the run was started.
+/// Banks are written with the settings at the start of the run.
 class StampedRunTest : public testing::Test, protected AppFixture {
 protected:
     StampedRunTest() : AppFixture(Banks::written) {}
@@ -58,7 +58,7 @@ protected:
 
 } // namespace
 
-TEST_F(StampedRunTest, generatesWithTheSettingsOfThePress) {
+TEST_F(StampedRunTest, generatesWithTheSettingsAtTheStart) {
     model.setExportFolder(outputFolder());
     model.setMetadataOptions(chosen);
     scan(drumKit());
@@ -70,7 +70,7 @@ TEST_F(StampedRunTest, generatesWithTheSettingsOfThePress) {
     expectStamped(*model.expectedExportRoot(), 99);
 }
 
-TEST_F(StampedRunTest, importsWithTheSettingsOfThePress) {
+TEST_F(StampedRunTest, importsWithTheSettingsAtTheStart) {
     const FileURL saved(folder / "mapping.json");
     model.setExportFolder(outputFolder("first"));
     scan(drumKit());
@@ -90,7 +90,8 @@ TEST_F(StampedRunTest, importsWithTheSettingsOfThePress) {
     expectStamped(*model.expectedExportRoot(), 99);
 }
 
-// The options are those of the moment at which the document was chosen, before the folder panel.
+// An import uses the settings at the time at which the document was chosen, before the folder
+// panel.
 TEST_F(StampedRunTest, importsWithTheSettingsFromBeforeTheFolderPanel) {
     panels->document = savedRun();
     model.setExportFolder(std::nullopt);

@@ -20,7 +20,7 @@ const std::vector<GenerationMode> threeModes{allGenerationModes.begin(), allGene
 
 } // namespace
 
-TEST(ThreeWayModeToggle, placesItsPieces) {
+TEST(ThreeWayModeToggle, computesItsGeometry) {
     EXPECT_EQ(geometry.size(3), QSizeF(300, 40));
     EXPECT_EQ(geometry.segment(2), QRectF(200, 0, 100, 40));
     EXPECT_EQ(geometry.highlight(0), QRectF(3, 3, 94, 34));
@@ -45,7 +45,7 @@ TEST(ThreeWayModeToggle, paintsBackgroundAndHighlight) {
     EXPECT_PIXEL(image, 197, 20, background);
 }
 
-TEST(ThreeWayModeToggle, asksForTheSegmentThatIsTapped) {
+TEST(ThreeWayModeToggle, emitsTheSegmentThatIsClicked) {
     ThreeWayModeToggle toggle(threeModes, 100, 40);
     toggle.show();
     QSignalSpy chosen(&toggle, &ThreeWayModeToggle::modeChosen);
@@ -74,7 +74,7 @@ TEST(ThreeWayModeToggle, slidesForASixthOfASecondEasingInAndOut) {
     EXPECT_EQ(slide->easingCurve().type(), QEasingCurve::InOutQuad);
 }
 
-TEST(ThreeWayModeToggle, writesItsLabelsInTheColoursOfTheirSegments) {
+TEST(ThreeWayModeToggle, paintsItsLabelsInTheColoursOfTheirSegments) {
     ThreeWayModeToggle toggle(threeModes, 100, 40);
     const QImage expected = painted({300, 40}, MarloTheme::panel, [](QPainter& painter) {
         paintModeToggle(painter, geometry, 3, 0);

@@ -48,12 +48,12 @@ TEST_F(AppTest, isNoHigherThanAScreenOf1080Lines) {
     EXPECT_EQ(app.window().sizeHint().width(), 880);
 }
 
-TEST_F(AppTest, isNoSmallerThanItsSmallestSizeOrTheScreen) {
+TEST_F(AppTest, hasTheMinimumSizeOfItsContentOrTheScreen) {
     const auto& window = static_cast<MainWindow&>(app.window());
     const QSize room = window.contentRoom(window.screen()->availableSize());
     EXPECT_EQ(window.centralWidget()->minimumSize(), QSize(880, 760).boundedTo(room));
     EXPECT_LE(window.height(), window.screen()->availableSize().height());
-    // Frame and menus are taken off.
+    // Less the window frame and the menu bar.
     EXPECT_LT(window.contentRoom({1366, 768}).height(), 768);
     EXPECT_LE(window.contentRoom({1366, 768}).width(), 1366);
 }
@@ -118,7 +118,7 @@ TEST_F(AppTest, exportsWhileThereIsADocument) {
     EXPECT_FALSE(exportJSON->isEnabled());
 }
 
-TEST_F(AppTest, saysWhatItIs) {
+TEST_F(AppTest, showsNameVersionAndMakerInAbout) {
     const QRegularExpression details(
         QStringLiteral("^Version \\d+\\.\\d+\\.\\d+\nMade by Halvorine$"));
     EXPECT_TRUE(
@@ -131,8 +131,8 @@ TEST_F(AppTest, saysWhatItIs) {
                                     }));
 }
 
-// A picture of 128 pixels, scaled down by a panel, is a smear.
-TEST(ApplicationIcon, isDrawnPixelByPixelWhereItIsSmall) {
+// An image of 128 pixels is blurred when a panel scales it down.
+TEST(ApplicationIcon, isDrawnOnWholePixelsInSmallSizes) {
     const std::set<QRgb> palette{MarloTheme::surface.rgb(), MarloTheme::ink.rgb(),
                                  MarloTheme::accent.rgb(), MarloTheme::success.rgb(),
                                  MarloTheme::danger.rgb()};

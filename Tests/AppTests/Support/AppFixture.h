@@ -15,10 +15,10 @@
 
 namespace torvo::test {
 
-/// Holds back the scan of any folder that was named here, until its gate is opened.
+/// An inspector that blocks on chosen files until a gate is opened.
 class GatedInspector final : public AudioFileInspecting {
 public:
-    /// Files whose path contains `part` wait for the returned gate.
+    /// Blocks on files whose path contains `part` until the returned gate is opened.
     std::shared_ptr<Gate> hold(const std::string& part);
     void openAll();
     AudioFormatDetails inspectAudioFile(const FileURL& at) const override;
@@ -29,13 +29,13 @@ private:
     std::map<std::string, std::shared_ptr<Gate>> gates_;
 };
 
-/// What becomes of the banks of a run.
+/// Whether a run writes its banks.
 enum class Banks {
-    forgotten, ///< no sample is read and nothing is written into a device folder
-    written,   ///< as the program does it
+    forgotten, ///< no sample is read, and nothing is written into device folders
+    written,   ///< as in the program
 };
 
-/// Holds back every sample of the one bank that was named last, until its gate is opened.
+/// A preparer that blocks on the samples of one bank until a gate is opened.
 class GatedPreparer final : public AudioFilePreparing {
 public:
     explicit GatedPreparer(Banks banks) : banks_(banks) {}
@@ -52,40 +52,40 @@ private:
     std::shared_ptr<Gate> gate_;
 };
 
-/// A model on the real services, on folders of its own. Banks are forgotten unless a test is about
+/// A model with the real services on temporary folders. Banks are not written unless a test needs
 /// them.
 struct AppFixture {
     TemporaryFolder folder;
     std::shared_ptr<FakePanels> panels = std::make_shared<FakePanels>();
     std::shared_ptr<GatedInspector> inspector = std::make_shared<GatedInspector>();
     std::shared_ptr<GatedPreparer> preparer;
-    /// Of the model and its exporter.
+    /// The file manager of the model and its exporter.
     std::shared_ptr<GatedFileManager> fileManager;
     app::AppModel model;
 
     explicit AppFixture(Banks banks = Banks::forgotten);
-    /// Holds nothing back any more: a test that failed before it opened its gates still ends.
+    /// Opens all gates, so that a test that failed before it did so still ends.
     ~AppFixture();
     AppFixture(const AppFixture&) = delete;
     AppFixture& operator=(const AppFixture&) = delete;
 
-    /// A folder with every drum role, `perRole` short samples each; its URL.
+    /// Creates a folder with `perRole` short samples of every drum role.
     FileURL drumKit(const std::string& name = "Kit A", int perRole = 4) const;
-    /// A folder with `count` short samples of no drum role.
+    /// Creates a folder with `count` short samples that have no drum role.
     FileURL loops(const std::string& name = "Loops", int count = 9) const;
     FileURL outputFolder(const std::string& name = "out") const;
 
-    /// Chooses the folder and waits for the scan.
+    /// Sets the source folder and waits for the scan.
     void scan(const FileURL& source);
-    /// Chooses an output folder and scans a drum kit: banks can be generated.
+    /// Sets an output folder and scans a drum kit, so that banks can be generated.
     void prepareRun();
-    /// A finished generation whose document was saved; its file.
+    /// Generates banks, saves the document and returns its file.
     FileURL savedRun();
-    /// Until no background work is left and its results have arrived.
+    /// Waits until no background work is left and all results have arrived.
     void waitForWork();
 };
 
-/// Runs the event loop until the condition holds; false when it never does.
+/// Runs the event loop until the condition holds. Returns false after a time limit.
 bool waitUntil(const std::function<bool()>& condition);
 
 } // namespace torvo::test

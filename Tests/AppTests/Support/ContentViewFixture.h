@@ -19,7 +19,7 @@
 
 namespace torvo::test {
 
-/// The content of the window, shown, and what its tests ask of it.
+/// The content of the window, shown, with functions to inspect and operate it.
 struct ContentViewFixture : AppFixture {
     app::ContentView view{model};
 
@@ -28,7 +28,7 @@ struct ContentViewFixture : AppFixture {
         view.show();
     }
 
-    /// Until a change of size has gone up and down through all layouts.
+    /// Processes events until all layouts have settled.
     static void settle() {
         for (int pass = 0; pass < 12; ++pass)
             QApplication::processEvents();
@@ -41,7 +41,7 @@ struct ContentViewFixture : AppFixture {
                 found.push_back(widget);
         return found;
     }
-    /// The label that shows exactly this text, or none.
+    /// The visible label with exactly this text, or null.
     QLabel* label(const QString& text) const {
         for (auto* label : showing<QLabel>())
             if (label->text() == text)
@@ -64,7 +64,7 @@ struct ContentViewFixture : AppFixture {
     QAbstractButton* mainButton() const {
         return view.findChild<QAbstractButton*>(QStringLiteral("mainButton"));
     }
-    /// Presses and lets what was queued happen.
+    /// Clicks and processes queued calls.
     void press(QAbstractButton* button) {
         ASSERT_TRUE(button);
         QTest::mouseClick(button, Qt::LeftButton);
@@ -77,7 +77,7 @@ struct ContentViewFixture : AppFixture {
         const QLabel* found = label(QString::fromUtf8(text));
         return found ? found->palette().color(QPalette::WindowText) : QColor();
     }
-    /// What the window answers to a drop of these.
+    /// Drops URLs and returns the window's answer.
     bool drop(const QList<QUrl>& urls) { return dropOn(view, urls); }
     bool dropOn(QWidget& area, const QList<QUrl>& urls) {
         QMimeData data;

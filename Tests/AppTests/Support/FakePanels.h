@@ -8,11 +8,11 @@
 
 namespace torvo::test {
 
-/// Answers at once with what it was told to, and keeps what it was asked.
+/// Panels that return preset answers at once and record the calls.
 class FakePanels final : public app::Panels {
 public:
     std::optional<FileURL> folder;
-    /// Happens while a folder panel is open.
+    /// Called while a folder panel is open.
     std::function<void()> whilePickingFolder = [] {};
     std::optional<FileURL> saveTarget;
     std::optional<FileURL> document;

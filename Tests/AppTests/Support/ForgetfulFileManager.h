@@ -4,9 +4,8 @@
 
 namespace torvo::test {
 
-/// The operating system's files, but for device folders: what is written into one is forgotten at
-/// once, and every file opened there is the same short WAV. A run of 99 banks costs next to
-/// nothing.
+/// The operating system's files, except in device folders: what is written there is discarded, and
+/// every file opened there is the same short WAV file. A run of 99 banks then takes almost no time.
 class ForgetfulFileManager final : public ForwardingFileManager {
 public:
     void createDirectory(const std::filesystem::path& path) const override;

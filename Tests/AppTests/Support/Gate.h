@@ -5,7 +5,7 @@
 
 namespace torvo::test {
 
-/// Holds threads back until it is opened.
+/// Blocks threads until it is opened.
 class Gate {
 public:
     void open() {
@@ -21,7 +21,7 @@ public:
         opened_.wait(lock, [this] { return isOpen_; });
     }
 
-    /// A thread came here, whether it was held back or not.
+    /// Whether a thread has reached the gate, blocked or not.
     bool isReached() const {
         const std::scoped_lock lock(mutex_);
         return isReached_;

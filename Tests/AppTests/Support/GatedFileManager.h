@@ -9,15 +9,15 @@
 
 namespace torvo::test {
 
-/// Answers for the items that are named here only when their gates are opened, as a slow share
-/// does.
+/// A file manager that answers for chosen items only when their gates are opened, like a slow
+/// share.
 class GatedFileManager final : public ForwardingFileManager {
 public:
     using ForwardingFileManager::ForwardingFileManager;
 
-    /// The status of this item is found at once but told late.
+    /// Reads the status of this item at once but returns it late.
     std::shared_ptr<Gate> holdInspection(const std::filesystem::path& path);
-    /// This item is removed late.
+    /// Removes this item late.
     std::shared_ptr<Gate> holdRemoval(const std::filesystem::path& path);
     /// The volume that holds this item is flushed late.
     std::shared_ptr<Gate> holdFlush(const std::filesystem::path& path);

@@ -10,7 +10,7 @@
 
 namespace torvo::test {
 
-/// Runs `act`, looks at the first modal dialog that it opens and cancels it.
+/// Runs `act`, inspects the first modal dialog that it opens and cancels it.
 template <typename Dialog>
 bool lookedAtDialog(const std::function<void()>& act, const std::function<void(Dialog&)>& look) {
     bool seen = false;

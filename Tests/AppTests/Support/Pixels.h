@@ -11,7 +11,7 @@
 
 namespace torvo::test {
 
-/// What `paint` draws over a plain background.
+/// An image of what `paint` draws over a plain background.
 inline QImage painted(QSize size, const QColor& background,
                       const std::function<void(QPainter&)>& paint) {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
@@ -33,15 +33,15 @@ inline QColor blended(const QColor& color, const QColor& background, double opac
             mix(color.blue(), background.blue())};
 }
 
-/// Equal but for the rounding of two 8-bit blends.
+/// Whether the colours are equal except for the rounding of two 8-bit blends.
 inline bool isClose(const QColor& left, const QColor& right, int tolerance = 2) {
     return std::abs(left.red() - right.red()) <= tolerance &&
            std::abs(left.green() - right.green()) <= tolerance &&
            std::abs(left.blue() - right.blue()) <= tolerance;
 }
 
-/// The radius of the top left corner of a rounded rectangle that fills the image, from the area
-/// that the corner leaves free.
+/// The radius of the top left corner of a rounded rectangle that fills the image, computed from the
+/// area outside the corner.
 inline double cornerRadius(const QImage& image, const QColor& background, const QColor& fill) {
     int free = 0;
     for (int y = 0; y < 16; ++y)
@@ -55,7 +55,7 @@ inline double cornerRadius(const QImage& image, const QColor& background, const 
 
 } // namespace torvo::test
 
-/// Compares the colour of a pixel, showing both when they differ.
+/// Compares the colour of a pixel; the message shows both.
 #define EXPECT_PIXEL(image, x, y, expected)                                                        \
     EXPECT_TRUE(torvo::test::isClose((image).pixelColor(x, y), expected))                          \
         << (image).pixelColor(x, y).name().toStdString() << " instead of "                         \

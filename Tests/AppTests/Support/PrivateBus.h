@@ -6,7 +6,7 @@
 
 namespace torvo::test {
 
-/// A session bus of one's own.
+/// A private session bus.
 class PrivateBus {
 public:
     PrivateBus() {

@@ -6,7 +6,7 @@
 
 namespace torvo::test {
 
-/// Takes the place of the browser for one scheme as long as it lives.
+/// Receives the URLs of one scheme instead of the browser.
 class UrlReceiver final : public QObject {
     Q_OBJECT
 

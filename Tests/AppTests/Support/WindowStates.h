@@ -11,7 +11,7 @@ namespace torvo::test {
 struct WindowStates : ContentViewFixture {
     using Check = std::function<void(const std::string&)>;
 
-    /// Goes through the states of the window and calls `check` in each.
+    /// Brings the window into each of its states and calls `check`.
     void inEveryState(const Check& check) {
         const auto settled = [&](const char* state) {
             settle();
