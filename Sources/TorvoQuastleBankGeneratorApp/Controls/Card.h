@@ -7,7 +7,7 @@ class QVBoxLayout;
 
 namespace torvo::app {
 
-/// A raised panel with a heading; a screen reader meets it as a group of that name.
+/// A raised panel with a heading; for screen readers, a group with that name.
 class Card final : public QWidget {
     Q_OBJECT
 
@@ -15,9 +15,9 @@ public:
     explicit Card(const QString& heading, QWidget* parent = nullptr);
 
     static constexpr int horizontalPadding = 20;
-    static constexpr int spacing = 10; ///< between what stands in the column
+    static constexpr int spacing = 10; ///< between the widgets of the column
 
-    /// The heading's row, for what stands at its right end.
+    /// The row of the heading, for controls at its right end.
     QHBoxLayout* headerRow() const { return headerRow_; }
     QVBoxLayout* column() const { return column_; }
 

@@ -33,7 +33,7 @@ QColor ChannelToggleButtonStyle::borderColor() const {
 void ChannelToggleButtonStyle::paint(QPainter& painter, const QRectF& rect,
                                      const QString& label) const {
     paintRoundedRect(painter, rect, cornerRadius, backgroundColor(), borderColor());
-    // A veil over the resting look, which stays as it is: the pointer is answered.
+    // Hover overlay.
     if (hovered && enabled && !pressed)
         paintRoundedRect(painter, rect, cornerRadius, MarloTheme::line, Qt::transparent);
     painter.setFont(labelFont());

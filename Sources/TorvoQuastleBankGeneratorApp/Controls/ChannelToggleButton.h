@@ -9,9 +9,9 @@ class QPainter;
 
 namespace torvo::app {
 
-/// The look of one of the eight channel buttons.
+/// The appearance of a channel button.
 struct ChannelToggleButtonStyle {
-    bool selected = false; ///< the channel is switched on
+    bool selected = false; ///< the channel is selected
     bool enabled = true;
     bool pressed = false;
     bool hovered = false;
@@ -28,8 +28,8 @@ struct ChannelToggleButtonStyle {
     void paint(QPainter& painter, const QRectF& rect, const QString& label) const;
 };
 
-/// Shows whether a channel is switched on. A press changes nothing by itself: whoever hears
-/// `clicked` decides and calls `setSelected`.
+/// Shows whether a channel is selected. A click does not change the button: the receiver of
+/// `clicked` calls `setSelected`.
 class ChannelToggleButton final : public PaintedButton {
     Q_OBJECT
 

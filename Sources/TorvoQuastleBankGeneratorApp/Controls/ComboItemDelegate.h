@@ -6,16 +6,16 @@ class QComboBox;
 
 namespace torvo::app {
 
-/// Paints one row of a combo box's list: its text below the text of the box, and a mark when it is
-/// the chosen one.
+/// Paints one row of a combo box's list: its text aligned with the text of the box, and a mark on
+/// the current row.
 class ComboItemDelegate final : public QAbstractItemDelegate {
     Q_OBJECT
 
 public:
-    /// The box becomes the delegate's parent.
+    /// The combo box becomes the delegate's parent.
     explicit ComboItemDelegate(QComboBox* box);
 
-    /// From the edge of the box to its text.
+    /// The distance from the edge of the box to its text.
     static constexpr int textMargin = 12;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,

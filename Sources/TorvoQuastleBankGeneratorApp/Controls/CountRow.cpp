@@ -27,7 +27,7 @@ CountRow::CountRow(const QString& label, QWidget* parent)
     note_->setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
     note_->setAlignment(Qt::AlignRight);
     setTextColor(*note_, MarloTheme::muted);
-    // With and without a badge the digits stand in one column.
+    // The digits are aligned with and without a badge.
     count_->setContentsMargins(badgePadding, 0, badgePadding, 0);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);

@@ -8,17 +8,17 @@ namespace torvo::app {
 
 class ElidedLabel;
 
-/// One counted kind of sample: its label at the left, the number at the right.
+/// The label and the number of one kind of sample.
 class CountRow final : public QWidget {
     Q_OBJECT
 
 public:
-    /// Whether banks can be made with that many.
+    /// Whether banks can be generated from that number.
     enum class Standing {
         enough,
-        filledIn, ///< percussion plays instead: an outline and a note say so
+        filledIn, ///< percussion plays instead; shown as an outline and a note
         absent,   ///< percussion would play instead, but there is too little of it
-        blocking, ///< no bank can be made: a red badge
+        blocking, ///< no bank can be generated; shown as a red badge
     };
 
     static constexpr int height = 26;

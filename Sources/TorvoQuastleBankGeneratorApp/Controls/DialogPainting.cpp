@@ -19,7 +19,7 @@ bool has(const QStyleOption& option, QStyle::StateFlag flag) {
     return option.state.testFlag(flag);
 }
 
-/// The program's buttons have no letter to press.
+/// The program's buttons have no mnemonics.
 QString label(const QStyleOptionButton& button) {
     return QString(button.text).remove(QLatin1Char('&'));
 }

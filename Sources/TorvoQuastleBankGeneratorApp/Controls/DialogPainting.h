@@ -13,17 +13,17 @@ inline constexpr int fieldHeight = 34;
 inline constexpr double fieldRadius = 8;
 
 /// Paints a push button of Qt's dialogs like the program's own buttons. The default button is
-/// prominent.
+/// highlighted.
 void paintPushButton(QPainter& painter, const QStyleOptionButton& button);
 QSize pushButtonSize(const QStyleOptionButton& button);
 
-/// A field to write in.
+/// Paints the frame of a text field.
 void paintField(QPainter& painter, const QStyleOptionFrame& field);
 
-/// The head of a column.
+/// Paints a column header.
 void paintColumnHead(QPainter& painter, const QStyleOption& head);
 
-/// Behind the icon of a button in a tool bar.
+/// Paints the background of a tool button.
 void paintToolButton(QPainter& painter, const QStyleOption& button);
 
 } // namespace torvo::app

@@ -8,8 +8,8 @@ class QPainter;
 
 namespace torvo::app {
 
-/// The row that opens and closes a section: a chevron, the title, the number of items, and in muted
-/// letters what kinds of items they are.
+/// The row that opens and closes a section: a chevron, the title, the number of items and, muted, a
+/// summary of their kinds.
 struct DisclosureHeaderStyle {
     bool expanded = false;
     bool hovered = false;
@@ -20,7 +20,7 @@ struct DisclosureHeaderStyle {
                const QString& kinds) const;
 };
 
-/// A press toggles `isChecked`: checked is open.
+/// A click toggles `isChecked`; a checked header is open.
 class DisclosureHeader final : public PaintedButton {
     Q_OBJECT
 

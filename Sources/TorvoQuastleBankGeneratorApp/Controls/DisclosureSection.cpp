@@ -23,10 +23,10 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int minRowsShown = 7; ///< in a list that has as many
+constexpr int minRowsShown = 7; ///< if the list has that many
 constexpr int listPadding = 4;
 
-/// How the head of a section sums up a reason.
+/// The word for a reason in the summary of a header.
 QString kind(const std::string& reason) {
     static const std::map<std::string, QString, std::less<>> kinds{
         {"Unclassified sample", DisclosureSection::tr("unclassified")},
@@ -94,7 +94,7 @@ void DisclosureSection::showContent() {
     const int height = rows * IgnoredItemDelegate::rowHeight + 2 * listPadding;
     list_->setMinimumHeight(height);
     list_->setMaximumHeight(height + maxExtraHeight());
-    // A list that shows all its rows leaves the room to the other one.
+    // A list that shows all its rows leaves the space to the other list.
     list_->setSizePolicy(QSizePolicy::Expanding,
                          maxExtraHeight() > 0 ? QSizePolicy::Expanding : QSizePolicy::Fixed);
     none_->setVisible(isExpanded_ && model_.rowCount() == 0);

@@ -11,20 +11,19 @@ namespace torvo::app {
 
 class DisclosureHeader;
 
-/// A titled list of ignored items that opens and closes. Whether it is open survives new items.
+/// A titled list of ignored items that opens and closes. It stays open when the items change.
 class DisclosureSection final : public QWidget {
     Q_OBJECT
 
 public:
     explicit DisclosureSection(const QString& title, QWidget* parent = nullptr);
 
-    /// Keeps the list alive; the same list again changes nothing.
+    /// Shares ownership of the list. Setting the same list again has no effect.
     void setItems(IgnoredItemsModel::Items items);
     bool isExpanded() const { return isExpanded_; }
     void setExpanded(bool expanded);
 
-    /// What the open list could take beyond its usual height until all rows are shown, in logical
-    /// pixels.
+    /// The additional height at which the open list would show all its rows, in logical pixels.
     int maxExtraHeight() const;
 
     DisclosureHeader* header() const { return header_; }

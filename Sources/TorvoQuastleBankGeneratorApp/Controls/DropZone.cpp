@@ -50,7 +50,7 @@ DropZone::DropZone(QWidget* parent) : PaintedButton(tr("DROP SOURCE FOLDER"), pa
 
     caption_ = makeLabel(text(), 14, MarloTheme::FontCut::semiBold, MarloTheme::ink);
     hint_ = makeLabel({}, 13, MarloTheme::FontCut::regular, MarloTheme::muted);
-    // A hint of one line takes the room of two: nothing below moves.
+    // A one-line hint is as high as a two-line hint, so that nothing below moves.
     hint_->setText(QStringLiteral("\n"));
     hint_->setMinimumHeight(hint_->sizeHint().height());
     choose_ = makeLabel(tr("Drop a folder here or choose one from Finder."), 13,
@@ -71,7 +71,7 @@ void DropZone::setQuiet(bool quiet) {
 }
 
 void DropZone::colorTexts() {
-    // The lit zone is too light for the accent.
+    // The accent colour has too little contrast on the highlighted zone.
     setTextColor(*caption_, isQuiet_ && !isTargeted_ ? MarloTheme::muted : MarloTheme::ink);
     setTextColor(*hint_, isTargeted_ ? MarloTheme::ink : MarloTheme::muted);
     setTextColor(*choose_, isTargeted_ ? MarloTheme::ink : MarloTheme::accent);

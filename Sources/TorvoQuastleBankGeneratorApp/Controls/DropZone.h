@@ -9,10 +9,10 @@ class QPainter;
 
 namespace torvo::app {
 
-/// The look of the drop zone.
+/// The appearance of the drop zone.
 struct DropZoneStyle {
-    bool targeted = false; ///< a drag that it can take is over the window
-    bool quiet = false;    ///< it has done its work: a folder is chosen
+    bool targeted = false; ///< a drag that it accepts is over the window
+    bool quiet = false;    ///< a folder is chosen; the zone is less prominent
     bool pressed = false;
     bool hovered = false;
 
@@ -23,7 +23,7 @@ struct DropZoneStyle {
     void paint(QPainter& painter, const QRectF& rect) const;
 };
 
-/// Says where a source folder is dropped. A press (mouse, Enter, Space) asks for the panel instead.
+/// Shows where to drop a source folder. A click, Enter or Space opens the panel instead.
 class DropZone final : public PaintedButton {
     Q_OBJECT
 
@@ -31,9 +31,9 @@ public:
     explicit DropZone(QWidget* parent = nullptr);
 
     void setHint(const QString& hint);
-    /// Lit: a drag that it can take is over the window.
+    /// Highlights the zone while a drag that it accepts is over the window.
     void setTargeted(bool targeted);
-    /// Steps back behind the folder that has been chosen.
+    /// Makes the zone less prominent once a folder is chosen.
     void setQuiet(bool quiet);
     QSize sizeHint() const override;
 

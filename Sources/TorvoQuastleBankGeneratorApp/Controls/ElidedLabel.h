@@ -4,8 +4,8 @@
 
 namespace torvo::app {
 
-/// A name on one line. One that is too long loses its middle on the screen only: the tooltip and a
-/// screen reader get the whole of it.
+/// A name on one line, elided in the middle if it is too long. The tooltip and the accessible name
+/// contain the whole name.
 class ElidedLabel final : public QLabel {
     Q_OBJECT
 

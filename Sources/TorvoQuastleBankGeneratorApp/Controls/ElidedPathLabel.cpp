@@ -29,7 +29,7 @@ void ElidedPathLabel::setPath(const QString& path, const QString& line) {
 }
 
 QSize ElidedPathLabel::sizeHint() const {
-    // Rounded up: a width that is a fraction too small costs the text its middle.
+    // Rounded up, because the text would be elided if the width were a fraction too small.
     return {qCeil(QFontMetricsF(font()).horizontalAdvance(line_)), fontMetrics().height()};
 }
 
@@ -46,7 +46,7 @@ void ElidedPathLabel::elide() {
     const QString shown = fontMetrics().elidedText(line_, Qt::ElideMiddle, width());
     const bool isWhole = shown == path_;
     setToolTip(isWhole ? QString() : plainToolTip(path_));
-    // What can be read needs no stop on the way of the keyboard.
+    // A path that is shown whole is not a tab stop.
     setFocusPolicy(isWhole ? Qt::ClickFocus : Qt::StrongFocus);
     if (shown != text())
         setText(shown);

@@ -4,8 +4,8 @@
 
 namespace torvo::app {
 
-/// A path on one line. One that is too long loses its middle on the screen only: the tooltip, which
-/// the keyboard calls up too, a screen reader and the clipboard get the whole of it.
+/// A path on one line, elided in the middle if it is too long. The tooltip (also available by
+/// keyboard), the accessible name and the clipboard contain the whole path.
 class ElidedPathLabel final : public QLabel {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ public:
     explicit ElidedPathLabel(QWidget* parent = nullptr);
 
     void setPath(const QString& path) { setPath(path, path); }
-    /// `line` stands for the path on the screen: a shorter form of it.
+    /// `line` is a shorter form of the path that is shown instead.
     void setPath(const QString& path, const QString& line);
     const QString& path() const { return path_; }
 
@@ -32,7 +32,7 @@ private:
     void copy() const;
 
     QString path_;
-    QString line_; ///< what is shown where there is room for it
+    QString line_; ///< shown if there is enough space
 };
 
 } // namespace torvo::app

@@ -11,13 +11,14 @@ class QObject;
 
 namespace torvo::app {
 
-/// The key under which a desktop's portal keeps the dropped files, when the drag offers one. A
-/// sandboxed program cannot open the paths that text/uri-list names.
+/// The key of the dropped files in the file transfer portal, if the drag offers one. A sandboxed
+/// program cannot open the paths in text/uri-list.
 std::optional<QString> fileTransferKey(const QMimeData& data);
 bool hasFileTransfer(const QMimeData& data);
 
-/// Asks the portal for the paths behind `key` with RetrieveFiles and passes them to `received`
-/// later, on the thread of `context`; never when the portal refuses or `context` is gone.
+/// Retrieves the paths for `key` from the portal (RetrieveFiles) and passes them to `received`
+/// later, on the thread of `context`. `received` is not called if the portal refuses or `context`
+/// has been destroyed.
 void retrieveFiles(const QDBusConnection& bus, const QString& key, QObject* context,
                    std::function<void(const QStringList& paths)> received);
 

@@ -9,17 +9,17 @@ namespace torvo::app {
 
 class FocusRing;
 
-/// Qt hands the focus of a control that is hidden or disabled to the next one, where the next key
-/// would press something else and the page would scroll. Here no control has it then; the one that
-/// had it gets it back when it can be used again, unless another control has the focus by then.
+/// Qt moves the focus of a control that is hidden or disabled to the next one: the next key would
+/// then press another control, and the page would scroll. Instead, no control has the focus until
+/// the former one is usable again or the user focuses another.
 class FocusKeeper final : public QObject {
     Q_OBJECT
 
 public:
     explicit FocusKeeper(const FocusRing& ring) : ring_(ring) {}
 
-    /// For `focusNextPrevChild` of the window's content: whether the focus is not to move on,
-    /// because `focused` cannot be used any more.
+    /// For `focusNextPrevChild` of the window's content: whether the focus must not move because
+    /// `focused` has become unusable.
     bool keep(QWidget& focused);
 
 protected:

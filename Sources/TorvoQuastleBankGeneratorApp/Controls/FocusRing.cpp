@@ -13,7 +13,7 @@ bool isKey(Qt::FocusReason reason) {
            reason == Qt::ShortcutFocusReason;
 }
 
-/// The focus goes or comes back without the user having moved it.
+/// Whether the focus changed without an action of the user.
 bool isInterruption(Qt::FocusReason reason) {
     return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
            reason == Qt::MenuBarFocusReason;
@@ -41,7 +41,8 @@ bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
         return false;
     if (event->type() == QEvent::FocusOut) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        // One interruption may follow another: the menu bar loses the focus to what was ringed.
+        // Interruptions may follow each other: the menu bar returns the focus to the control that
+        // had the ring.
         if (!isInterruption(reason))
             interrupted_ = nullptr;
         else if (ringed())

@@ -8,19 +8,19 @@ class QWidget;
 
 namespace torvo::app {
 
-/// Draws one ring around whatever control of a window has the focus, as long as it came there by
-/// the keyboard; a click does not call for it.
+/// Draws a ring around the focused control of a window if it was focused by keyboard, not by a
+/// click.
 class FocusRing final : public QObject {
     Q_OBJECT
 
 public:
     explicit FocusRing(QWidget& window);
 
-    /// None while nothing is ringed.
+    /// Null while no control has the ring.
     QWidget* ringed() const;
 
 Q_SIGNALS:
-    /// A key has moved the focus to this control.
+    /// Emitted when the keyboard has moved the focus to this control.
     void moved(QWidget* to);
 
 protected:
@@ -30,9 +30,9 @@ private:
     void ring(QWidget& widget);
 
     QWidget& window_;
-    /// Lives beside the control that it rings, and dies with the parent of both.
+    /// A sibling of the control, destroyed with their parent.
     QPointer<QFocusFrame> frame_;
-    /// What was ringed when the window or a popup took the focus away for a while.
+    /// The control that had the ring when the window or a popup took the focus.
     QPointer<QWidget> interrupted_;
 };
 

@@ -26,8 +26,7 @@ bool denotesFolder(const FileURL& url) {
     }
 }
 
-/// Files are read where they lie. Whoever offers them to be moved hears that they were copied, or
-/// that nothing was done to them: a source that hears of a move deletes them.
+/// Always answers with a copy, or ignores the drop: a drag source deletes its files after a move.
 void acceptWithoutMoving(QDropEvent& event) {
     event.setDropAction(event.possibleActions().testFlag(Qt::CopyAction) ? Qt::CopyAction
                                                                          : Qt::IgnoreAction);

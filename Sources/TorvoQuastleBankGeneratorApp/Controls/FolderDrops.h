@@ -14,24 +14,24 @@ class QWidget;
 
 namespace torvo::app {
 
-/// The first of the dropped URLs that denotes a folder, in their order: by its form (a path that
-/// ends in "/") or because a folder stands there.
+/// The first of the dropped URLs that denotes a folder: its path ends in "/", or a folder exists
+/// there.
 std::optional<FileURL> firstFolder(const std::vector<FileURL>& urls);
 
 /// The file URLs of a drag.
 std::vector<FileURL> fileURLs(const QMimeData& data);
 
-/// Takes a folder that is dropped anywhere on the widgets it watches: from the URLs of the drag, or
-/// through the file transfer portal of a sandboxed desktop.
+/// Accepts folders dropped on the watched widgets, from the URLs of the drag or through the file
+/// transfer portal of a sandboxed desktop.
 class FolderDrops final : public QObject {
     Q_OBJECT
 
 public:
-    /// `bus` is where the portal is: the session bus, to which a drop connects, when none is given.
+    /// `bus` is the bus of the portal. Without it, the first drop connects to the session bus.
     explicit FolderDrops(QObject* parent = nullptr, std::optional<QDBusConnection> bus = {});
 
     void watch(QWidget& area);
-    /// A drag that holds files is over one of the widgets.
+    /// Whether a drag that contains files is over one of the widgets.
     bool isTargeted() const { return isTargeted_; }
 
 Q_SIGNALS:
