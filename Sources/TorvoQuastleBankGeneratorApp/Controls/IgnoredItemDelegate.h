@@ -4,7 +4,7 @@
 
 namespace torvo::app {
 
-/// Paints one ignored item: its path, and its reason at the right edge.
+/// Paints an ignored item: its path, and the reason at the right edge.
 class IgnoredItemDelegate final : public QAbstractItemDelegate {
     Q_OBJECT
 

@@ -16,7 +16,7 @@ namespace torvo::app {
 IgnoredItemsList::IgnoredItemsList(QWidget* parent) : QListView(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setItemDelegate(new IgnoredItemDelegate(this));
-    // One measured row stands for all: opening a list does not depend on its length.
+    // Measure one row only, so that long lists open as fast as short ones.
     setUniformItemSizes(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);

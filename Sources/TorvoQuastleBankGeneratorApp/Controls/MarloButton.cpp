@@ -41,7 +41,7 @@ double MarloButtonStyle::opacity() const {
 void MarloButtonStyle::paint(QPainter& painter, const QRectF& rect, const QString& label) const {
     paintGroup(painter, rect, opacity(), [&](QPainter& group) {
         paintRoundedRect(group, rect, cornerRadius, backgroundColor(), borderColor());
-        // A veil over the resting look, which stays as it is: the pointer is answered.
+        // Hover overlay.
         if (hovered && enabled && !pressed)
             paintRoundedRect(group, rect, cornerRadius, MarloTheme::line, Qt::transparent);
         group.setFont(labelFont());

@@ -4,7 +4,7 @@
 
 namespace torvo::app {
 
-/// One segment of the mode selector: its label, over the background that the selector paints.
+/// One segment of the mode selector. It paints its label; the selector paints the background.
 class ModeSegment final : public PaintedButton {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ public:
     QSize sizeHint() const override { return size_; }
 
 protected:
-    /// The selector says which segment is the selected one.
+    /// Set by the selector.
     void nextCheckState() override {}
     void paintEvent(QPaintEvent* event) override;
 

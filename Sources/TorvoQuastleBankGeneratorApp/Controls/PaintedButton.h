@@ -4,8 +4,8 @@
 
 namespace torvo::app {
 
-/// What all painted buttons share: Enter presses like Space, the pointer's presence repaints, the
-/// size is fixed by the content.
+/// The base of all painted buttons: Enter clicks like Space, hovering repaints, and the size is
+/// that of the content.
 class PaintedButton : public QAbstractButton {
     Q_OBJECT
 

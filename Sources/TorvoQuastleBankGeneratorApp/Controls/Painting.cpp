@@ -17,7 +17,7 @@ void paintRoundedRect(QPainter& painter, const QRectF& rect, double radius, cons
     painter.drawRoundedRect(rect, radius, radius);
     painter.setPen(QPen(border, 1));
     painter.setBrush(Qt::NoBrush);
-    // Only the stroke is inset: a fill that ends between two pixels would blur at 1x.
+    // Inset only the stroke: a fill that ends between two pixels is blurred at 1x.
     painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
 }
 

@@ -14,15 +14,15 @@ inline constexpr double focusRingWidth = 2;
 /// as bright as any background of the window, by the formula of WCAG.
 inline constexpr QColor outlineColor{140, 136, 114};
 
-/// The mark of what has the keyboard focus, inside `rect`.
+/// Paints the focus ring inside `rect`.
 void paintFocusRing(QPainter& painter, const QRectF& rect, double radius);
 
-/// A rounded rectangle: filled over the whole of `rect`, its border 1 wide just inside the edge.
+/// Paints a rounded rectangle that fills `rect`, with a border of 1 logical pixel inside its edge.
 void paintRoundedRect(QPainter& painter, const QRectF& rect, double radius, const QColor& fill,
                       const QColor& border);
 
-/// Everything that `paint` draws, blended as one picture: parts that lie over each other do not
-/// shine through.
+/// Blends everything that `paint` draws as one layer, so that overlapping parts do not show
+/// through.
 void paintGroup(QPainter& painter, const QRectF& bounds, double opacity,
                 const std::function<void(QPainter&)>& paint);
 

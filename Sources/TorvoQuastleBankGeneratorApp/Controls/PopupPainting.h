@@ -6,7 +6,7 @@
 
 namespace torvo::app {
 
-/// What menus and the lists of combo boxes share.
+/// Painting shared by menus and the lists of combo boxes.
 namespace Popup {
 
 inline constexpr double cornerRadius = 10;
@@ -25,10 +25,10 @@ void paintPopupPanel(QPainter& painter, const QRect& rect, double radius = Popup
 /// screen.
 QRegion popupMask(const QRect& rect, double radius = Popup::cornerRadius);
 
-/// Behind the row that the pointer or the keyboard is at.
+/// Paints the highlight of the current row.
 void paintPopupHighlight(QPainter& painter, const QRectF& row);
 
-/// The mark of the chosen row, a square of `Popup::markSide` around `center`.
+/// Paints the mark of the selected row, a square of `Popup::markSide` around `center`.
 void paintPopupMark(QPainter& painter, QPointF center, const QColor& color);
 
 } // namespace torvo::app

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int barHeight = 6;
 constexpr int minWidth = 120;
-constexpr double sweepSeconds = 1.6; ///< there and back
+constexpr double sweepSeconds = 1.6; ///< back and forth
 constexpr double movingPart = 0.3;   ///< of the bar's width
 constexpr double lightSeconds = 2.4; ///< from one end to the other
 constexpr double lightOpacity = 0.25;
@@ -54,7 +54,7 @@ void paintProgress(QPainter& painter, const QRectF& bar, const QRectF& fill) {
         return;
     painter.setPen(Qt::NoPen);
     painter.setBrush(MarloTheme::accent);
-    // Never narrower than round.
+    // At least as wide as its rounded ends.
     painter.drawRoundedRect(
         QRectF(fill.left(), fill.top(), std::max(fill.width(), fill.height()), fill.height()),
         radius, radius);

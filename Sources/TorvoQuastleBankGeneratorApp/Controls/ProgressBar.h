@@ -9,10 +9,10 @@ class QPainter;
 
 namespace torvo::app {
 
-/// Where the filled part of a bar lies. `fraction` runs from 0 to 1.
+/// The filled part of a determinate bar; `fraction` is 0 to 1.
 QRectF progressFill(const QRectF& bar, double fraction);
 
-/// Where the moving part of a bar without a value lies, `seconds` after it began.
+/// The moving part of an indeterminate bar, `seconds` after its start.
 QRectF indeterminateFill(const QRectF& bar, double seconds);
 
 /// Where the light that runs over a bar is, `seconds` after it began: it enters on the left, leaves

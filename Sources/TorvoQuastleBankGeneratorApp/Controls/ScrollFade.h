@@ -6,8 +6,7 @@ class QScrollArea;
 
 namespace torvo::app {
 
-/// Fades out the lower edge of an area while there is more below it, so that what is cut there does
-/// not look finished.
+/// Fades out the lower edge of a scroll area while there is more content below.
 class ScrollFade final : public QWidget {
     Q_OBJECT
 

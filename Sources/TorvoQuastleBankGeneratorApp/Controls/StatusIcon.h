@@ -9,7 +9,7 @@ namespace torvo::app {
 
 enum class StatusKind { success, failure };
 
-/// A disc with a tick, or one with an exclamation mark.
+/// A disc with a tick or an exclamation mark.
 void paintStatus(QPainter& painter, const QRectF& rect, StatusKind kind);
 
 class StatusIcon final : public QWidget {

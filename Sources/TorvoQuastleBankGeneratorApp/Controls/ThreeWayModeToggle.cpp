@@ -85,7 +85,7 @@ void ThreeWayModeToggle::setSelection(GenerationMode mode) {
 
 void ThreeWayModeToggle::markSelected() {
     segments_[selectedIndex_]->setChecked(true);
-    // Tab meets the selected segment only.
+    // Only the selected segment is a tab stop.
     for (std::size_t index = 0; index < segments_.size(); ++index)
         segments_[index]->setFocusPolicy(index == selectedIndex_ ? Qt::StrongFocus
                                                                  : Qt::ClickFocus);

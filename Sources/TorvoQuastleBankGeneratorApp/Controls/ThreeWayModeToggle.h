@@ -13,28 +13,28 @@ class QPainter;
 
 namespace torvo::app {
 
-/// Where the pieces of the mode selector lie.
+/// The geometry of the mode selector.
 struct ModeToggleGeometry {
     double segmentWidth = 0;
     double height = 0;
 
     static constexpr double cornerRadius = 10;
     static constexpr double highlightInset = 3;
-    /// Concentric with the control's own corner.
+    /// Concentric with the corner of the control.
     static constexpr double highlightRadius = cornerRadius - highlightInset;
 
     QSizeF size(std::size_t modeCount) const;
     QRectF segment(std::size_t index) const;
-    /// `position` counts in segments and lies between two of them while the highlight slides.
+    /// `position` is in segments, and fractional while the highlight slides.
     QRectF highlight(double position) const;
 };
 
-/// The background and the highlight, without the labels.
+/// Paints the background and the highlight without the labels.
 void paintModeToggle(QPainter& painter, const ModeToggleGeometry& geometry, std::size_t modeCount,
                      double highlightPosition);
 
-/// The three-segment mode selector: one tab stop, arrow keys move inside. Choosing a segment
-/// changes nothing by itself: whoever hears `modeChosen` decides and calls `setSelection`.
+/// The mode selector with three segments. It is one tab stop; arrow keys move within it. Choosing a
+/// segment does not change the selection: the receiver of `modeChosen` calls `setSelection`.
 class ThreeWayModeToggle final : public QWidget {
     Q_OBJECT
 
@@ -42,10 +42,10 @@ public:
     ThreeWayModeToggle(std::vector<GenerationMode> modes, double segmentWidth, double height,
                        QWidget* parent = nullptr);
 
-    /// The highlight slides to the mode.
+    /// Slides the highlight to the mode.
     void setSelection(GenerationMode mode);
     GenerationMode selection() const { return modes_[selectedIndex_]; }
-    /// In segments, from the left.
+    /// The position of the highlight in segments from the left.
     double highlightPosition() const { return highlightPosition_; }
     const std::vector<QAbstractButton*>& segments() const { return segments_; }
 

@@ -4,17 +4,17 @@
 
 namespace torvo::app {
 
-/// Text that wraps between words and, where a path or a name is longer than the line, inside them.
+/// A label that wraps between words and, where a path or name is longer than a line, within them.
 class WrappingLabel final : public QLabel {
     Q_OBJECT
 
 public:
     explicit WrappingLabel(QWidget* parent = nullptr);
 
-    /// Lets the user select the text and copy it: with the pointer, with the keys for "select all"
-    /// and "copy", or from a menu. Without a selection the whole text is copied.
+    /// Lets the user select and copy the text by mouse, by the standard keys or from the context
+    /// menu. Without a selection, the whole text is copied.
     void setCopyable(bool copyable);
-    /// A longer text loses the middle of its last line on the screen only.
+    /// A longer text is elided in the middle of its last line.
     void setMaxLines(int lines);
 
     bool hasHeightForWidth() const override { return true; }
@@ -37,7 +37,7 @@ private:
 
     bool isCopyable_ = false;
     int maxLines_ = 5;
-    int anchor_ = 0; ///< where the selection began, in characters
+    int anchor_ = 0; ///< start of the selection, in characters
     int position_ = 0;
 };
 
