@@ -25,7 +25,7 @@ namespace torvo::app {
 
 namespace {
 
-/// The device's channel order, which is not the order of the roles.
+/// In the order of the device's channels, which is not that of the enumeration.
 constexpr std::array<std::pair<ChannelRole, const char*>, 6> orderedRoles{{
     {ChannelRole::kick, "CH1 KICK"},
     {ChannelRole::clap, "CH2 CLAP"},
@@ -42,9 +42,9 @@ constexpr int plateMargin = 6; ///< above and below a message, with and without 
 
 using Standing = CountRow::Standing;
 
-/// Percussion plays on the channels of every other kind but the kick.
+/// Percussion replaces missing samples of every kind except the kick.
 Standing standing(const RoleBuckets& buckets, ChannelRole role) {
-    // As much as `canGenerate` asks for.
+    // The minimum that `canGenerate` requires.
     constexpr std::ptrdiff_t minPercussion = 3;
     const bool hasPercussion = std::ssize(buckets.perc) >= minPercussion;
     if (role == ChannelRole::perc)
@@ -82,7 +82,7 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     words->setSpacing(12);
     words->addWidget(icon_, 0, Qt::AlignTop);
     words->addWidget(message_, 1);
-    // In the first column, as high as the counts of the drums.
+    // Use the first column and the height of the drum counts.
     auto* uniform = new QGridLayout(uniformCounts_);
     uniform->setContentsMargins(0, 0, 0, 0);
     uniform->setHorizontalSpacing(MarloTheme::columnGap);
@@ -105,7 +105,7 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     for (QWidget* part :
          std::initializer_list<QWidget*>{plate_, scanning_, roleCounts_, uniformCounts_, sections_})
         findings->addWidget(part);
-    // Before the empty space below, as far as the lists have rows.
+    // Surplus height goes to the lists as far as they have rows, then to the space below.
     findings->setStretchFactor(sections_, 1);
     findings->addStretch();
 
@@ -175,7 +175,7 @@ void ChannelsCard::render() {
     plate_->layout()->setContentsMargins(failed ? platePadding : 0, plateMargin,
                                          failed ? platePadding : 0, plateMargin);
     reserveRoom(isScanning);
-    // Before the counts appear, which is when they are read out.
+    // Must happen before the counts appear, because they are announced then.
     if (ready)
         showCounts(*ready->report);
     const auto showsCountsOf = [&](GenerationMode mode) {
@@ -191,7 +191,7 @@ void ChannelsCard::render() {
          {loopCount_, showsCountsOf(GenerationMode::loops)},
          {stabCount_, showsCountsOf(GenerationMode::stabs)},
          {sections_, ready}}};
-    // What goes makes room before what comes takes it: the card would stay as high as both.
+    // Hide parts before showing others, because the card would keep the height of both.
     for (const bool visible : {false, true})
         for (const auto& [part, isShown] : parts)
             if (isShown == visible)
@@ -206,11 +206,11 @@ void ChannelsCard::showMessage(const QString& text, QColor color) {
 }
 
 void ChannelsCard::reserveRoom(bool isScanning) {
-    // Lists that are open stay open across scans, and so does their room.
+    // Open lists stay open across scans, and their height is kept.
     if (!isScanning)
         roomForSections_ = 2 * DisclosureHeaderStyle::height;
     else if (sections_->isVisible()) {
-        // A list just closed may not have given its room back yet.
+        // A list that has just been closed may still have its former height.
         const int hint = sections_->sizeHint().height();
         roomForSections_ = std::clamp(sections_->height(), hint, hint + spareHeightForLists());
     }
@@ -234,7 +234,7 @@ void ChannelsCard::showCounts(const ScanReport& report) {
 
 bool ChannelsCard::event(QEvent* event) {
     const bool isHandled = QWidget::event(event);
-    // Height to spare goes to the open lists, and no further.
+    // Surplus height goes to the open lists only.
     if (event->type() == QEvent::LayoutRequest)
         setMaximumHeight(sizeHint().height() + spareHeightForLists());
     return isHandled;
@@ -250,7 +250,7 @@ void ChannelsCard::showIgnored(const std::shared_ptr<const ScanReport>& report) 
         ignoredFiles_->setItems(nullptr);
         return;
     }
-    // Shared with the report, whose life they prolong.
+    // The lists share ownership of the report.
     ignoredFolders_->setItems({report, &report->ignoredFolders});
     ignoredFiles_->setItems({report, &report->ignoredFiles});
 }

@@ -22,7 +22,7 @@ class MessagePlate;
 class StatusIcon;
 class WrappingLabel;
 
-/// What the scan found.
+/// The card that shows the result of the scan.
 class ChannelsCard final : public QWidget {
     Q_OBJECT
 
@@ -37,13 +37,13 @@ private:
     QWidget* makeScanning();
     void render();
     void showMessage(const QString& text, QColor color);
-    /// As much as the counts of any mode take: nothing below moves when a scan ends or the mode
-    /// changes.
+    /// Reserves the height of the tallest counts, so that nothing below moves when a scan ends or
+    /// the mode changes.
     void reserveRoom(bool isScanning);
-    /// What the open lists can take beyond their least height, in pixels.
+    /// The additional height at which the open lists would show all their rows, in pixels.
     int spareHeightForLists() const;
     void showCounts(const ScanReport& report);
-    /// None empties the lists.
+    /// Null clears the lists.
     void showIgnored(const std::shared_ptr<const ScanReport>& report);
 
     AppModel& model_;
@@ -51,14 +51,14 @@ private:
     StatusIcon* icon_;
     WrappingLabel* message_;
     QWidget* scanning_;
-    std::vector<CountRow*> roleRows_; ///< in the order of the window
+    std::vector<CountRow*> roleRows_; ///< in the order in which they are shown
     QWidget* roleCounts_;
     QWidget* uniformCounts_; ///< of the modes with one kind of sample
     CountRow* loopCount_;
     CountRow* stabCount_;
     DisclosureSection* ignoredFolders_;
     DisclosureSection* ignoredFiles_;
-    QWidget* sections_ = nullptr; ///< both
+    QWidget* sections_ = nullptr; ///< contains both lists
     QWidget* body_ = nullptr;     ///< everything below the heading
     int roomForSections_ = 0;
 };

@@ -6,7 +6,7 @@ namespace torvo::app {
 
 class AppModel;
 
-/// The title, what the program does in the selected mode, and the maker.
+/// The header: the title, what the program does in the selected mode, and the maker.
 class HeaderView final : public QWidget {
     Q_OBJECT
 

@@ -22,7 +22,7 @@ namespace {
 
 constexpr int channelCount{device::channelCount};
 
-/// The wheel scrolls the page, whatever it passes over.
+/// Ignores the wheel, so that it scrolls the page.
 class PickerBox final : public QComboBox {
 public:
     PickerBox() { setFocusPolicy(Qt::StrongFocus); }
@@ -36,7 +36,7 @@ struct Picker {
     QVBoxLayout* column;
 };
 
-/// `caption` stands above the box, `label` is its name, `explanation` its tooltip.
+/// `caption` is shown above the box, `label` is its accessible label, `explanation` its tooltip.
 Picker makePicker(const QString& caption, const QString& label, const QString& explanation,
                   const QStringList& options) {
     auto* box = new PickerBox;

@@ -15,7 +15,7 @@ namespace torvo::app {
 class AppModel;
 class ChannelToggleButton;
 
-/// The playback settings that are written into the files.
+/// The card with the playback settings that are written into each file.
 class MetadataCard final : public QWidget {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ private:
     QLayout* makePickers();
     QLayout* makeCVAssignments();
     QLayout* makeChannelButtons();
-    /// Writes one setting.
+    /// Changes one setting.
     void change(const std::function<void(TorvoMetadataOptions&)>& edit);
 
     AppModel& model_;

@@ -31,8 +31,8 @@ QString exportText(const AppModel& model) {
     return OutputCard::tr("Choose output folder.");
 }
 
-/// Whether the report is that of the folder shown under SOURCE. After an import, or when two scans
-/// overlapped, it can be another folder's, and a run would replace banks that TARGET does not name.
+/// Whether the report belongs to the folder shown under SOURCE. After an import or overlapping
+/// scans it may belong to another folder, and a run would replace banks that TARGET does not show.
 bool showsReportOfSource(const AppModel& model) {
     const auto* ready = std::get_if<AppModel::Ready>(&model.scanState());
     return ready != nullptr && model.sourceFolder() &&
@@ -45,7 +45,7 @@ ElidedPathLabel* makePath() {
     return path;
 }
 
-/// A caption with its path beside it. A note comes right after the path, which gives way to it.
+/// A caption followed by a path and a note. The path is elided in favour of the note.
 QWidget* makePathRow(const QString& caption, ElidedPathLabel* path, QLabel* note = nullptr) {
     auto* title = makeCaption(caption);
     auto* container = new QWidget;
@@ -85,7 +85,7 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     mappingFile_->setObjectName(QStringLiteral("mappingFile"));
     setAnnounced(*mappingFile_);
 
-    // GENERATE and APPLY stand in one place, which no other button and no path moves.
+    // GENERATE and APPLY share one place, which does not depend on other buttons or paths.
     main_->setMinimumWidth(mainButtonWidth);
     auto* mapping = new QHBoxLayout;
     mapping->addWidget(mappingRow_);
@@ -100,7 +100,7 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(card);
 
-    // Queued, as every panel: the press returns first.
+    // Queued, so that the click returns before the panel opens.
     connect(choose_, &QAbstractButton::clicked, this, &OutputCard::chooseFolder,
             Qt::QueuedConnection);
     connect(main_, &QAbstractButton::clicked, this, &OutputCard::startMainAction);
@@ -121,13 +121,13 @@ void OutputCard::render() {
     choose_->setVisible(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
     main_->setEnabled(enabled);
-    // Intended: one hint, whatever the reason.
+    // Intended: the same hint for every reason.
     main_->setToolTip(updating || enabled ? QString() : tr("Choose an output folder above!"));
 
     target_->setPath(exportText(model_));
     const bool named = updating || model_.exportFolder();
     setTextColor(*target_, named ? MarloTheme::ink : MarloTheme::muted);
-    // What a run is writing is not what the next one replaces.
+    // Do not show the note while a run writes the folder.
     replacement_->setVisible(model_.replacesExistingBanks() && !model_.hasUnfinishedRun());
 }
 
@@ -140,12 +140,12 @@ void OutputCard::renderMappingFile() {
 }
 
 void OutputCard::chooseFolder() {
-    // Intended: a cancelled panel clears the folder chosen before. The source's panel does not.
+    // Intended: a cancelled panel clears the chosen folder, unlike the panel for the source.
     model_.setExportFolder(model_.pickFolder(exportFolderTitle));
 }
 
 void OutputCard::startMainAction() {
-    // The folder may have gone since the button was enabled.
+    // The folder may have been removed since the button was enabled.
     render();
     if (!main_->isEnabled())
         return;
@@ -156,7 +156,7 @@ void OutputCard::startMainAction() {
 }
 
 bool OutputCard::event(QEvent* event) {
-    // The user may come back from a file manager.
+    // The user may have changed the folder in a file manager.
     if (event->type() == QEvent::WindowActivate) {
         render();
         model_.inspectExportRoot();

@@ -10,7 +10,7 @@ class AppModel;
 class ElidedPathLabel;
 class MarloButton;
 
-/// Where the banks go, and the one main action.
+/// The card with the output folder and the main action, GENERATE or APPLY.
 class OutputCard final : public QWidget {
     Q_OBJECT
 

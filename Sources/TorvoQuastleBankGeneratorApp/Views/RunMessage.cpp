@@ -19,7 +19,7 @@ namespace torvo::app {
 
 namespace {
 
-/// Two lines of a message and a line below them: the window does not move when a run begins, ends
+/// Room for two lines of a message and a line below, so that nothing moves when a run begins, ends
 /// or fails.
 constexpr int plateHeight = 60;
 constexpr int maxMessageLines = 2;
@@ -41,8 +41,7 @@ QString counts(const ExportSummary& summary) {
         .arg(summary.reusedBankCount);
 }
 
-/// Below the device folder or the source, the part of the path that tells files apart; elsewhere
-/// the whole path.
+/// The path relative to the device folder or the source; elsewhere the whole path.
 QString shortPath(const AppModel& model, const FileURL& file) {
     const std::string path = file.shownPath();
     for (const auto& folder : {model.expectedExportRoot(), model.sourceFolder()}) {
@@ -53,7 +52,7 @@ QString shortPath(const AppModel& model, const FileURL& file) {
     return toQString(path);
 }
 
-/// What each state shows; absent pieces are hidden.
+/// The texts of a state; empty parts are hidden.
 struct Content {
     std::optional<StatusKind> icon = std::nullopt;
     QString message = {};
@@ -126,7 +125,7 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
            "reused: the folder has too few samples to give every bank sounds of its own"));
     file_->setObjectName(QStringLiteral("runFile"));
     file_->setFont(MarloTheme::font(12, MarloTheme::FontCut::regular));
-    // It stands on the light plate of a failure.
+    // It is shown on the light background of a failure.
     setTextColor(*file_, MarloTheme::panelRaised);
     auto* result = new QVBoxLayout;
     result->setSpacing(lineSpacing);

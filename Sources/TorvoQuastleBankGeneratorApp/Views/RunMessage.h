@@ -14,7 +14,7 @@ class ProgressBar;
 class StatusIcon;
 class WrappingLabel;
 
-/// How the current or the last run stands.
+/// The message strip: the state of the current run or the result of the last one.
 class RunMessage final : public QWidget {
     Q_OBJECT
 
@@ -30,7 +30,7 @@ private:
     WrappingLabel* message_;
     QLabel* nextStep_;
     QLabel* counts_;
-    ElidedPathLabel* file_; ///< the one that a failure is about
+    ElidedPathLabel* file_; ///< the file that caused a failure
     ProgressBar* progress_;
     LinkButton* showFolder_;
 };

@@ -71,8 +71,8 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
     column->addWidget(card);
 
     connect(clear, &QAbstractButton::clicked, this, [this] { model_.clearSource(); });
-    // Queued: the press returns before the panel opens, so that it does not time out for a screen
-    // reader.
+    // Queued, so that the click returns before the panel opens; a screen reader would run into a
+    // timeout.
     connect(choose, &QAbstractButton::clicked, this, &SourceCard::chooseFolder,
             Qt::QueuedConnection);
     connect(dropZone, &QAbstractButton::clicked, this, &SourceCard::chooseFolder,

@@ -7,7 +7,7 @@ namespace torvo::app {
 class AppModel;
 class FolderDrops;
 
-/// Where the samples come from: dropped or chosen.
+/// The card with the source folder, dropped or chosen.
 class SourceCard final : public QWidget {
     Q_OBJECT
 
