@@ -11,7 +11,7 @@ namespace torvo::app {
 
 namespace {
 
-/// Room for the title beside the buttons of the frame.
+/// Leaves room for the title beside the buttons of the window frame.
 constexpr int minWidth = 440;
 constexpr int iconSide = 64;
 
@@ -26,7 +26,7 @@ void showAbout(QWidget* window, const QString& title, const QString& application
     box.setIconPixmap(window->windowIcon().pixmap(iconSide));
     box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))
         ->setFont(MarloTheme::font(16, MarloTheme::FontCut::bold));
-    // The box fixes its own size to that of its content.
+    // QMessageBox fixes its size to that of its content.
     auto* grid = static_cast<QGridLayout*>(box.layout());
     grid->addItem(new QSpacerItem(minWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
     box.exec();

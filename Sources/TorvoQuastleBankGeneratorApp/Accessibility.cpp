@@ -40,8 +40,8 @@ protected:
     QAbstractButton* button() const { return static_cast<QAbstractButton*>(widget()); }
 };
 
-/// Something that is on or off. Qt's own interface switches the button without a click, so that the
-/// window would show what the model never heard of.
+/// A button that is on or off. Qt's own interface toggles the button without a click, so the model
+/// would not be notified.
 class AccessibleToggle final : public AccessibleButton {
 public:
     using AccessibleButton::AccessibleButton;
@@ -73,7 +73,7 @@ public:
     }
 };
 
-/// Named by its content, unless it has a name of its own.
+/// Uses its content as its name unless it has a name.
 class AccessibleAnnouncement final : public QAccessibleWidget {
 public:
     explicit AccessibleAnnouncement(QWidget* widget)
@@ -100,7 +100,7 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
         return new AccessibleToggle(segment, QAccessible::RadioButton);
     if (auto* link = qobject_cast<LinkButton*>(object))
         return new AccessibleButton(link, QAccessible::Link);
-    // Qt leaves the picture in a message box without a name.
+    // Qt gives the icon of a message box no name.
     if (object->objectName() == QLatin1String("qt_msgboxex_icon_label")) {
         auto* icon = static_cast<QWidget*>(object);
         return new QAccessibleWidget(icon, QAccessible::Graphic, icon->window()->windowTitle());

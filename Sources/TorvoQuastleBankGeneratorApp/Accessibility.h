@@ -6,15 +6,15 @@ class QWidget;
 
 namespace torvo::app {
 
-/// Tells screen readers what the window's own controls are: cards are groups, a disclosure row can
-/// be opened, a link is a link. Called once, before the first window.
+/// Describes the window's own controls to screen readers: cards are groups, disclosure headers can
+/// be expanded, links are links. Call once, before the first window is created.
 void installAccessibility();
 
-/// A screen reader reads this out when it appears, without the focus being there.
+/// Screen readers announce the widget when it appears, although it does not have the focus.
 void setAnnounced(QWidget& widget);
 
-/// Changes what such a widget says and has it read out, also where it stood before: what appears is
-/// read out by itself.
+/// Changes the text of such a widget and announces it, even if the widget is already visible.
+/// Widgets that become visible are announced without this.
 void announceAfter(QWidget& widget, const std::function<void()>& change);
 
 } // namespace torvo::app

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int64_t targetBankCount = 99;
 
-/// Uniform over 1 … 2^64 − 1, from the system's cryptographic source; 0 is drawn again.
+/// Uniform over 1 … 2^64 − 1, from the system's cryptographic random source.
 std::uint64_t drawSeed() {
     std::uint64_t seed = 0;
     while (seed == 0)
@@ -129,8 +129,8 @@ void AppModel::resetLoadedSourceState() {
     setLastJSONURL(std::nullopt);
 }
 
-// Intended: a result is never checked against the folder or the mode of the moment. When two scans
-// overlap, the one that ends last sets the state.
+// Intended: a result is not checked against the current folder or mode. When two scans overlap, the
+// one that ends last sets the state.
 void AppModel::scanSourceFolder() {
     if (!sourceFolder_)
         return;
@@ -174,7 +174,7 @@ void AppModel::generateBanks() {
 void AppModel::inspectExportRoot() {
     const auto root = isUpdatingExistingBank() ? std::nullopt : expectedExportRoot();
     if (root != inspectedRoot_) {
-        // A card or share may answer late or never: its answer does not count any more.
+        // A slow card or share may answer late or never; the old answer is ignored.
         inspection_ = nullptr;
         inspectedRoot_ = root;
         setReplacesExistingBanks(false);

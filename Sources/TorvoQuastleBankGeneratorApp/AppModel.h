@@ -20,15 +20,15 @@
 
 namespace torvo::app {
 
-/// The state of the application and its whole workflow. Lives on the main thread: operations are
-/// called there and every property is written there; each signal follows the change it tells of.
-/// Long work runs in the background with its inputs copied when it starts. No operation reports an
-/// error: failures end in `scanState` or `runState`.
+/// The state and the workflow of the application. Belongs to the main thread: call all functions
+/// there; properties change only there, and each signal is emitted after its change. Long work runs
+/// in the background on copies of its inputs. No function throws: failures are shown in `scanState`
+/// or `runState`.
 class AppModel : public QObject {
     Q_OBJECT
 
 public:
-    /// What a run that made a document ended with.
+    /// The result of a run that made a document.
     struct CompletedExport {
         std::shared_ptr<const BankMappingDocument> document;
         ExportSummary summary;
@@ -59,7 +59,7 @@ public:
         CompletedExport completedExport;
         friend bool operator==(const Finished&, const Finished&) = default;
     };
-    /// A run that makes no document succeeded.
+    /// A run that makes no document has succeeded.
     struct FinishedMessage {
         std::string message;
         friend bool operator==(const FinishedMessage&, const FinishedMessage&) = default;
@@ -78,9 +78,9 @@ public:
     const TorvoMetadataOptions& metadataOptions() const { return metadataOptions_; }
     const ScanState& scanState() const { return scanState_; }
     const RunState& runState() const { return runState_; }
-    /// The file that the failure in `runState` is about. Absent in any other state, when no file is
-    /// known and when the description contains the whole path already. It changes with `runState`,
-    /// before observers are told.
+    /// The file that caused the failure in `runState`. Absent in other states, when no file is
+    /// known, and when the description already contains the whole path. Changes together with
+    /// `runState`, before its signal.
     const std::optional<FileURL>& failedFile() const { return failedFile_; }
     /// The device folder that the successful run in `runState` wrote or stamped; absent in any
     /// other state. It changes like `failedFile`.
@@ -88,26 +88,26 @@ public:
     const std::shared_ptr<const BankMappingDocument>& currentDocument() const {
         return currentDocument_;
     }
-    /// The mapping file last saved or loaded.
+    /// The mapping document that was last saved or loaded.
     const std::optional<FileURL>& lastJSONURL() const { return lastJSONURL_; }
 
-    /// The source is a device folder: it is stamped, never scanned.
+    /// Whether the source is a device folder, which is stamped and not scanned.
     bool isUpdatingExistingBank() const;
-    /// Says nothing about `runState`.
+    /// Independent of `runState`.
     bool canGenerate() const;
     bool canApplyExistingBankMetadata() const;
     bool canClearSource() const;
     bool isRunning() const { return std::holds_alternative<Running>(runState_); }
-    /// A run is being carried out or waits for its turn, whatever `runState` shows meanwhile: a new
-    /// scan or a document that could not be saved takes its place there.
+    /// Whether a run is in progress or waiting. `runState` may show something else: a new scan or a
+    /// document that could not be saved replaces it there.
     bool hasUnfinishedRun() const { return unfinishedRuns_ > 0; }
     /// The folder that a run writes into.
     std::optional<FileURL> expectedExportRoot() const;
-    /// GENERATE would replace what is in `expectedExportRoot` now. The folder is inspected in the
-    /// background after each change of its path and after each run: false until the answer is
-    /// there.
+    /// Whether GENERATE would replace existing banks in `expectedExportRoot`. The folder is
+    /// inspected in the background after each change of its path and after each run; false until
+    /// the answer arrives.
     bool replacesExistingBanks() const { return replacesExistingBanks_; }
-    /// Background work is in progress, results on their way to the main thread included.
+    /// Whether background work is in progress or its results have not reached the main thread yet.
     bool isBusy() const { return tasks_.isBusy(); }
 
     void setSourceFolder(const FileURL& folder);
@@ -121,7 +121,7 @@ public:
     /// Shows `writtenFolder` in the desktop's file browser.
     void showWrittenFolder();
 
-    /// None when the panel was cancelled.
+    /// Empty when the panel was cancelled.
     std::optional<FileURL> pickFolder(const std::string& title);
 
     void scanSourceFolder();
@@ -129,7 +129,7 @@ public:
     void exportJSON();
     void importJSON();
     void applyMetadataToExistingBank();
-    /// Brings `replacesExistingBanks` up to date when other programs may have changed the folder.
+    /// Updates `replacesExistingBanks` after other programs may have changed the folder.
     void inspectExportRoot();
 
 Q_SIGNALS:
@@ -145,10 +145,10 @@ Q_SIGNALS:
 
 private:
     struct Inspection {
-        bool isOutdated = false; ///< another one was asked for meanwhile
+        bool isOutdated = false; ///< a newer inspection has been requested
     };
 
-    /// Writes the result of a run, on the main thread.
+    /// Publishes the result of a run, on the main thread.
     using Publication = std::function<void()>;
 
     void resetLoadedSourceState();
@@ -158,15 +158,15 @@ private:
     void setRunState(RunState state, std::optional<FileURL> failedFile = std::nullopt,
                      std::optional<FileURL> writtenFolder = std::nullopt);
     void finish(CompletedExport completedExport);
-    /// Writes the description of an error and its file to `runState` and `failedFile`.
+    /// Sets `runState` and `failedFile` to the description of an error and its file.
     Publication failure(const std::exception_ptr& error);
     void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
     void setLastJSONURL(std::optional<FileURL> url);
     void setReplacesExistingBanks(bool replaces);
 
-    /// Runs are carried out one at a time, so that two never write into one tree at once. `begin`
-    /// is published with the start of the run, and again when the turn of one comes that had to
-    /// wait: the end of the run before stands in its place.
+    /// Carries out one run at a time, so that two never write into the same tree. `begin` is
+    /// published at once and, if the run has to wait, again when it starts, because `runState` then
+    /// shows the result of the previous run.
     void startRun(
         std::function<Publication()> work, const Publication& begin = [] {});
     /// Called in the background.
@@ -196,7 +196,7 @@ private:
     std::shared_ptr<Inspection> inspection_; ///< of `inspectedRoot_`, while it is under way
     bool replacesExistingBanks_ = false;
 
-    /// Last, so that it waits for its work while everything above still stands.
+    /// The last member: its destructor waits for background work that uses the members above.
     BackgroundTasks tasks_;
 };
 

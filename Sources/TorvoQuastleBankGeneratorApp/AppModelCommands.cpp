@@ -3,13 +3,13 @@
 
 #include <utility>
 
-// The commands of the menu, and stamping a folder that exists already.
+// The menu's commands, and stamping an existing device folder.
 namespace torvo::app {
 
 void AppModel::exportJSON() {
     if (!currentDocument_)
         return;
-    // Kept: work may replace the current document while the panel is open.
+    // Copied, because a run may replace the current document while the panel is open.
     const auto document = currentDocument_;
     const auto url = panels_->saveJSONPanel(document->naming.manifestFileName());
     if (!url)
@@ -26,7 +26,7 @@ void AppModel::importJSON() {
     const auto url = panels_->pickJSONFile();
     if (!url)
         return;
-    // A document carries no playback settings: the banks are written with those on the screen.
+    // A document contains no playback settings; the current ones are used.
     const TorvoMetadataOptions options = metadataOptions_;
     std::shared_ptr<const BankMappingDocument> document;
     try {
@@ -39,7 +39,7 @@ void AppModel::importJSON() {
     if (!folder)
         return;
 
-    // Intended: plain assignments. Nothing is scanned and `scanState` keeps its value.
+    // Intended: only assignments. Nothing is scanned, and `scanState` is not changed.
     setExportFolder(folder);
     assignSourceFolder(document->sourceFolder);
     assignGenerationMode(document->generationMode);

@@ -7,12 +7,12 @@ namespace torvo::app {
 
 namespace {
 
-/// The window answers first; beside other programs, what its user waits for loses little. On Linux
-/// this is a matter of the calling thread alone, and of the threads that it starts.
+/// Lets the main thread run first without slowing the work down much beside other programs. On
+/// Linux, the priority belongs to the calling thread and the threads that it starts.
 void lowerThreadPriority() {
     constexpr int niceness = 4;
     if (getpriority(PRIO_PROCESS, 0) < niceness)
-        setpriority(PRIO_PROCESS, 0, niceness); // refused, it changes nothing but the comfort
+        setpriority(PRIO_PROCESS, 0, niceness); // an error is harmless
 }
 
 } // namespace
@@ -45,7 +45,8 @@ void BackgroundTasks::launch(Work work, std::function<void()> ended) {
     *slot = std::thread([this, slot, work = std::move(work), ended = std::move(ended)]() mutable {
         lowerThreadPriority();
         work();
-        // What the work holds (a scan of a large library) is freed here, not on the main thread.
+        // Free what the work holds, such as the report of a large library, here and not on the main
+        // thread.
         work = nullptr;
         mainThread_.post([this, slot, ended = std::move(ended)] {
             slot->join();

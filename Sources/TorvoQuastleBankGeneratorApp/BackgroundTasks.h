@@ -9,8 +9,8 @@
 
 namespace torvo::app {
 
-/// The long work of the program, each task on a thread of its own. Everything here is called on the
-/// main thread; the destructor waits for the tasks that were started and drops those that were not.
+/// Runs long tasks, each on a thread of its own. Call all functions on the main thread. The
+/// destructor waits for tasks that have started and discards the others.
 class BackgroundTasks {
 public:
     using Work = std::function<void()>;
@@ -20,9 +20,9 @@ public:
     BackgroundTasks(const BackgroundTasks&) = delete;
     BackgroundTasks& operator=(const BackgroundTasks&) = delete;
 
-    /// Starts at once, beside whatever is running. `work` must not throw.
+    /// Starts at once, in parallel with other tasks. `work` must not throw.
     void start(Work work);
-    /// Starts when all work that was given to this function before has ended.
+    /// Starts when all work passed to this function before has ended.
     void startInTurn(Work work);
 
     bool isBusy() const { return !threads_.empty(); }
@@ -35,7 +35,7 @@ private:
 
     MainThreadJobs mainThread_;
     std::list<std::thread> threads_;
-    std::deque<Work> waiting_; ///< the front one is running, its place is kept until it ends
+    std::deque<Work> waiting_; ///< the front one is running and is removed when it ends
 };
 
 } // namespace torvo::app

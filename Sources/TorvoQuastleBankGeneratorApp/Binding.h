@@ -4,7 +4,7 @@
 
 namespace torvo::app {
 
-/// Keeps what `render` shows equal to the model: runs it now and after each of the changes.
+/// Calls `render` now and after each of the model's signals.
 template <typename Render, typename... Signals>
 void bind(AppModel& model, QObject* context, Render render, Signals... changes) {
     (QObject::connect(&model, changes, context, render), ...);

@@ -24,7 +24,7 @@ namespace {
 
 constexpr int columnWidth = 880;
 constexpr int sideMargin = (columnWidth - MarloTheme::cardWidth) / 2;
-constexpr int minSideMargin = 12; ///< the scroll bar has its place there
+constexpr int minSideMargin = 12; ///< holds the scroll bar
 constexpr int topMargin = 2 * MarloTheme::grid;
 constexpr int cardSpacing = 12;
 constexpr int footerMargin = MarloTheme::grid; ///< above and below the output
@@ -54,7 +54,7 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
     new ScrollFade(*scrollArea_);
     setMargins(sideMargin, sideMargin, 0);
     connect(&focusRing_, &FocusRing::moved, this, &ContentView::bringIntoSight);
-    // Enter opens the panel right after the start; no ring before the first key.
+    // Enter opens the panel right after the start, without a focus ring before the first key press.
     findChild<DropZone*>()->setFocus(Qt::NoFocusReason);
 }
 
@@ -124,14 +124,14 @@ bool ContentView::focusNextPrevChild(bool next) {
 void ContentView::alignColumns() {
     const int left = std::max(minSideMargin, (width() - MarloTheme::cardWidth) / 2);
     const int right = std::max(minSideMargin, width() - left - MarloTheme::cardWidth);
-    // The scroll bar takes its place from the margin: both columns keep one right edge.
+    // The scroll bar takes its width from the margin, so that both columns keep the same right
+    // edge.
     setMargins(left, right, width() - scrollArea_->viewport()->width());
 }
 
 void ContentView::setMargins(int left, int right, int scrollBar) {
     column_->setContentsMargins(left, topMargin, right - scrollBar, footerMargin);
-    // The scroll bar comes and goes while the column is being laid out, which loses a request to do
-    // so again.
+    // Showing or hiding the scroll bar during a layout discards the request for another one.
     column_->activate();
     footer_->setContentsMargins(left, footerMargin, right, footerMargin);
     status_->setContentsMargins(left, statusMargin, right, statusMargin);

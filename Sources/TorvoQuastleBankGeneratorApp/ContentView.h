@@ -13,8 +13,9 @@ namespace torvo::app {
 
 class AppModel;
 
-/// The content of the window: shows the model and turns every gesture into one call on it. Settings
-/// and findings scroll; the output and the state of the run stay in sight below them.
+/// The content of the window: shows the model and turns each user action into one call on it. The
+/// source, channel and metadata cards scroll; the output card and the state of the run stay visible
+/// below them.
 class ContentView final : public QWidget {
     Q_OBJECT
 
@@ -24,12 +25,12 @@ public:
 
     explicit ContentView(AppModel& model, QWidget* parent = nullptr);
 
-    /// A drag that holds a file URL is over the window.
+    /// Whether a drag that contains a file URL is over the window.
     bool isTargeted() const { return drops_.isTargeted(); }
-    /// Takes what is dropped there too.
+    /// Accepts drops on this widget, too.
     void takeDropsOn(QWidget& area) { drops_.watch(area); }
 
-    /// High enough to show everything without scrolling.
+    /// The size at which everything is visible without scrolling.
     QSize sizeHint() const override;
 
 protected:

@@ -5,11 +5,11 @@
 
 namespace torvo::app {
 
-/// Where the maker's logo may be: inside the program first, then below the current directory, for
+/// The possible locations of the maker's logo: the program's resources, then the current folder for
 /// runs from a source checkout.
 QStringList halvorineLogoLocations();
 
-/// The first of these images that loads; a null image when none does.
+/// The first of these images that can be loaded, or a null image.
 QImage loadHalvorineLogoImage(const QStringList& locations = halvorineLogoLocations());
 
 } // namespace torvo::app

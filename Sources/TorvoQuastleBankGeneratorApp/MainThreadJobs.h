@@ -8,8 +8,8 @@
 
 namespace torvo::app {
 
-/// Carries jobs from any thread to the one this object lives on: in the order in which they were
-/// posted, each from an event of its own.
+/// Runs jobs from any thread on the thread of this object, in the order in which they were posted,
+/// each in an event of its own.
 class MainThreadJobs final : public QObject {
 public:
     using Job = std::function<void()>;

@@ -12,13 +12,13 @@ namespace torvo::app {
 
 namespace {
 
-/// What a window manager puts around a window before it has said so.
+/// An estimate of the window frame, used until the window manager reports its size.
 constexpr QSize usualFrame{0, 48};
 
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
-    // A tooltip on a disabled button needs this where no window manager activates the window.
+    // Without an active window, disabled buttons would show no tooltips.
     setAttribute(Qt::WA_AlwaysShowToolTips);
 }
 
@@ -50,8 +50,8 @@ void MainWindow::followScreen(QScreen* screen) {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
     QMainWindow::closeEvent(event);
-    // Qt's own end of the process, after the last window, is forgotten when another one opens: the
-    // panel whose button was pressed just before. After this its loop ends as soon as it begins.
+    // Qt does not quit after the last window if a panel opens that was requested just before. After
+    // exit(), the panel's event loop ends as soon as it starts.
     if (event->isAccepted())
         QCoreApplication::exit(0);
 }

@@ -6,17 +6,17 @@ class QScreen;
 
 namespace torvo::app {
 
-/// The one window. The process ends with it, whatever else is open or about to open. On a screen
-/// whose free area is smaller than the content's smallest size, that area is the smallest size.
+/// The main window. The process ends when it is closed, even if a panel is open or about to open.
+/// Its minimum size is that of the content or the free area of the screen, whichever is smaller.
 class MainWindow final : public QMainWindow {
     Q_OBJECT
 
 public:
     explicit MainWindow(QWidget* parent = nullptr);
 
-    /// The room for the content on a screen with this free area, in logical pixels.
+    /// The size available for the content on a screen with this free area, in logical pixels.
     QSize contentRoom(QSize freeArea) const;
-    /// Bounds the content's smallest size by the screen that the window is on.
+    /// Limits the minimum size of the content to the window's screen.
     void fitToScreen();
 
 protected:

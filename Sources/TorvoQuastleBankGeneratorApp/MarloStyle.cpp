@@ -44,7 +44,7 @@ bool has(const QStyleOption& option, QStyle::StateFlag flag) {
     return option.state.testFlag(flag);
 }
 
-/// What a control says about its corners, so that frames and rings follow them.
+/// The corner radius of a control, for its frame and focus ring.
 double cornerRadius(const QWidget* widget) {
     const QVariant radius = widget ? widget->property("cornerRadius") : QVariant();
     return radius.isValid() ? radius.toDouble() : plainCornerRadius;
@@ -54,12 +54,12 @@ bool isFramedList(const QWidget* widget) {
     return qobject_cast<const QListView*>(widget) && widget->property("cornerRadius").isValid();
 }
 
-/// The window around the list of a combo box; its class is not public.
+/// Whether the widget is the popup window of a combo box, whose class is private to Qt.
 bool isComboPopup(const QObject* object) {
     return object && object->inherits("QComboBoxPrivateContainer");
 }
 
-/// No event tells a box that the pointer has left it while its list was open.
+/// A combo box receives no event if the pointer leaves it while its list is open.
 void endHover(QWidget& box) {
     box.setAttribute(Qt::WA_UnderMouse, box.rect().contains(box.mapFromGlobal(QCursor::pos())));
     box.update();
@@ -161,7 +161,8 @@ void MarloStyle::polish(QWidget* widget) {
     } else if (auto* box = qobject_cast<QComboBox*>(widget)) {
         box->setProperty("cornerRadius", fieldRadius);
         box->setItemDelegate(new ComboItemDelegate(box));
-        // Before the window of the list exists: later it could not become translucent.
+        // Must happen before the popup's native window exists, which cannot become translucent
+        // later.
         QWidget* popup = box->view()->parentWidget();
         box->view()->viewport()->setAutoFillBackground(false);
         popup->setAttribute(Qt::WA_TranslucentBackground);
@@ -172,7 +173,7 @@ void MarloStyle::polish(QWidget* widget) {
 bool MarloStyle::eventFilter(QObject* watched, QEvent* event) {
     if (isComboPopup(watched)) {
         auto* popup = static_cast<QWidget*>(watched);
-        // The list's window takes its mask off when it is resized.
+        // Qt resets the mask when the popup is resized.
         if (event->type() == QEvent::Show)
             popup->setMask(popupMask(popup->rect()));
         else if (event->type() == QEvent::Hide)
@@ -194,7 +195,7 @@ void MarloStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
         paintCheckIndicator(*painter, *option);
         return;
     case PE_FrameFocusRect:
-        return; // the ring stands outside the control
+        return; // the ring is drawn outside the control
     case PE_PanelTipLabel:
         paintPopupPanel(*painter, option->rect, Popup::toolTipRadius);
         return;
@@ -247,7 +248,7 @@ void MarloStyle::drawControl(ControlElement element, const QStyleOption* option,
     case CE_MenuBarItem:
         if (const auto* title = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             paintMenuTitle(*painter, *title);
-            // The chosen title, until its menu opens.
+            // The selected menu title, until its menu opens.
             if (widget && widget->hasFocus() && has(*option, State_Selected) &&
                 !has(*option, State_Sunken))
                 paintFocusRing(*painter, option->rect, plainCornerRadius);
@@ -264,7 +265,7 @@ void MarloStyle::drawControl(ControlElement element, const QStyleOption* option,
         paintColumnHead(*painter, *option);
         return;
     case CE_Splitter:
-        return; // the frames at its sides show where it is
+        return; // the frames on its sides show its position
     case CE_FocusFrame:
         if (const auto* frame = qobject_cast<const QFocusFrame*>(widget)) {
             paintFocusRing(*painter, option->rect,

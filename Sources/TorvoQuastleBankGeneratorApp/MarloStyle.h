@@ -6,19 +6,19 @@
 
 namespace torvo::app {
 
-/// The theme for Qt's own controls: combo boxes, check boxes, scroll bars, menus, dialogs,
-/// tooltips, list frames and the keyboard focus ring.
+/// Paints Qt's own controls: combo boxes, check boxes, scroll bars, menus, dialogs, tooltips, list
+/// frames and the focus ring.
 class MarloStyle final : public QProxyStyle {
     Q_OBJECT
 
 public:
     MarloStyle();
 
-    /// How far the focus ring stands off its control.
+    /// The distance between the focus ring and its control.
     static constexpr int focusRingMargin = 3;
 
     using QProxyStyle::polish;
-    /// Panels and boxes get a focus ring like the window's.
+    /// Gives dialogs a focus ring like that of the window.
     void polish(QWidget* widget) override;
     QPalette standardPalette() const override;
     QIcon standardIcon(StandardPixmap picture, const QStyleOption* option,

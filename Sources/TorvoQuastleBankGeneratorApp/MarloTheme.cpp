@@ -19,8 +19,8 @@ constexpr std::array<Cut, 4> cuts{{{"Regular", QFont::Normal},
                                    {"SemiBold", QFont::DemiBold},
                                    {"Bold", QFont::Bold}}};
 
-/// The family that has the cut, found once: without the check a missing font would be replaced by
-/// a proportional one.
+/// The installed family with this style, looked up once. Without the check, Qt would replace a
+/// missing font by a proportional one.
 const QString& family(FontCut cut) {
     static const std::array<QString, cuts.size()> families = [] {
         const QString wanted = QStringLiteral("JetBrains Mono");

@@ -3,7 +3,7 @@
 #include <QColor>
 #include <QFont>
 
-/// The palette and the typeface of every screen. Sizes are logical pixels.
+/// Colours, fonts and distances. Sizes are in logical pixels.
 namespace torvo::app::MarloTheme {
 
 inline constexpr QColor surface{39, 40, 34};
@@ -16,20 +16,20 @@ inline constexpr QColor line{255, 255, 255, 20}; ///< white at 8 %
 inline constexpr QColor success{134, 180, 43};
 inline constexpr QColor danger{196, 38, 94};
 
-/// The same colour, `opacity` (0 to 1) times as opaque.
+/// The colour with its alpha multiplied by `opacity` (0 to 1).
 QColor withOpacity(QColor color, double opacity);
 
 enum class FontCut { regular, medium, semiBold, bold };
 
-/// JetBrains Mono, or the system's monospaced face of the same size and weight where that cut is
-/// not installed.
+/// JetBrains Mono, or the system's monospaced font of the same size and weight if that style is not
+/// installed.
 QFont font(int pixelSize, FontCut cut);
 
 /// The distances of the layout are multiples of this.
 inline constexpr int grid = 8;
 
-/// Between the columns of a card. Two and three columns as well as eight channel buttons then have
-/// whole widths in a card of `cardWidth`.
+/// The gap between the columns of a card. With it, two and three columns and eight channel buttons
+/// have integer widths in a card of `cardWidth`.
 inline constexpr int columnGap = 30;
 inline constexpr int cardWidth = 826;
 

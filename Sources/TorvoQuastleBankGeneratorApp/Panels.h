@@ -18,8 +18,8 @@ public:
 
     /// An existing or newly created folder.
     virtual std::optional<FileURL> pickFolder(const std::string& title) = 0;
-    /// Where to save a JSON document: a name that ends in ".json". The user has agreed to replace
-    /// a file that has this name.
+    /// Where to save a JSON document; the name ends in ".json". If the file exists, the user has
+    /// agreed to replace it.
     virtual std::optional<FileURL> saveJSONPanel(const std::string& defaultFileName) = 0;
     /// An existing JSON document.
     virtual std::optional<FileURL> pickJSONFile() = 0;

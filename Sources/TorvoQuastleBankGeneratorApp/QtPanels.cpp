@@ -57,7 +57,7 @@ void makeRoomForNames(QFileDialog& panel) {
     files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
 }
 
-/// The one chosen path, or none.
+/// The chosen path, if there is exactly one.
 std::optional<FileURL> run(QFileDialog& panel, FileURL::Kind kind) {
     static FileIcons icons;
     panel.setIconProvider(&icons);
@@ -71,7 +71,7 @@ bool isJSON(const FileURL& url) {
     return toQString(url.pathExtension()).compare(QLatin1String("json"), Qt::CaseInsensitive) == 0;
 }
 
-/// The URL itself when it names a JSON file, otherwise with ".json" after its name.
+/// The URL with ".json" appended unless it already names a JSON file.
 FileURL withJSONExtension(const FileURL& url) {
     if (isJSON(url))
         return url;
@@ -82,8 +82,8 @@ void allowJSONOnly(QFileDialog& panel) {
     panel.setNameFilter(QFileDialog::tr("JSON (*.json)"));
 }
 
-/// Whether saving under this name replaces a file. A folder is never replaced, and what cannot be
-/// looked at cannot be written either: saving then fails by itself.
+/// Whether saving under this name replaces a file. False for a folder and for an item that cannot
+/// be inspected: saving then fails with an error.
 bool wouldReplaceFile(const FileURL& url) {
     try {
         const auto status = systemFileManager()->status(url.path());
@@ -125,8 +125,8 @@ std::optional<FileURL> QtPanels::saveJSONPanel(const std::string& defaultFileNam
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.setFileMode(QFileDialog::AnyFile);
     allowJSONOnly(panel);
-    // The question is ours, for the completed name. Panels differ in when they complete a name and
-    // when they ask: the GTK panel asks about "kit" where "kit.json" would be replaced.
+    // Ask here, about the completed name. Panels differ in when they complete a name and when they
+    // ask: GTK's asks about "kit" when "kit.json" would be replaced.
     panel.setOption(QFileDialog::DontConfirmOverwrite);
     panel.selectFile(toQString(defaultFileName));
     for (;;) {

@@ -19,9 +19,9 @@ public:
     /// `bus` is where the file browser is: the session bus when none is given.
     explicit QtPanels(std::optional<QDBusConnection> bus = {}) : bus_(std::move(bus)) {}
 
-    /// Until a window is named, panels stand alone.
+    /// Panels have no parent until a window is set.
     void setWindow(QWidget* window) { window_ = window; }
-    /// Where the folder panel of this title opens; none: where the program was started.
+    /// The folder in which the panel with this title opens; by default the current folder.
     void startAt(const std::string& title, const std::optional<FileURL>& folder);
 
     std::optional<FileURL> pickFolder(const std::string& title) override;

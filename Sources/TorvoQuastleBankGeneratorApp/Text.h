@@ -8,7 +8,7 @@
 
 namespace torvo::app {
 
-/// UTF-8 of the core as text of the window.
+/// Converts the core's UTF-8 to a QString.
 inline QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }

@@ -17,7 +17,7 @@
 #include <QShortcut>
 #include <QToolTip>
 
-/// Files inside a static library are found only after this; the macro wants the global namespace.
+/// Registers the resources of the static library. The macro must be used in the global namespace.
 static void registerResources() {
     Q_INIT_RESOURCE(resources);
 }
@@ -36,7 +36,7 @@ BankExporter makeExporter() {
             TorvoWAVMetadataWriter{}};
 }
 
-/// Each size as it was drawn: one that is scaled down loses its lines.
+/// Uses the image drawn for each size, because scaled ones lose their lines.
 QIcon applicationIcon() {
     QIcon icon;
     for (const int side : {16, 22, 24, 32, 48, 64, 128})
@@ -64,7 +64,7 @@ TorvoQuastleBankGeneratorApp::TorvoQuastleBankGeneratorApp()
              systemFileManager()) {
     panels_->setWindow(&window_);
     window_.setWindowTitle(QString::fromLatin1(applicationName));
-    // In the window from the start: moving there later would cost the view its focus.
+    // Created with the window as its parent, because reparenting would lose the focus.
     auto* const content = new ContentView(model_, &window_);
     content->takeDropsOn(window_);
     window_.setCentralWidget(content);
@@ -89,7 +89,7 @@ void TorvoQuastleBankGeneratorApp::addFileMenu() {
     QAction* exportJSON = file->addAction(QMenu::tr("Export JSON…"));
     file->addSeparator();
     QAction* quit = file->addAction(QMenu::tr("Quit"));
-    // Queued: the menu closes before a panel opens.
+    // Queued, so that the menu closes before a panel opens.
     QObject::connect(importJSON, &QAction::triggered, &model_, &AppModel::importJSON,
                      Qt::QueuedConnection);
     QObject::connect(exportJSON, &QAction::triggered, &model_, &AppModel::exportJSON,

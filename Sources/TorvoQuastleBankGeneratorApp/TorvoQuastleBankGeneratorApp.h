@@ -10,7 +10,7 @@ namespace torvo::app {
 
 inline constexpr const char* applicationName = "Torvo Quastle Bank Generator";
 
-/// The application: its one model, its one window and the commands of the menu.
+/// The application: its model, its window and the commands of the menu.
 class TorvoQuastleBankGeneratorApp final {
 public:
     TorvoQuastleBankGeneratorApp();
@@ -18,7 +18,7 @@ public:
     QMainWindow& window() { return window_; }
     AppModel& model() { return model_; }
 
-    /// As high as its content and the screen allow.
+    /// Makes the window as high as its content, limited by the screen.
     void showWindow();
 
 private:
@@ -30,7 +30,8 @@ private:
     MainWindow window_;
 };
 
-/// The theme for the whole process, its pictures included. Called once, before the first window.
+/// Sets the theme of the process, including its images. Call once, before the first window is
+/// created.
 void installTheme();
 
 } // namespace torvo::app

@@ -18,8 +18,8 @@ void reportMissingDisplay() {
               << std::endl;
 }
 
-/// Qt ends the process with a core dump when the display that is named does not answer, or when the
-/// plugin for its kind is not installed. Both it calls by this one name.
+/// Qt aborts with a core dump if the display does not answer or its platform plugin is missing. It
+/// reports both with this category.
 void reportMissingDisplayInsteadOfAborting(QtMsgType type, const QMessageLogContext&,
                                            const QString& message) {
     if (type != QtFatalMsg)
@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
     torvo::app::TorvoQuastleBankGeneratorApp app;
     app.showWindow();
     const int status = QApplication::exec();
-    // Work cannot be cancelled and nobody waits for it: its threads end with the process.
+    // Background work cannot be cancelled; its threads end with the process.
     if (app.model().isBusy())
         std::_Exit(status);
     return status;
