@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QProcess>
 #include <QStringList>
+#include <QTemporaryDir>
 
 namespace torvo::test {
 
@@ -10,9 +11,12 @@ namespace torvo::test {
 class PrivateBus {
 public:
     PrivateBus() {
-        daemon_.start(QStringLiteral("dbus-daemon"),
-                      {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                       QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
+        daemon_.start(
+            QStringLiteral("dbus-daemon"),
+            {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
+             QStringLiteral("--print-address=1"),
+             // By default the socket is in /tmp and stays there.
+             QStringLiteral("--address=unix:path=") + folder_.filePath(QStringLiteral("bus"))});
         while (!daemon_.canReadLine() && daemon_.waitForReadyRead()) {
         }
         address_ = QString::fromLatin1(daemon_.readLine().trimmed());
@@ -32,6 +36,7 @@ public:
     }
 
 private:
+    QTemporaryDir folder_;
     QProcess daemon_;
     QString address_;
     QStringList names_;
