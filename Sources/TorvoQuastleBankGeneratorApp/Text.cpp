@@ -27,7 +27,7 @@ QString plainToolTip(const QString& text) {
     QStringList lines = text.split(QLatin1Char('\n'));
     for (QString& line : lines)
         line = brokenLine(line);
-    const QString broken = lines.join(QLatin1Char('\n'));
+    QString broken = lines.join(QLatin1Char('\n'));
     if (!Qt::mightBeRichText(broken))
         return broken;
     return QStringLiteral("<p style='white-space:pre'>") + broken.toHtmlEscaped() +
