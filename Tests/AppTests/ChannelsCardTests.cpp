@@ -85,8 +85,7 @@ TEST_F(ChannelsCardTest, aFailedScanHasAnIconAndATextToCopy) {
 
 TEST_F(ChannelsCardTest, nothingMovesWhenAScanEnds) {
     const auto place = [this] {
-        for (int round = 0; round < 5; ++round) // a layout request may post another one
-            QApplication::processEvents();
+        settle();
         return label(QStringLiteral("METADATA"))->mapTo(&view, QPoint()).y();
     };
     const auto expectStill = [&](const FileURL& source, const char* held) {
@@ -118,7 +117,7 @@ TEST_F(ChannelsCardTest, highlightsWhatPreventsARun) {
     row.resize(300, row.sizeHint().height());
     row.show();
     const auto hasBadge = [&row] {
-        QApplication::processEvents();
+        settle();
         const QImage image = row.grab().toImage();
         for (int x = 0; x < image.width(); ++x)
             if (image.pixelColor(x, image.height() / 2) == MarloTheme::danger)
@@ -177,7 +176,7 @@ TEST_F(ChannelsCardTest, digitsStayAlignedWithABadge) {
     for (const auto standing : {CountRow::Standing::enough, CountRow::Standing::filledIn,
                                 CountRow::Standing::absent, CountRow::Standing::blocking}) {
         row.setCount(0, standing);
-        QApplication::processEvents();
+        settle();
         for (const auto* label : row.findChildren<QLabel*>())
             if (label->text() == QLatin1String("0"))
                 rightEdges.insert(label->geometry().right() - label->contentsMargins().right());
@@ -204,12 +203,12 @@ TEST_F(ChannelsCardTest, aNewReportStartsAtItsTop) {
     const FileURL kit = drumKit();
     scan(kit);
     section("ignoredFiles")->setExpanded(true);
-    QApplication::processEvents();
+    settle();
     auto* bar = section("ignoredFiles")->list()->verticalScrollBar();
     ASSERT_GT(bar->maximum(), 0);
     bar->setValue(bar->maximum());
     scan(kit);
-    QApplication::processEvents();
+    settle();
     EXPECT_EQ(bar->value(), 0);
 }
 
@@ -239,7 +238,7 @@ TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {
     for (const std::string role : {"Percussion", "Snare", "Open Hat", "Closed Hat", "Clap", "Kick"})
         loops("Kit A/" + role, samples++);
     scan(FileURL::directory(folder / "Kit A"));
-    QApplication::processEvents();
+    settle();
     // In reading order: down the first column, then down the second.
     auto rows = showing<CountRow>();
     std::ranges::sort(rows, {}, [this](const CountRow* row) {

@@ -57,7 +57,7 @@ TEST_F(ContentViewTest, headsItsCards) {
 TEST_F(ContentViewTest, keepsItsColumnNarrow) {
     for (const int width : {880, 1400, 2001}) {
         view.resize(width, 1200);
-        QApplication::processEvents();
+        settle();
         for (auto* card : showing<Card>()) {
             const int left = card->mapTo(&view, QPoint(0, 0)).x();
             EXPECT_LE(card->width(), 880) << width;
@@ -125,7 +125,7 @@ TEST_F(ContentViewTest, showsNamesThatLookLikeMarkup) {
     const QString row =
         section("ignoredFiles")->list()->model()->index(0, 0).data(Qt::ToolTipRole).toString();
     model.setExportFolder(FileURL::directory("/" + name.toStdString() + std::string(300, 'n')));
-    QApplication::processEvents();
+    settle();
     const QString path = view.findChild<ElidedPathLabel*>(QStringLiteral("targetPath"))->toolTip();
     for (const QString& toolTip : {row, path}) {
         ASSERT_TRUE(Qt::mightBeRichText(toolTip)) << toolTip.toStdString();
@@ -143,7 +143,7 @@ TEST_F(ContentViewTest, clipsNothingAtItsMinimumSize) {
     scan(drumKit(longName));
     for (auto* open : view.findChildren<DisclosureSection*>())
         open->setExpanded(true);
-    QApplication::processEvents();
+    settle();
     for (const auto* label : showing<QLabel>()) {
         const QString name = label->text().left(40);
         EXPECT_GE(label->height(), label->minimumSizeHint().height()) << name.toStdString();

@@ -163,7 +163,7 @@ TEST_F(FocusTest, waitsForTheListWhileItsFolderIsScanned) {
 TEST_F(FocusTest, scrollsItsControlIntoView) {
     view.resize(view.minimumSize());
     scan(drumKit());
-    QApplication::processEvents();
+    settle();
     auto* const viewport = view.findChild<QScrollArea*>()->viewport();
     outputButton()->setFocus(Qt::TabFocusReason);
     std::set<QWidget*> seen;
@@ -183,7 +183,7 @@ TEST_F(FocusTest, scrollsItsControlIntoView) {
 TEST_F(FocusTest, theWheelScrollsThePageNotTheSettings) {
     view.resize(view.minimumSize());
     scan(drumKit());
-    QApplication::processEvents();
+    settle();
     auto* const bar = view.findChild<QScrollArea*>()->verticalScrollBar();
     ASSERT_GT(bar->maximum(), 0);
     for (auto* box : showing<QComboBox>()) {

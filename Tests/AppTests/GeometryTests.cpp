@@ -154,7 +154,7 @@ TEST_F(GeometryTest, rowsDoNotFloatInATallWindow) {
 }
 
 TEST_F(GeometryTest, theMainButtonIsWiderThanTheOthersAndTheModesAreNot) {
-    QApplication::processEvents();
+    settle();
     for (const auto* other : showing<QAbstractButton>()) {
         if (other->parentWidget() == mainButton()->parentWidget() && other != mainButton()) {
             EXPECT_GT(mainButton()->width(), other->width());

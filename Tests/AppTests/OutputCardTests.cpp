@@ -56,7 +56,7 @@ TEST_F(OutputCardTest, aCancelledOutputPanelClearsTheOutput) {
 }
 
 TEST_F(OutputCardTest, applyHasThePlaceOfGenerate) {
-    QApplication::processEvents();
+    settle();
     const auto place = [this] {
         return QRect(mainButton()->mapTo(&view, QPoint()), mainButton()->size());
     };
@@ -64,7 +64,7 @@ TEST_F(OutputCardTest, applyHasThePlaceOfGenerate) {
     EXPECT_GE(generate.width(), outputButton()->width());
     EXPECT_EQ(generate.height(), MarloButtonStyle::size(QStringLiteral("GENERATE")).height());
     model.setSourceFolder(deviceFolder());
-    QApplication::processEvents();
+    settle();
     EXPECT_EQ(mainButton()->text(), QStringLiteral("APPLY"));
     EXPECT_EQ(place(), generate);
 }
@@ -225,7 +225,7 @@ TEST_F(OutputCardTest, aResetHidesTheMappingFile) {
 TEST_F(OutputCardTest, keepsLongPathsWholeInTooltipAndClipboard) {
     const std::string longName(220, 'n');
     model.setExportFolder(FileURL::directory("/start/" + longName + "/end"));
-    QApplication::processEvents();
+    settle();
     auto* target = view.findChild<ElidedPathLabel*>(QStringLiteral("targetPath"));
     EXPECT_LT(target->text().size(), target->path().size());
     EXPECT_TRUE(target->text().startsWith(QStringLiteral("/start")));

@@ -131,7 +131,7 @@ TEST_F(RunMessageTest, showsWhichFileCouldNotBeStamped) {
     EXPECT_EQ(label(QString::fromLatin1(line)), file);
     EXPECT_EQ(colorOf(line), MarloTheme::panelRaised);
     EXPECT_EQ(file->font().pixelSize(), 12);
-    QApplication::processEvents();
+    settle();
     const auto* message = label(QStringLiteral("Not a RIFF/WAVE file."));
     EXPECT_GE(file->mapTo(&view, QPoint()).y(),
               message->mapTo(&view, QPoint(0, message->height())).y());

@@ -85,7 +85,7 @@ TEST_F(SourceCardTest, opensThePanelAfterTheClickHasReturned) {
     panels->folder = drumKit();
     QTest::mouseClick(sourceButton(), Qt::LeftButton);
     EXPECT_TRUE(panels->asked.empty());
-    QApplication::processEvents();
+    settle();
     EXPECT_EQ(panels->asked, std::vector<std::string>{"folder: Choose a source sample folder"});
     EXPECT_EQ(model.sourceFolder(), panels->folder);
     waitForWork();
@@ -95,7 +95,7 @@ TEST_F(SourceCardTest, theDropZoneOpensThePanelOnEnter) {
     auto* zone = view.findChild<DropZone*>();
     EXPECT_TRUE((zone->focusPolicy() & Qt::TabFocus) != 0);
     QTest::keyClick(zone, Qt::Key_Return);
-    QApplication::processEvents();
+    settle();
     EXPECT_EQ(panels->asked, std::vector<std::string>{"folder: Choose a source sample folder"});
 }
 
@@ -229,7 +229,7 @@ TEST_F(SourceCardTest, theSourceCardKeepsItsHeight) {
     const auto* zone = view.findChild<DropZone*>();
     const int before = zone->height();
     model.setSourceFolder(deviceFolder());
-    QApplication::processEvents();
+    settle();
     EXPECT_EQ(zone->height(), before);
     EXPECT_TRUE(shows("QZT508"));
 }
