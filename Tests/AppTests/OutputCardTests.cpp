@@ -85,18 +85,10 @@ TEST_F(OutputCardTest, inspectsTheFolderAgainWhenTheWindowIsActivated) {
     model.setSourceFolder(device);
     std::filesystem::remove_all(device.path());
     ASSERT_TRUE(mainButton()->isEnabled());
-    QWidget other;
-    other.show();
-    other.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-    view.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    reactivate();
     EXPECT_FALSE(mainButton()->isEnabled());
     std::filesystem::create_directory(device.path());
-    other.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-    view.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    reactivate();
     EXPECT_TRUE(mainButton()->isEnabled());
 }
 
