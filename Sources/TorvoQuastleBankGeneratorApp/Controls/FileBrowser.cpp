@@ -1,5 +1,6 @@
 #include "Controls/FileBrowser.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
@@ -29,7 +30,9 @@ void showInFileBrowser(const FileURL& item, const QDBusConnection& bus) {
                                                QStringLiteral("ShowItems"));
     const QString startupId;
     call << QStringList(QString::fromStdString(item.absoluteString())) << startupId;
-    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
+    // The program may end before the browser answers.
+    auto* const watcher =
+        new QDBusPendingCallWatcher(bus.asyncCall(call), QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, item] {
         watcher->deleteLater();
         if (watcher->isError())
