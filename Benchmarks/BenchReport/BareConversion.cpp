@@ -1,53 +1,20 @@
 #include "BareConversion.h"
 
-#include <soxr.h>
+#include "../FFmpegHandles.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
+#include <soxr.h>
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <stdexcept>
 
 namespace torvo::bench {
 
 namespace {
 
-void require(bool succeeded, const char* what) {
-    if (!succeeded)
-        throw std::runtime_error(what);
-}
-
-struct Delete {
-    void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
-    void operator()(AVCodecContext* decoder) const { avcodec_free_context(&decoder); }
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+struct DeleteResampler {
     void operator()(soxr* resampler) const { soxr_delete(resampler); }
 };
-
-template <typename Handle>
-using Owned = std::unique_ptr<Handle, Delete>;
-
-Owned<AVFormatContext> opened(const std::filesystem::path& path) {
-    AVFormatContext* input = nullptr;
-    require(avformat_open_input(&input, path.c_str(), av_find_input_format("wav"), nullptr) == 0,
-            "avformat_open_input");
-    return Owned<AVFormatContext>(input);
-}
-
-Owned<AVCodecContext> decoderFor(const AVCodecParameters& parameters) {
-    const auto* codec = avcodec_find_decoder(parameters.codec_id);
-    Owned<AVCodecContext> decoder(avcodec_alloc_context3(codec));
-    require(decoder && avcodec_parameters_to_context(decoder.get(), &parameters) == 0 &&
-                avcodec_open2(decoder.get(), codec, nullptr) == 0,
-            "avcodec_open2");
-    require(decoder->sample_fmt == AV_SAMPLE_FMT_S32, "24-bit samples decode to 32 bits");
-    return decoder;
-}
 
 /// Half of left plus half of right.
 void appendMono(std::vector<double>& to, const AVFrame& frame) {
@@ -57,8 +24,8 @@ void appendMono(std::vector<double>& to, const AVFrame& frame) {
 }
 
 std::vector<double> decoded(AVFormatContext& input, AVCodecContext& decoder) {
-    const Owned<AVPacket> packet(av_packet_alloc());
-    const Owned<AVFrame> frame(av_frame_alloc());
+    const FFmpegHandle<AVPacket> packet(av_packet_alloc());
+    const FFmpegHandle<AVFrame> frame(av_frame_alloc());
     std::vector<double> mono;
     while (av_read_frame(&input, packet.get()) == 0) {
         require(avcodec_send_packet(&decoder, packet.get()) == 0, "avcodec_send_packet");
@@ -74,7 +41,8 @@ std::vector<double> resampled(const std::vector<double>& mono, double rate) {
     const auto quality = soxr_quality_spec(SOXR_VHQ, 0);
     const auto runtime = soxr_runtime_spec(1);
     soxr_error_t error = nullptr;
-    const Owned<soxr> resampler(soxr_create(rate, 44100, 1, &error, &io, &quality, &runtime));
+    const std::unique_ptr<soxr, DeleteResampler> resampler(
+        soxr_create(rate, 44100, 1, &error, &io, &quality, &runtime));
     require(error == nullptr, "soxr_create");
     std::vector<double> output(
         static_cast<std::size_t>(std::ceil(static_cast<double>(mono.size()) * 44100 / rate)));
@@ -99,10 +67,11 @@ std::vector<double> resampled(const std::vector<double>& mono, double rate) {
 } // namespace
 
 std::vector<std::int16_t> bareConversion(const std::filesystem::path& path) {
-    const auto input = opened(path);
+    const auto input = openedInput(path.c_str(), "wav");
     const auto& parameters = *input->streams[0]->codecpar;
     require(parameters.ch_layout.nb_channels == 2, "two channels");
-    const auto decoder = decoderFor(parameters);
+    const auto decoder = openedDecoder(parameters);
+    require(decoder->sample_fmt == AV_SAMPLE_FMT_S32, "24-bit samples decode to 32 bits");
     const auto samples = resampled(decoded(*input, *decoder), parameters.sample_rate);
     std::vector<std::int16_t> rounded(samples.size());
     std::ranges::transform(samples, rounded.begin(), [](double sample) {

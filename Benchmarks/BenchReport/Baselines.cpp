@@ -1,19 +1,16 @@
 #include "Baselines.h"
 
+#include "../OnThreads.h"
 #include "../Stopwatch.h"
 #include "BareConversion.h"
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <exception>
 #include <fcntl.h>
-#include <mutex>
 #include <string>
 #include <sys/stat.h>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -28,39 +25,13 @@ void require(bool succeeded, const fs::path& path) {
         throw std::system_error(errno, std::generic_category(), path.string());
 }
 
-/// Distributes the files over `atOnce` threads; rethrows the first error.
+/// The wall time of `onThreads`.
 template <typename Work>
 double secondsFor(std::span<const fs::path> files, std::size_t threads, std::size_t atOnce,
                   Work work) {
-    std::atomic<std::size_t> next = 0;
-    std::exception_ptr failure;
-    std::mutex failureMutex;
-    const auto takeFiles = [&] {
-        try {
-            for (;;) {
-                const auto first = next.fetch_add(atOnce);
-                if (first >= files.size())
-                    return;
-                for (const auto& file :
-                     files.subspan(first).first(std::min(atOnce, files.size() - first)))
-                    work(file);
-            }
-        } catch (...) {
-            const std::scoped_lock lock(failureMutex);
-            failure = std::current_exception();
-        }
-    };
     const Stopwatch watch;
-    {
-        std::vector<std::jthread> workers;
-        for (std::size_t i = 1; i < threads; ++i)
-            workers.emplace_back(takeFiles);
-        takeFiles();
-    }
-    const double seconds = watch.seconds();
-    if (failure)
-        std::rethrow_exception(failure);
-    return seconds;
+    onThreads(files, threads, atOnce, work);
+    return watch.seconds();
 }
 
 void readHead(const fs::path& path) {
