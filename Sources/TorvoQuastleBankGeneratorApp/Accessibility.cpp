@@ -1,5 +1,6 @@
 #include "Accessibility.h"
 
+#include "Controls/Announcements.h"
 #include "Controls/Card.h"
 #include "Controls/ChannelToggleButton.h"
 #include "Controls/CountRow.h"
@@ -87,10 +88,8 @@ public:
     }
 };
 
-constexpr const char* announced = "announced";
-
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-    if (object->property(announced).toBool())
+    if (isAnnounced(*object))
         return new AccessibleAnnouncement(static_cast<QWidget*>(object));
     if (auto* header = qobject_cast<DisclosureHeader*>(object))
         return new AccessibleDisclosureHeader(header);
@@ -117,19 +116,6 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
 
 void installAccessibility() {
     QAccessible::installFactory(makeInterface);
-}
-
-void setAnnounced(QWidget& widget) {
-    widget.setProperty(announced, true);
-}
-
-void announceAfter(QWidget& widget, const std::function<void()>& change) {
-    const bool stoodBefore = widget.isVisible();
-    change();
-    if (!stoodBefore || !widget.isVisible())
-        return;
-    QAccessibleEvent appeared(&widget, QAccessible::ObjectShow);
-    QAccessible::updateAccessibility(&appeared);
 }
 
 } // namespace torvo::app

@@ -1,7 +1,7 @@
 #include "Views/ChannelsCard.h"
 
-#include "Accessibility.h"
 #include "Binding.h"
+#include "Controls/Announcements.h"
 #include "Controls/Card.h"
 #include "Controls/DisclosureHeader.h"
 #include "Controls/DisclosureSection.h"

@@ -1,7 +1,7 @@
 #include "Views/OutputCard.h"
 
-#include "Accessibility.h"
 #include "Binding.h"
+#include "Controls/Announcements.h"
 #include "Controls/Card.h"
 #include "Controls/ElidedPathLabel.h"
 #include "Controls/Labels.h"
