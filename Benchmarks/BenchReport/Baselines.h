@@ -11,6 +11,9 @@ namespace torvo::bench {
 /// Opens each file and reads its first 4 KiB.
 double secondsToReadHeads(std::span<const std::filesystem::path> files, std::size_t threads);
 
+/// Reads each file from its beginning to its end, one after the other.
+double secondsToRead(std::span<const std::filesystem::path> files);
+
 /// Reads each file, writes its bytes beside it, flushes them and renames the new file over the old.
 double secondsToRewrite(std::span<const std::filesystem::path> files);
 

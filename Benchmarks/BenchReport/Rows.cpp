@@ -1,5 +1,6 @@
 #include "Rows.h"
 
+#include "BankMappingStore.h"
 #include "Baselines.h"
 #include "ChildProcess.h"
 #include "Platform/SystemFileManager.h"
@@ -119,13 +120,15 @@ std::vector<Row> scanOther(const Bench& bench) {
                 headsFloor, scanAndReadHeads(bench, bench.inputs.otherFiles(), "loops"), 3)};
 }
 
-/// Shows a folder like a file server that answers each request after a while.
-class DistantFolder {
+/// Shows a folder through `slow-files`, with its option and value.
+class SlowFolder {
 public:
-    DistantFolder(const Bench& bench, const fs::path& folder)
-        : mountPoint_(emptied(bench.folder / "distant")),
-          server_({bench.bankRun.parent_path() / "slow-files", folder, mountPoint_, milliseconds}) {
-        while (fs::is_empty(mountPoint_)) {
+    SlowFolder(const Bench& bench, const fs::path& folder, const char* mountPoint,
+               const char* option, const std::string& value)
+        : mountPoint_(emptied(bench.folder / mountPoint)),
+          server_(
+              {bench.bankRun.parent_path() / "slow-files", folder, mountPoint_, option, value}) {
+        while (volumeOf(mountPoint_) == volumeOf(bench.folder)) {
             if (!server_.isRunning())
                 throw std::runtime_error("cannot mount a FUSE file system");
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -134,9 +137,18 @@ public:
 
     const fs::path& path() const { return mountPoint_; }
 
-    static constexpr auto milliseconds = "5";
+    static bool isPossible() {
+        const bool hasFuse = fs::exists("/dev/fuse");
+        if (!hasFuse)
+            std::cerr << "not measured: this system has no FUSE" << std::endl;
+        return hasFuse;
+    }
 
 private:
+    static std::uint64_t volumeOf(const fs::path& folder) {
+        return systemFileManager()->status(folder).value().identity.device;
+    }
+
     fs::path mountPoint_;
     BackgroundProcess server_;
 };
@@ -144,22 +156,21 @@ private:
 /// On a file server waiting decides, not computing, so the baseline, too, has as many requests in
 /// flight as it takes, whatever the number of cores.
 std::vector<Row> scanDistant(const Bench& bench) {
-    if (!fs::exists("/dev/fuse")) {
-        std::cerr << "not measured: this system has no FUSE" << std::endl;
+    if (!SlowFolder::isPossible())
         return {};
-    }
-    const DistantFolder distant(bench, bench.inputs.wavLibrary());
+    constexpr auto milliseconds = "5";
+    const SlowFolder distant(bench, bench.inputs.wavLibrary(), "distant", "--delay", milliseconds);
     const auto files = filesBelow(distant.path());
     constexpr std::size_t requestsInFlight = 16;
-    return {timeRow(
-        "scan of " + std::to_string(bench.sizes.wavFiles) +
-            " WAV files, each request answered after " + DistantFolder::milliseconds + " ms",
-        std::string(headsFloor) + ", " + std::to_string(requestsInFlight) + " in flight",
-        interleaved(
-            bench.sizes.runs,
-            [&] { return secondsOf(scanned(bench, distant.path(), "drums"), "scan"); },
-            [&] { return secondsToReadHeads(files, requestsInFlight); }),
-        1.3)};
+    return {
+        timeRow("scan of " + std::to_string(bench.sizes.wavFiles) +
+                    " WAV files, each request answered after " + milliseconds + " ms",
+                std::string(headsFloor) + ", " + std::to_string(requestsInFlight) + " in flight",
+                interleaved(
+                    bench.sizes.runs,
+                    [&] { return secondsOf(scanned(bench, distant.path(), "drums"), "scan"); },
+                    [&] { return secondsToReadHeads(files, requestsInFlight); }),
+                1.3)};
 }
 
 FinishedProcess exported(const Bench& bench, const fs::path& library, const char* mode,
@@ -209,6 +220,54 @@ std::vector<Row> exportLoops(const Bench& bench) {
             bench.sizes.runs, [&] { return secondsToExport(bench, library, "loops", out); },
             [&] { return secondsToConvert(loops, allCores()) + secondsToCopy(bench, out); }),
         1.25)};
+}
+
+/// Source and card are devices of their own, so the slower one decides how long a run takes. Both
+/// need about as long here: every sample is read once and written twice.
+std::vector<Row> exportBetweenDevices(const Bench& bench) {
+    if (!SlowFolder::isPossible())
+        return {};
+    const auto sourceRate = "8"; // megabytes per second
+    const auto cardRate = "16";
+    const auto library = bench.inputs.compatibleLibrary();
+    const auto source = [&] { return SlowFolder(bench, library, "source", "--rate", sourceRate); };
+    const auto card = [&] {
+        return SlowFolder(bench, emptied(bench.folder / "card contents"), "card", "--rate",
+                          cardRate);
+    };
+    const auto mapping = bench.folder / "mapping.json";
+    std::vector<fs::path> samples;
+    {
+        const auto mounted = source();
+        const auto out = emptied(bench.folder / "out");
+        runProcess({bench.bankRun, "--source", mounted.path(), "--out", out, "--seed", "42",
+                    "--banks", std::to_string(bench.sizes.banks), "--json", mapping});
+        const auto document = BankMappingStore().importDocument(FileURL(mapping));
+        for (const auto& recipe : document.recipes) {
+            for (const auto& [channel, sample] : recipe.channels)
+                samples.push_back(sample.sourceURL.path());
+        }
+    }
+    // Mounted anew for each run: the kernel has nothing of it in memory then.
+    const auto secondsToRun = [&] {
+        const auto from = source();
+        const auto to = card();
+        return secondsOf(runProcess({bench.bankRun, "--import", mapping, "--out", to.path()}),
+                         "export");
+    };
+    const auto secondsOfSlowerDevice = [&] {
+        const auto reading = [&] {
+            const auto mounted = source();
+            return secondsToRead(samples);
+        }();
+        const auto mounted = card();
+        return std::max(reading,
+                        runProcess({"cp", "-r", bench.folder / "out", mounted.path()}).seconds);
+    };
+    return {timeRow(bankCount(bench) + ", every sample compatible, read with " + sourceRate +
+                        " MB/s, written with " + cardRate + " MB/s",
+                    "the slower of reading the samples and `cp -r` of the banks",
+                    interleaved(bench.sizes.runs, secondsToRun, secondsOfSlowerDevice), 1.15)};
 }
 
 /// Compares an export with the manual alternative, SoX on every loop of a folder.
@@ -295,6 +354,7 @@ const std::vector<Measurement>& allMeasurements() {
         {"scan-other", scanOther},
         {"scan-distant", scanDistant},
         {"export-copy", exportCompatible},
+        {"export-devices", exportBetweenDevices},
         {"export-loops", exportLoops},
         {"export-sox", exportAgainstSox},
         {"stamp", stampFolder},
