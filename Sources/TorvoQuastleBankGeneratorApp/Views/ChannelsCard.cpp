@@ -2,7 +2,6 @@
 
 #include "Binding.h"
 #include "Controls/Announcements.h"
-#include "Controls/Card.h"
 #include "Controls/DisclosureHeader.h"
 #include "Controls/DisclosureSection.h"
 #include "Controls/Labels.h"
@@ -59,7 +58,7 @@ Standing standing(const RoleBuckets& buckets, ChannelRole role) {
 } // namespace
 
 ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
-    : QWidget(parent),
+    : Card(tr("CHANNELS"), parent),
       model_(model),
       plate_(new MessagePlate),
       icon_(new StatusIcon),
@@ -109,11 +108,7 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     findings->setStretchFactor(sections_, 1);
     findings->addStretch();
 
-    auto* card = new Card(tr("CHANNELS"));
-    card->column()->addWidget(body_);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(card);
+    column()->addWidget(body_);
     QSizePolicy policy = sizePolicy();
     policy.setVerticalStretch(1);
     setSizePolicy(policy);
@@ -233,7 +228,7 @@ void ChannelsCard::showCounts(const ScanReport& report) {
 }
 
 bool ChannelsCard::event(QEvent* event) {
-    const bool isHandled = QWidget::event(event);
+    const bool isHandled = Card::event(event);
     // Surplus height goes to the open lists only.
     if (event->type() == QEvent::LayoutRequest)
         setMaximumHeight(sizeHint().height() + spareHeightForLists());

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "Controls/Card.h"
 #include "Controls/CountRow.h"
 #include "Models/GenerationMode.h"
-
-#include <QWidget>
 
 #include <memory>
 #include <vector>
@@ -23,7 +22,7 @@ class StatusIcon;
 class WrappingLabel;
 
 /// The card that shows the result of the scan.
-class ChannelsCard final : public QWidget {
+class ChannelsCard final : public Card {
     Q_OBJECT
 
 public:

@@ -1,7 +1,6 @@
 #include "Views/MetadataCard.h"
 
 #include "Binding.h"
-#include "Controls/Card.h"
 #include "Controls/ChannelToggleButton.h"
 #include "Controls/Labels.h"
 #include "Models/Device.h"
@@ -107,18 +106,15 @@ QStringList bitNames() {
 
 } // namespace
 
-MetadataCard::MetadataCard(AppModel& model, QWidget* parent) : QWidget(parent), model_(model) {
-    auto* card = new Card(tr("METADATA"));
-    QVBoxLayout* content = card->column();
+MetadataCard::MetadataCard(AppModel& model, QWidget* parent)
+    : Card(tr("METADATA"), parent), model_(model) {
+    QVBoxLayout* content = column();
     content->addWidget(makeSubheading(tr("Globally Applied Metadata")));
     content->addLayout(makePickers());
     content->addSpacing(4);
     content->addWidget(makeSubheading(tr("Per-Channel Metadata")));
     content->addLayout(makeCVAssignments());
     content->addLayout(makeChannelButtons());
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(card);
 }
 
 void MetadataCard::change(const std::function<void(TorvoMetadataOptions&)>& edit) {

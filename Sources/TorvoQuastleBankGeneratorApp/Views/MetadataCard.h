@@ -1,8 +1,7 @@
 #pragma once
 
+#include "Controls/Card.h"
 #include "Models/TorvoMetadataOptions.h"
-
-#include <QWidget>
 
 #include <array>
 #include <functional>
@@ -16,7 +15,7 @@ class AppModel;
 class ChannelToggleButton;
 
 /// The card with the playback settings that are written into each file.
-class MetadataCard final : public QWidget {
+class MetadataCard final : public Card {
     Q_OBJECT
 
 public:

@@ -2,7 +2,6 @@
 
 #include "Binding.h"
 #include "Controls/Announcements.h"
-#include "Controls/Card.h"
 #include "Controls/ElidedPathLabel.h"
 #include "Controls/Labels.h"
 #include "Controls/MarloButton.h"
@@ -67,7 +66,7 @@ QWidget* makePathRow(const QString& caption, ElidedPathLabel* path, QLabel* note
 } // namespace
 
 OutputCard::OutputCard(AppModel& model, QWidget* parent)
-    : QWidget(parent),
+    : Card(tr("OUTPUT"), parent),
       model_(model),
       choose_(new MarloButton(tr("CHOOSE FOLDER"), MarloButton::Kind::ordinary)),
       main_(new MarloButton({}, MarloButton::Kind::prominent)),
@@ -89,16 +88,12 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
     main_->setMinimumWidth(mainButtonWidth);
     auto* mapping = new QHBoxLayout;
     mapping->addWidget(mappingRow_);
-    auto* card = new Card(tr("OUTPUT"));
-    card->column()->addWidget(makePathRow(tr("TARGET"), target_, replacement_));
-    card->headerRow()->addSpacing(2 * MarloTheme::grid);
-    card->headerRow()->addLayout(mapping, 1);
-    card->headerRow()->addSpacing(MarloTheme::grid);
-    card->headerRow()->addWidget(choose_);
-    card->headerRow()->addWidget(main_);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(card);
+    column()->addWidget(makePathRow(tr("TARGET"), target_, replacement_));
+    headerRow()->addSpacing(2 * MarloTheme::grid);
+    headerRow()->addLayout(mapping, 1);
+    headerRow()->addSpacing(MarloTheme::grid);
+    headerRow()->addWidget(choose_);
+    headerRow()->addWidget(main_);
 
     // Queued, so that the click returns before the panel opens.
     connect(choose_, &QAbstractButton::clicked, this, &OutputCard::chooseFolder,
@@ -161,7 +156,7 @@ bool OutputCard::event(QEvent* event) {
         render();
         model_.inspectExportRoot();
     }
-    return QWidget::event(event);
+    return Card::event(event);
 }
 
 } // namespace torvo::app

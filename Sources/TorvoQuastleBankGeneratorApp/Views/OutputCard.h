@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "Controls/Card.h"
 
 class QLabel;
 
@@ -11,7 +11,7 @@ class ElidedPathLabel;
 class MarloButton;
 
 /// The card with the output folder and the main action, GENERATE or APPLY.
-class OutputCard final : public QWidget {
+class OutputCard final : public Card {
     Q_OBJECT
 
 public:

@@ -1,7 +1,6 @@
 #include "Views/SourceCard.h"
 
 #include "Binding.h"
-#include "Controls/Card.h"
 #include "Controls/DropZone.h"
 #include "Controls/ElidedLabel.h"
 #include "Controls/ElidedPathLabel.h"
@@ -39,7 +38,7 @@ QString sourceHint(const AppModel& model) {
 } // namespace
 
 SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
-    : QWidget(parent), model_(model) {
+    : Card(tr("SOURCE"), parent), model_(model) {
     auto* name = new ElidedLabel;
     name->setFont(MarloTheme::font(18, MarloTheme::FontCut::semiBold));
     setTextColor(*name, MarloTheme::ink);
@@ -58,17 +57,13 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
     choose->setAccessibleDescription(tr("Source folder"));
     auto* dropZone = new DropZone;
 
-    auto* card = new Card(tr("SOURCE"));
-    card->headerRow()->addStrut(name->sizeHint().height() + path->sizeHint().height());
-    card->headerRow()->addSpacing(MarloTheme::grid);
-    card->headerRow()->addWidget(chosen, 1);
-    card->headerRow()->addSpacing(MarloTheme::grid);
-    card->headerRow()->addWidget(clear);
-    card->headerRow()->addWidget(choose);
-    card->column()->addWidget(dropZone);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(card);
+    headerRow()->addStrut(name->sizeHint().height() + path->sizeHint().height());
+    headerRow()->addSpacing(MarloTheme::grid);
+    headerRow()->addWidget(chosen, 1);
+    headerRow()->addSpacing(MarloTheme::grid);
+    headerRow()->addWidget(clear);
+    headerRow()->addWidget(choose);
+    column()->addWidget(dropZone);
 
     connect(clear, &QAbstractButton::clicked, this, [this] { model_.clearSource(); });
     // Queued, so that the click returns before the panel opens; a screen reader would run into a
@@ -83,7 +78,7 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
 
     bind(
         model, this,
-        [this, card, chosen, name, path, clear, dropZone] {
+        [this, chosen, name, path, clear, dropZone] {
             clear->setEnabled(model_.canClearSource());
             dropZone->setHint(sourceHint(model_));
             const auto& folder = model_.sourceFolder();
@@ -91,7 +86,7 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
             name->setText(folder ? toQString(folder->lastPathComponent()) : QString());
             path->setPath(folder ? shownPath(*folder) : QString());
             chosen->setVisible(folder.has_value());
-            card->headerRow()->setStretch(0, folder ? 0 : 1);
+            headerRow()->setStretch(0, folder ? 0 : 1);
         },
         &AppModel::sourceFolderChanged, &AppModel::currentDocumentChanged,
         &AppModel::generationModeChanged);

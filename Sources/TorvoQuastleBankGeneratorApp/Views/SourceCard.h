@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "Controls/Card.h"
 
 namespace torvo::app {
 
@@ -8,7 +8,7 @@ class AppModel;
 class FolderDrops;
 
 /// The card with the source folder, dropped or chosen.
-class SourceCard final : public QWidget {
+class SourceCard final : public Card {
     Q_OBJECT
 
 public:
