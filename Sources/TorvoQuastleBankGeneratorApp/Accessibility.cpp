@@ -7,7 +7,6 @@
 #include "Controls/DisclosureHeader.h"
 #include "Controls/DisclosureSection.h"
 #include "Controls/LinkButton.h"
-#include "Controls/ModeSegment.h"
 #include "Controls/StatusIcon.h"
 #include "Controls/ThreeWayModeToggle.h"
 #include "Views/LogoView.h"

@@ -3,8 +3,10 @@
 #include "Controls/ComboItemDelegate.h"
 #include "Controls/DialogPainting.h"
 #include "Controls/FocusRing.h"
+#include "Controls/IgnoredItemsList.h"
 #include "Controls/MarloButton.h"
 #include "Controls/MenuPainting.h"
+#include "Controls/PaintedButton.h"
 #include "Controls/Painting.h"
 #include "Controls/PanelIcons.h"
 #include "Controls/PopupPainting.h"
@@ -16,7 +18,6 @@
 #include <QEvent>
 #include <QFocusFrame>
 #include <QLineEdit>
-#include <QListView>
 #include <QMenu>
 #include <QPainter>
 #include <QPolygonF>
@@ -38,7 +39,6 @@ constexpr int scrollBarExtent = 12;
 constexpr int scrollHandleLength = 32;
 constexpr int listFrameWidth = 4;
 constexpr int toolTipPadding = 5;
-constexpr double plainCornerRadius = 4;
 
 bool has(const QStyleOption& option, QStyle::StateFlag flag) {
     return option.state.testFlag(flag);
@@ -46,12 +46,15 @@ bool has(const QStyleOption& option, QStyle::StateFlag flag) {
 
 /// The corner radius of a control, for its frame and focus ring.
 double cornerRadius(const QWidget* widget) {
-    const QVariant radius = widget ? widget->property("cornerRadius") : QVariant();
-    return radius.isValid() ? radius.toDouble() : plainCornerRadius;
-}
-
-bool isFramedList(const QWidget* widget) {
-    return qobject_cast<const QListView*>(widget) && widget->property("cornerRadius").isValid();
+    if (const auto* button = qobject_cast<const PaintedButton*>(widget))
+        return button->cornerRadius();
+    if (qobject_cast<const QPushButton*>(widget))
+        return MarloButtonStyle::cornerRadius;
+    if (qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QComboBox*>(widget))
+        return fieldRadius;
+    if (qobject_cast<const IgnoredItemsList*>(widget))
+        return IgnoredItemsList::cornerRadius;
+    return plainCornerRadius;
 }
 
 /// Whether the widget is the popup window of a combo box, whose class is private to Qt.
@@ -152,14 +155,9 @@ void MarloStyle::polish(QWidget* widget) {
     if (auto* dialog = qobject_cast<QDialog*>(widget)) {
         if (!dialog->findChild<FocusRing*>())
             new FocusRing(*dialog);
-    } else if (qobject_cast<QPushButton*>(widget)) {
-        widget->setProperty("cornerRadius", MarloButtonStyle::cornerRadius);
-    } else if (qobject_cast<QLineEdit*>(widget)) {
-        widget->setProperty("cornerRadius", fieldRadius);
     } else if (qobject_cast<QMenu*>(widget) || widget->inherits("QTipLabel")) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
     } else if (auto* box = qobject_cast<QComboBox*>(widget)) {
-        box->setProperty("cornerRadius", fieldRadius);
         box->setItemDelegate(new ComboItemDelegate(box));
         // Must happen before the popup's native window exists, which cannot become translucent
         // later.
@@ -360,8 +358,9 @@ int MarloStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_DefaultFrameWidth:
         if (isComboPopup(widget))
             return Popup::padding;
-        return isFramedList(widget) ? listFrameWidth
-                                    : QProxyStyle::pixelMetric(metric, option, widget);
+        return qobject_cast<const IgnoredItemsList*>(widget)
+                   ? listFrameWidth
+                   : QProxyStyle::pixelMetric(metric, option, widget);
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
     }

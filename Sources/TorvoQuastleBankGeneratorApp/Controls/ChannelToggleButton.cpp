@@ -45,7 +45,6 @@ ChannelToggleButton::ChannelToggleButton(int channel, QWidget* parent)
     : PaintedButton(QString::number(channel), parent) {
     setCheckable(true);
     setAccessibleDescription(tr("CV assignment of channel %1").arg(channel));
-    setProperty("cornerRadius", ChannelToggleButtonStyle::cornerRadius);
 }
 
 void ChannelToggleButton::paintEvent(QPaintEvent*) {

@@ -38,6 +38,7 @@ public:
 
     void setSelected(bool selected) { setChecked(selected); }
     QSize sizeHint() const override { return ChannelToggleButtonStyle::size; }
+    double cornerRadius() const override { return ChannelToggleButtonStyle::cornerRadius; }
 
 protected:
     void nextCheckState() override {}

@@ -46,7 +46,6 @@ void DropZoneStyle::paint(QPainter& painter, const QRectF& rect) const {
 DropZone::DropZone(QWidget* parent) : PaintedButton(tr("DROP SOURCE FOLDER"), parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setCursor(Qt::PointingHandCursor);
-    setProperty("cornerRadius", DropZoneStyle::cornerRadius);
 
     caption_ = makeLabel(text(), 14, MarloTheme::FontCut::semiBold, MarloTheme::ink);
     hint_ = makeLabel({}, 13, MarloTheme::FontCut::regular, MarloTheme::muted);

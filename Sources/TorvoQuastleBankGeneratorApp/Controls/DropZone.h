@@ -36,6 +36,7 @@ public:
     /// Makes the zone less prominent once a folder is chosen.
     void setQuiet(bool quiet);
     QSize sizeHint() const override;
+    double cornerRadius() const override { return DropZoneStyle::cornerRadius; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -24,7 +24,6 @@ IgnoredItemsList::IgnoredItemsList(QWidget* parent) : QListView(parent) {
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setFrameShape(QFrame::StyledPanel);
     setMouseTracking(true);
-    setProperty("cornerRadius", 8.0);
 }
 
 void IgnoredItemsList::copy() const {

@@ -11,6 +11,8 @@ class IgnoredItemsList final : public QListView {
     Q_OBJECT
 
 public:
+    static constexpr double cornerRadius = 8;
+
     explicit IgnoredItemsList(QWidget* parent = nullptr);
 
     QSize sizeHint() const override { return minimumSize(); }

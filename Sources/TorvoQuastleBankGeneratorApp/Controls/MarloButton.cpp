@@ -51,9 +51,7 @@ void MarloButtonStyle::paint(QPainter& painter, const QRectF& rect, const QStrin
 }
 
 MarloButton::MarloButton(const QString& text, Kind kind, QWidget* parent)
-    : PaintedButton(text, parent), kind_(kind) {
-    setProperty("cornerRadius", MarloButtonStyle::cornerRadius);
-}
+    : PaintedButton(text, parent), kind_(kind) {}
 
 QSize MarloButton::sizeHint() const {
     return MarloButtonStyle::size(text());

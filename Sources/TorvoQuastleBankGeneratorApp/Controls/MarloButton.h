@@ -41,6 +41,7 @@ public:
     MarloButton(const QString& text, Kind kind, QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
+    double cornerRadius() const override { return MarloButtonStyle::cornerRadius; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

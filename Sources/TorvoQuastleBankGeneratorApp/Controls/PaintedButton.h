@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Controls/Painting.h"
+
 #include <QAbstractButton>
 
 namespace torvo::app {
@@ -13,6 +15,8 @@ public:
     explicit PaintedButton(const QString& text, QWidget* parent = nullptr);
 
     QSize minimumSizeHint() const override { return sizeHint(); }
+    /// The focus ring follows it.
+    virtual double cornerRadius() const { return plainCornerRadius; }
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -10,6 +10,9 @@ namespace torvo::app {
 
 inline constexpr double focusRingWidth = 2;
 
+/// The corner radius of the focus ring around a control that paints no outline.
+inline constexpr double plainCornerRadius = 4;
+
 /// What has to be found without a text: a thumb, a track, the edge of an unticked box. Three times
 /// as bright as any background of the window, by the formula of WCAG.
 inline constexpr QColor outlineColor{140, 136, 114};

@@ -1,6 +1,5 @@
 #include "Controls/ThreeWayModeToggle.h"
 
-#include "Controls/ModeSegment.h"
 #include "Controls/Painting.h"
 #include "MarloTheme.h"
 #include "Text.h"
@@ -41,6 +40,22 @@ void paintModeToggle(QPainter& painter, const ModeToggleGeometry& geometry, std:
     painter.drawRoundedRect(geometry.highlight(highlightPosition),
                             ModeToggleGeometry::highlightRadius,
                             ModeToggleGeometry::highlightRadius);
+}
+
+ModeSegment::ModeSegment(const QString& title, QSize size, QWidget* parent)
+    : PaintedButton(title, parent), size_(size) {
+    setCheckable(true);
+    setAutoExclusive(true);
+}
+
+void ModeSegment::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setFont(MarloTheme::font(15, MarloTheme::FontCut::semiBold));
+    // Muted at rest, brighter under the pointer, because it can be pressed.
+    painter.setPen(isChecked()   ? MarloTheme::surface
+                   : isHovered() ? MarloTheme::ink
+                                 : MarloTheme::muted);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
 }
 
 ThreeWayModeToggle::ThreeWayModeToggle(std::vector<GenerationMode> modes, double segmentWidth,

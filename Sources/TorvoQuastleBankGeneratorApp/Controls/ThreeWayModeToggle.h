@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Controls/PaintedButton.h"
 #include "Models/GenerationMode.h"
 
 #include <QRectF>
@@ -8,7 +9,6 @@
 
 #include <vector>
 
-class QAbstractButton;
 class QPainter;
 
 namespace torvo::app {
@@ -32,6 +32,25 @@ struct ModeToggleGeometry {
 /// Paints the background and the highlight without the labels.
 void paintModeToggle(QPainter& painter, const ModeToggleGeometry& geometry, std::size_t modeCount,
                      double highlightPosition);
+
+/// One segment of the mode selector. It paints its label; the selector paints the background.
+class ModeSegment final : public PaintedButton {
+    Q_OBJECT
+
+public:
+    ModeSegment(const QString& title, QSize size, QWidget* parent);
+
+    QSize sizeHint() const override { return size_; }
+    double cornerRadius() const override { return ModeToggleGeometry::cornerRadius; }
+
+protected:
+    /// Set by the selector.
+    void nextCheckState() override {}
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const QSize size_;
+};
 
 /// The mode selector with three segments. It is one tab stop; arrow keys move within it. Choosing a
 /// segment does not change the selection: the receiver of `modeChosen` calls `setSelection`.
