@@ -22,13 +22,10 @@ class StandInFileBrowser final : public QObject, protected QDBusContext {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
 
 public:
-    explicit StandInFileBrowser(QDBusConnection bus) {
-        isReady = bus.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), this,
-                                     QDBusConnection::ExportAllSlots) &&
-                  bus.registerService(QStringLiteral("org.freedesktop.FileManager1"));
+    explicit StandInFileBrowser(PrivateBus& bus) {
+        bus.serve(*this, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1");
     }
 
-    bool isReady = false;
     bool refuses = false;
     QStringList shown;
 
@@ -48,8 +45,7 @@ const QUrl runFolder(QStringLiteral("file:///media/ada/Torvo%20card/Kit%20%231/"
 
 TEST(FileBrowser, selectsTheItemInItsFolder) {
     PrivateBus bus;
-    StandInFileBrowser browser(bus.connect("browser"));
-    ASSERT_TRUE(browser.isReady);
+    StandInFileBrowser browser(bus);
     const UrlReceiver opener("file");
     QtPanels(bus.connect("program")).showInFileBrowser(device);
     // The call returned while the browser was silent.
@@ -61,8 +57,7 @@ TEST(FileBrowser, selectsTheItemInItsFolder) {
 
 TEST(FileBrowser, namesBytesThatAreNoText) {
     PrivateBus bus;
-    StandInFileBrowser browser(bus.connect("browser"));
-    ASSERT_TRUE(browser.isReady);
+    StandInFileBrowser browser(bus);
     QtPanels(bus.connect("program")).showInFileBrowser(FileURL::directory("/card/\xff/QZT508"));
     ASSERT_TRUE(waitUntil([&] { return !browser.shown.empty(); }));
     EXPECT_EQ(browser.shown, QStringList(QStringLiteral("file:///card/%FF/QZT508/")));
@@ -78,8 +73,7 @@ TEST(FileBrowser, opensTheFolderWhereNoBrowserIs) {
 
 TEST(FileBrowser, opensTheFolderWhenTheBrowserRefuses) {
     PrivateBus bus;
-    StandInFileBrowser browser(bus.connect("browser"));
-    ASSERT_TRUE(browser.isReady);
+    StandInFileBrowser browser(bus);
     browser.refuses = true;
     const UrlReceiver opener("file");
     QtPanels(bus.connect("program")).showInFileBrowser(device);

@@ -28,10 +28,8 @@ class StandInPortal final : public QObject, protected QDBusContext {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileTransfer")
 
 public:
-    explicit StandInPortal(QDBusConnection bus) {
-        isReady = bus.registerObject(QStringLiteral("/org/freedesktop/portal/documents"), this,
-                                     QDBusConnection::ExportAllSlots) &&
-                  bus.registerService(QStringLiteral("org.freedesktop.portal.Documents"));
+    explicit StandInPortal(PrivateBus& bus) {
+        bus.serve(*this, "org.freedesktop.portal.Documents", "/org/freedesktop/portal/documents");
     }
 
     void answer(const QStringList& paths) { connection_->send(asked_.createReply(paths)); }
@@ -39,7 +37,6 @@ public:
         connection_->send(asked_.createErrorReply(QDBusError::AccessDenied, QStringLiteral("No.")));
     }
 
-    bool isReady = false;
     QStringList keys;
 
 public Q_SLOTS:
@@ -115,8 +112,7 @@ TEST(FolderDrops, retrievesFoldersFromThePortal) {
     const TemporaryFolder folder;
     const auto path = QString::fromStdString(folder.path().string());
     PrivateBus bus;
-    StandInPortal portal(bus.connect("portal"));
-    ASSERT_TRUE(portal.isReady);
+    StandInPortal portal(bus);
     QWidget area;
     FolderDrops drops(nullptr, bus.connect("program"));
     drops.watch(area);
@@ -136,8 +132,7 @@ TEST(FolderDrops, retrievesFoldersFromThePortal) {
 TEST(FolderDrops, ignoresADropThatThePortalRefuses) {
     const TemporaryFolder folder;
     PrivateBus bus;
-    StandInPortal portal(bus.connect("portal"));
-    ASSERT_TRUE(portal.isReady);
+    StandInPortal portal(bus);
     QWidget area;
     FolderDrops drops(nullptr, bus.connect("program"));
     drops.watch(area);

@@ -1,9 +1,13 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusError>
+#include <QObject>
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
+
+#include <stdexcept>
 
 namespace torvo::test {
 
@@ -33,6 +37,14 @@ public:
     QDBusConnection connect(const char* name) {
         names_ << QString::fromLatin1(name);
         return QDBusConnection::connectToBus(address_, names_.back());
+    }
+    /// Makes the slots of `service` the methods of an object at `path`, under a name on the bus.
+    void serve(QObject& service, const char* name, const char* path) {
+        QDBusConnection bus = connect(name);
+        if (!bus.registerObject(QString::fromLatin1(path), &service,
+                                QDBusConnection::ExportAllSlots) ||
+            !bus.registerService(QString::fromLatin1(name)))
+            throw std::runtime_error(bus.lastError().message().toStdString());
     }
 
 private:
