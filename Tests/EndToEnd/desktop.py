@@ -14,7 +14,7 @@ import time
 
 from robustness import check, require_tool, describe, wait_until, work_folder
 
-TOOLS = ["Xvfb", "openbox", "dbus-daemon", "xdotool", "xprop", "import"]
+TOOLS = ["Xvfb", "openbox", "dbus-daemon", "xdotool", "xprop", "import", "pgrep"]
 SCREEN = (1600, 1300)
 
 PR_SET_PDEATHSIG = 1
@@ -26,20 +26,12 @@ def die_with_parent():
     LIBC.prctl(PR_SET_PDEATHSIG, signal.SIGKILL)
 
 
-def children_of(pid):
-    """The processes whose parent is `pid`."""
-    found = []
-    for entry in os.listdir("/proc"):
-        if not entry.isdigit():
-            continue
-        try:
-            with open(f"/proc/{entry}/stat", encoding="utf-8", errors="replace") as file:
-                fields = file.read().rpartition(")")[2].split()
-        except OSError:
-            continue
-        if int(fields[1]) == pid:
-            found.append(int(entry))
-    return found
+def child_processes():
+    """The children of this process, zombies included."""
+    found = subprocess.run(["pgrep", "--parent", str(os.getpid())], capture_output=True, text=True,
+                           timeout=60, check=False)
+    check(not found.stderr, found.stderr)
+    return [int(pid) for pid in found.stdout.split()]
 
 
 def read_line(stream, what, seconds=60.0):
@@ -152,9 +144,8 @@ class Desktop:
                                 stdin=subprocess.DEVNULL, preexec_fn=die_with_parent, **options)
 
     def stop(self):
-        me = os.getpid()
         screen = self._screen.pid if self._screen else None
-        while others := [pid for pid in children_of(me) if pid != screen]:
+        while others := [pid for pid in child_processes() if pid != screen]:
             for pid in others:
                 os.kill(pid, signal.SIGKILL)
                 os.waitpid(pid, 0)
