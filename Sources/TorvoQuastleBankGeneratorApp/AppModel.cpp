@@ -1,6 +1,7 @@
 #include "AppModel.h"
 
 #include "Models/Device.h"
+#include "Platform/FileOperations.h"
 #include "SourceFolder.h"
 
 #include <QRandomGenerator>
@@ -25,6 +26,19 @@ std::uint64_t drawSeed() {
 bool itemExists(const FileManager& fileManager, const std::filesystem::path& path) {
     try {
         return fileManager.linkStatus(path).has_value();
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
+/// Whether the item, with its links resolved, lies below the resolved folder. False when it cannot
+/// be resolved.
+bool isInside(const FileManager& fileManager, const FileURL& item, const FileURL& folder) {
+    try {
+        const std::string& root = folder.nativePath();
+        return resolvingSymlinks(fileManager, item)
+            .nativePath()
+            .starts_with(root == "/" ? root : root + '/');
     } catch (const FileError&) {
         return false;
     }
@@ -116,6 +130,23 @@ void AppModel::setCVChannel(std::int64_t channel, bool enabled) {
 void AppModel::showWrittenFolder() {
     if (writtenFolder_)
         panels_->showInFileBrowser(*writtenFolder_);
+}
+
+void AppModel::findIgnoredItem(const std::string& path,
+                               std::function<void(const FileURL&)> found) {
+    const auto* ready = std::get_if<Ready>(&scanState_);
+    if (ready == nullptr)
+        return;
+    const FileURL folder = ready->report->sourceFolder;
+    tasks_.start([this, folder, item = folder.appendingPathComponent(path),
+                  found = std::move(found), fileManager = fileManager_] {
+        if (itemExists(*fileManager, item.path()) && isInside(*fileManager, item, folder))
+            tasks_.postToMainThread([item, found] { found(item); });
+    });
+}
+
+void AppModel::showIgnoredItem(const FileURL& item) {
+    panels_->showInFileBrowser(item);
 }
 
 std::optional<FileURL> AppModel::pickFolder(const std::string& title) {

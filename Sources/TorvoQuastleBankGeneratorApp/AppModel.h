@@ -120,6 +120,11 @@ public:
 
     /// Shows `writtenFolder` in the desktop's file browser.
     void showWrittenFolder();
+    /// Looks in the background for the item with this path in the ignored lists. Calls `found` if
+    /// it exists and lies, with links resolved, inside the scanned folder.
+    void findIgnoredItem(const std::string& path, std::function<void(const FileURL&)> found);
+    /// Shows the item that `findIgnoredItem` found in the desktop's file browser.
+    void showIgnoredItem(const FileURL& item);
 
     /// Empty when the panel was cancelled.
     std::optional<FileURL> pickFolder(const std::string& title);

@@ -21,6 +21,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <initializer_list>
 #include <map>
 #include <set>
 #include <utility>
@@ -31,7 +33,60 @@ using namespace torvo::test;
 
 namespace {
 
-class ChannelsCardTest : public testing::Test, protected ContentViewFixture {};
+class ChannelsCardTest : public testing::Test, protected ContentViewFixture {
+protected:
+    enum class Entry { absent, disabled, enabled };
+    const char* showInFolder = "Show in Folder";
+
+    QListView* openList(const char* name) {
+        section(name)->setExpanded(true);
+        settle();
+        return section(name)->list();
+    }
+    static void select(QListView* list, std::initializer_list<int> rows) {
+        list->clearSelection();
+        for (const int row : rows)
+            list->selectionModel()->select(list->model()->index(row, 0),
+                                           QItemSelectionModel::Select);
+    }
+    static QAction* entry(const QMenu& menu, const char* text) {
+        for (QAction* action : menu.actions())
+            if (action->text() == QString::fromLatin1(text))
+                return action;
+        return nullptr;
+    }
+    /// Opens the menu of the list, calls `look` and closes it.
+    static void withMenu(QListView* list, QContextMenuEvent::Reason reason,
+                         const std::function<void(QMenu&)>& look) {
+        QMetaObject::invokeMethod(
+            list,
+            [&look] {
+                auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+                ASSERT_TRUE(menu);
+                look(*menu);
+                menu->close();
+            },
+            Qt::QueuedConnection);
+        QContextMenuEvent event(reason, {9, 9}, list->mapToGlobal(QPoint(9, 9)));
+        QApplication::sendEvent(list->viewport(), &event);
+    }
+    /// Chooses an entry of the menu once all that it asked for has been answered.
+    Entry choose(QListView* list, const char* text,
+                 QContextMenuEvent::Reason reason = QContextMenuEvent::Mouse) {
+        Entry found = Entry::absent;
+        withMenu(list, reason, [&](QMenu& menu) {
+            waitForWork();
+            if (QAction* const action = entry(menu, text)) {
+                found = action->isEnabled() ? Entry::enabled : Entry::disabled;
+                action->trigger();
+            }
+        });
+        return found;
+    }
+    std::vector<std::string> shown(const char* path) const {
+        return {"show: " + (folder / path).string()};
+    }
+};
 
 } // namespace
 
@@ -392,33 +447,91 @@ TEST_F(ChannelsCardTest, copiesTheSelectedRows) {
 TEST_F(ChannelsCardTest, offersToCopyRowsInAMenu) {
     folder.write("Kit A/Kick/notes.txt", "notes");
     scan(drumKit());
-    section("ignoredFiles")->setExpanded(true);
-    settle();
-    auto* list = section("ignoredFiles")->list();
-    const auto choose = [list](const char* text) {
-        bool wasEnabled = false;
-        QMetaObject::invokeMethod(
-            list,
-            [&wasEnabled, text] {
-                auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-                ASSERT_TRUE(menu);
-                for (QAction* action : menu->actions())
-                    if (action->text() == QString::fromLatin1(text)) {
-                        wasEnabled = action->isEnabled();
-                        action->trigger();
-                    }
-                menu->close();
-            },
-            Qt::QueuedConnection);
-        QContextMenuEvent event(QContextMenuEvent::Mouse, {9, 9}, list->mapToGlobal(QPoint(9, 9)));
-        QApplication::sendEvent(list->viewport(), &event);
-        return wasEnabled;
-    };
-    EXPECT_FALSE(choose("Copy"));
-    EXPECT_TRUE(choose("Select All"));
-    EXPECT_TRUE(choose("Copy"));
+    auto* list = openList("ignoredFiles");
+    EXPECT_EQ(choose(list, "Copy"), Entry::disabled);
+    EXPECT_EQ(choose(list, "Select All"), Entry::enabled);
+    EXPECT_EQ(choose(list, "Copy"), Entry::enabled);
     EXPECT_EQ(QApplication::clipboard()->text(),
               QStringLiteral("Kick/notes.txt\tUnsupported audio file"));
+}
+
+TEST_F(ChannelsCardTest, showsTheItemOfARowInItsFolder) {
+    const FileURL kit = drumKit();
+    folder.write("Kit A/Kick/<b>notes #1.txt", "notes");
+    loops("Kit A/Ride", 1);
+    std::filesystem::create_symlink("nowhere", folder / "Kit A/Kick/zz dead.wav");
+    scan(kit);
+    auto* files = openList("ignoredFiles");
+    ASSERT_EQ(files->model()->rowCount(), 2);
+    select(files, {0});
+    for (const auto reason : {QContextMenuEvent::Mouse, QContextMenuEvent::Keyboard}) {
+        EXPECT_EQ(choose(files, showInFolder, reason), Entry::enabled);
+        EXPECT_EQ(panels->asked, shown("Kit A/Kick/<b>notes #1.txt"));
+        panels->asked.clear();
+    }
+    // The link itself is there.
+    select(files, {1});
+    EXPECT_EQ(choose(files, showInFolder), Entry::enabled);
+    EXPECT_EQ(panels->asked, shown("Kit A/Kick/zz dead.wav"));
+    panels->asked.clear();
+    auto* folders = openList("ignoredFolders");
+    select(folders, {0});
+    EXPECT_EQ(choose(folders, showInFolder), Entry::enabled);
+    EXPECT_EQ(panels->asked, shown("Kit A/Ride"));
+}
+
+TEST_F(ChannelsCardTest, offersToShowOneRowOnly) {
+    for (const char* name : {"a.txt", "b.txt"})
+        folder.write(std::string("Kit A/Kick/") + name, "notes");
+    scan(drumKit());
+    auto* list = openList("ignoredFiles");
+    EXPECT_EQ(choose(list, showInFolder), Entry::absent);
+    select(list, {0, 1});
+    EXPECT_EQ(choose(list, showInFolder), Entry::absent);
+    select(list, {1});
+    EXPECT_EQ(choose(list, showInFolder), Entry::enabled);
+    EXPECT_EQ(panels->asked, shown("Kit A/Kick/b.txt"));
+}
+
+TEST_F(ChannelsCardTest, offersToShowNothingOutsideTheScannedFolder) {
+    folder.write("Kit A Extra/outside.txt", "notes");
+    folder.write("Kit A/Kick/gone.txt", "notes");
+    folder.write("Kit A/Kick/moved.txt", "notes");
+    std::filesystem::create_symlink("../../Kit A Extra/outside.txt",
+                                    folder / "Kit A/Kick/link.txt");
+    scan(drumKit());
+    std::filesystem::remove(folder / "Kit A/Kick/gone.txt");
+    std::filesystem::remove(folder / "Kit A/Kick/moved.txt");
+    std::filesystem::create_symlink("../../Kit A Extra/outside.txt",
+                                    folder / "Kit A/Kick/moved.txt");
+    auto* list = openList("ignoredFiles");
+    const auto path = [list](int row) { return list->model()->index(row, 0).data().toString(); };
+    ASSERT_EQ(list->model()->rowCount(), 3);
+    // The target of the link is listed by its name alone.
+    EXPECT_EQ(path(2), QStringLiteral("outside.txt"));
+    for (const int row : {0, 1, 2}) {
+        select(list, {row});
+        EXPECT_EQ(choose(list, showInFolder), Entry::disabled) << path(row).toStdString();
+    }
+    EXPECT_TRUE(panels->asked.empty());
+}
+
+TEST_F(ChannelsCardTest, aSlowFolderDoesNotHoldTheMenu) {
+    const auto path = folder.write("Kit A/Kick/notes.txt", "notes");
+    scan(drumKit());
+    auto* list = openList("ignoredFiles");
+    select(list, {0});
+    const auto gate = fileManager->holdInspection(path);
+    bool wasEnabled = true;
+    withMenu(list, QContextMenuEvent::Mouse, [&](QMenu& menu) {
+        EXPECT_TRUE(waitUntil([&] { return gate->isReached(); }));
+        wasEnabled = entry(menu, showInFolder)->isEnabled();
+    });
+    EXPECT_FALSE(wasEnabled);
+    // The answer comes when the menu has gone.
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(panels->asked.empty());
 }
 
 TEST_F(ChannelsCardTest, marksTheRowWithTheFocus) {

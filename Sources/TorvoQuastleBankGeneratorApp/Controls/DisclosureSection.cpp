@@ -71,7 +71,12 @@ DisclosureSection::DisclosureSection(const QString& title, QWidget* parent)
     column->addWidget(none_);
     column->addWidget(list_);
     connect(header_, &QAbstractButton::toggled, this, &DisclosureSection::setExpanded);
+    connect(list_, &IgnoredItemsList::rowMenuOpening, this, &DisclosureSection::rowMenuOpening);
     showContent();
+}
+
+QListView* DisclosureSection::list() const {
+    return list_;
 }
 
 void DisclosureSection::setItems(IgnoredItemsModel::Items items) {

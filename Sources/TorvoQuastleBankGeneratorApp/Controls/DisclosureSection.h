@@ -4,12 +4,14 @@
 
 #include <QWidget>
 
+class QAction;
 class QLabel;
 class QListView;
 
 namespace torvo::app {
 
 class DisclosureHeader;
+class IgnoredItemsList;
 
 /// A titled list of ignored items that opens and closes. It stays open when the items change.
 class DisclosureSection final : public QWidget {
@@ -27,7 +29,11 @@ public:
     int maxExtraHeight() const;
 
     DisclosureHeader* header() const { return header_; }
-    QListView* list() const { return list_; }
+    QListView* list() const;
+
+Q_SIGNALS:
+    /// As in `IgnoredItemsList`.
+    void rowMenuOpening(const QString& path, QAction* show);
 
 private:
     void showContent();
@@ -35,7 +41,7 @@ private:
     IgnoredItemsModel model_;
     DisclosureHeader* header_;
     QLabel* none_;
-    QListView* list_;
+    IgnoredItemsList* list_;
     bool isExpanded_ = false;
 };
 

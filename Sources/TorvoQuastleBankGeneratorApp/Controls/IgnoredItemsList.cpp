@@ -51,6 +51,12 @@ void IgnoredItemsList::contextMenuEvent(QContextMenuEvent* event) {
     copyRows->setEnabled(selectionModel()->hasSelection());
     connect(copyRows, &QAction::triggered, this, &IgnoredItemsList::copy);
     connect(menu.addAction(tr("Select All")), &QAction::triggered, this, &QListView::selectAll);
+    const QModelIndexList rows = selectionModel()->selectedIndexes();
+    if (rows.size() == 1) {
+        QAction* const show = menu.addAction(tr("Show in Folder"));
+        show->setEnabled(false);
+        Q_EMIT rowMenuOpening(rows.front().data().toString(), show);
+    }
     menu.exec(event->globalPos());
 }
 

@@ -2,6 +2,8 @@
 
 #include <QListView>
 
+class QAction;
+
 namespace torvo::app {
 
 /// The rows of an `IgnoredItemsModel`: selected with the pointer and the keyboard, copied as lines
@@ -16,6 +18,11 @@ public:
     explicit IgnoredItemsList(QWidget* parent = nullptr);
 
     QSize sizeHint() const override { return minimumSize(); }
+
+Q_SIGNALS:
+    /// The menu of the row with this path opens. `show` is disabled: enable and connect it where
+    /// the item can be shown in its folder. It is destroyed when the menu closes.
+    void rowMenuOpening(const QString& path, QAction* show);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -11,9 +11,11 @@
 #include "Controls/WrappingLabel.h"
 #include "Text.h"
 
+#include <QAction>
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -113,6 +115,8 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     policy.setVerticalStretch(1);
     setSizePolicy(policy);
 
+    for (const auto* section : {ignoredFolders_, ignoredFiles_})
+        connect(section, &DisclosureSection::rowMenuOpening, this, &ChannelsCard::offerToShow);
     bind(
         model, this, [this] { render(); }, &AppModel::scanStateChanged,
         &AppModel::sourceFolderChanged, &AppModel::generationModeChanged);
@@ -237,6 +241,15 @@ bool ChannelsCard::event(QEvent* event) {
 
 int ChannelsCard::spareHeightForLists() const {
     return ignoredFolders_->maxExtraHeight() + ignoredFiles_->maxExtraHeight();
+}
+
+void ChannelsCard::offerToShow(const QString& path, QAction* show) {
+    model_.findIgnoredItem(path.toStdString(), [this, show = QPointer(show)](const FileURL& item) {
+        if (!show) // the menu has been closed
+            return;
+        connect(show, &QAction::triggered, this, [this, item] { model_.showIgnoredItem(item); });
+        show->setEnabled(true);
+    });
 }
 
 void ChannelsCard::showIgnored(const std::shared_ptr<const ScanReport>& report) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+class QAction;
 class QLabel;
 
 namespace torvo {
@@ -42,6 +43,8 @@ private:
     /// The additional height at which the open lists would show all their rows, in pixels.
     int spareHeightForLists() const;
     void showCounts(const ScanReport& report);
+    /// Enables the entry of a row's menu once the item has been found.
+    void offerToShow(const QString& path, QAction* show);
     /// Null clears the lists.
     void showIgnored(const std::shared_ptr<const ScanReport>& report);
 
