@@ -31,6 +31,15 @@ bool itemExists(const FileManager& fileManager, const std::filesystem::path& pat
     }
 }
 
+/// Follows links. False when the item cannot be inspected.
+bool targetExists(const FileManager& fileManager, const std::filesystem::path& path) {
+    try {
+        return fileManager.status(path).has_value();
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
 /// Whether the item, with its links resolved, lies below the resolved folder. False when it cannot
 /// be resolved.
 bool isInside(const FileManager& fileManager, const FileURL& item, const FileURL& folder) {
@@ -69,13 +78,8 @@ bool AppModel::canGenerate() const {
 }
 
 bool AppModel::canApplyExistingBankMetadata() const {
-    if (!isUpdatingExistingBank() || isRunning())
-        return false;
-    try {
-        return fileManager_->status(sourceFolder_->path()).has_value();
-    } catch (const FileError&) {
-        return false;
-    }
+    return isUpdatingExistingBank() && !isRunning() &&
+           targetExists(*fileManager_, sourceFolder_->path());
 }
 
 bool AppModel::canClearSource() const {
@@ -203,12 +207,14 @@ void AppModel::generateBanks() {
 }
 
 void AppModel::inspectExportRoot() {
-    const auto root = isUpdatingExistingBank() ? std::nullopt : expectedExportRoot();
+    std::optional<InspectedRoot> root;
+    if (const auto folder = expectedExportRoot())
+        root = {*folder, isUpdatingExistingBank()};
     if (root != inspectedRoot_) {
         // A slow card or share may answer late or never; the old answer is ignored.
         inspection_ = nullptr;
         inspectedRoot_ = root;
-        setReplacesExistingBanks(false);
+        setExportRootExists(false);
     }
     if (!root)
         return;
@@ -217,12 +223,15 @@ void AppModel::inspectExportRoot() {
         return;
     }
     inspection_ = std::make_shared<Inspection>();
-    tasks_.start([this, inspection = inspection_, path = root->path(), fileManager = fileManager_] {
-        tasks_.postToMainThread([this, inspection, replaces = itemExists(*fileManager, path)] {
+    tasks_.start([this, inspection = inspection_, root = *root, fileManager = fileManager_] {
+        const auto path = root.folder.path();
+        const bool exists =
+            root.isUpdated ? targetExists(*fileManager, path) : itemExists(*fileManager, path);
+        tasks_.postToMainThread([this, inspection, exists] {
             if (inspection != inspection_)
                 return;
             inspection_ = nullptr;
-            setReplacesExistingBanks(replaces);
+            setExportRootExists(exists);
             if (inspection->isOutdated)
                 inspectExportRoot();
         });
@@ -274,14 +283,14 @@ AppModel::CompletedExport AppModel::writeBanks(const BankExporter& exporter,
 
 void AppModel::assignSourceFolder(std::optional<FileURL> folder) {
     sourceFolder_ = std::move(folder);
-    Q_EMIT sourceFolderChanged();
     inspectExportRoot();
+    Q_EMIT sourceFolderChanged();
 }
 
 void AppModel::setExportFolder(std::optional<FileURL> folder) {
     exportFolder_ = std::move(folder);
-    Q_EMIT exportFolderChanged();
     inspectExportRoot();
+    Q_EMIT exportFolderChanged();
 }
 
 void AppModel::assignGenerationMode(GenerationMode mode) {
@@ -319,8 +328,8 @@ void AppModel::finish(CompletedExport completedExport) {
 
 void AppModel::setCurrentDocument(std::shared_ptr<const BankMappingDocument> document) {
     currentDocument_ = std::move(document);
-    Q_EMIT currentDocumentChanged();
     inspectExportRoot();
+    Q_EMIT currentDocumentChanged();
 }
 
 void AppModel::setLastJSONURL(std::optional<FileURL> url) {
@@ -328,11 +337,11 @@ void AppModel::setLastJSONURL(std::optional<FileURL> url) {
     Q_EMIT lastJSONURLChanged();
 }
 
-void AppModel::setReplacesExistingBanks(bool replaces) {
-    if (replaces == replacesExistingBanks_)
+void AppModel::setExportRootExists(bool exists) {
+    if (exists == exportRootExists_)
         return;
-    replacesExistingBanks_ = replaces;
-    Q_EMIT replacesExistingBanksChanged();
+    exportRootExists_ = exists;
+    Q_EMIT exportRootExistsChanged();
 }
 
 } // namespace torvo::app

@@ -103,10 +103,10 @@ public:
     bool hasUnfinishedRun() const { return unfinishedRuns_ > 0; }
     /// The folder that a run writes into.
     std::optional<FileURL> expectedExportRoot() const;
-    /// Whether GENERATE would replace existing banks in `expectedExportRoot`. The folder is
+    /// Whether `expectedExportRoot` exists: GENERATE would replace it, APPLY needs it. The folder is
     /// inspected in the background after each change of its path and after each run; false until
     /// the answer arrives.
-    bool replacesExistingBanks() const { return replacesExistingBanks_; }
+    bool exportRootExists() const { return exportRootExists_; }
     /// Whether background work is in progress or its results have not reached the main thread yet.
     bool isBusy() const { return tasks_.isBusy(); }
 
@@ -134,7 +134,7 @@ public:
     void exportJSON();
     void importJSON();
     void applyMetadataToExistingBank();
-    /// Updates `replacesExistingBanks` after other programs may have changed the folder.
+    /// Updates `exportRootExists` after other programs may have changed the folder.
     void inspectExportRoot();
 
 Q_SIGNALS:
@@ -146,9 +146,15 @@ Q_SIGNALS:
     void runStateChanged();
     void currentDocumentChanged();
     void lastJSONURLChanged();
-    void replacesExistingBanksChanged();
+    void exportRootExistsChanged();
 
 private:
+    struct InspectedRoot {
+        FileURL folder;
+        bool isUpdated = false; ///< a link to nothing is replaced, but cannot be updated
+
+        friend bool operator==(const InspectedRoot&, const InspectedRoot&) = default;
+    };
     struct Inspection {
         bool isOutdated = false; ///< a newer inspection has been requested
     };
@@ -167,7 +173,7 @@ private:
     Publication failure(const std::exception_ptr& error);
     void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
     void setLastJSONURL(std::optional<FileURL> url);
-    void setReplacesExistingBanks(bool replaces);
+    void setExportRootExists(bool exists);
 
     /// Carries out one run at a time, so that two never write into the same tree. `begin` is
     /// published at once and, if the run has to wait, again when it starts, because `runState` then
@@ -197,9 +203,9 @@ private:
     std::shared_ptr<const BankMappingDocument> currentDocument_;
     std::optional<FileURL> lastJSONURL_;
     int unfinishedRuns_ = 0;
-    std::optional<FileURL> inspectedRoot_;
+    std::optional<InspectedRoot> inspectedRoot_;
     std::shared_ptr<Inspection> inspection_; ///< of `inspectedRoot_`, while it is under way
-    bool replacesExistingBanks_ = false;
+    bool exportRootExists_ = false;
 
     /// The last member: its destructor waits for background work that uses the members above.
     BackgroundTasks tasks_;

@@ -461,6 +461,8 @@ TEST_F(AppModelTest, usesItsFileManagerToFindTheDeviceFolder) {
                     BankExporter(card, preparer, TorvoWAVMetadataWriter{}), BankMappingStore{},
                     panels, card);
     onCard.setSourceFolder(FileURL::directory(folder / "QZT508"));
+    ASSERT_TRUE(waitUntil([&] { return !onCard.isBusy(); }));
+    EXPECT_TRUE(onCard.exportRootExists());
     EXPECT_TRUE(onCard.canApplyExistingBankMetadata());
     card->canBeInspected = false;
     EXPECT_FALSE(onCard.canApplyExistingBankMetadata());

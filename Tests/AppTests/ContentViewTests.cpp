@@ -105,6 +105,7 @@ TEST_F(ContentViewTest, aDroppedDeviceFolderIsStampedNotScanned) {
     EXPECT_TRUE(shows("Set metadata below, then apply it to the selected QZT508 folder."));
     EXPECT_FALSE(outputButton()->isVisible());
     EXPECT_EQ(mainButton()->text(), QStringLiteral("APPLY"));
+    waitForWork();
     EXPECT_TRUE(mainButton()->isEnabled());
     EXPECT_TRUE(mainButton()->toolTip().isEmpty());
     std::size_t shown = 0;

@@ -118,7 +118,7 @@ TEST_F(FocusTest, doesNotJumpFromClear) {
 // The next control is APPLY: a key press would stamp the folder that was just dropped.
 TEST_F(FocusTest, doesNotJumpFromTheHiddenFolderButton) {
     outputButton()->setFocus(Qt::MouseFocusReason);
-    model.setSourceFolder(deviceFolder());
+    scan(deviceFolder());
     ASSERT_FALSE(outputButton()->isVisible());
     ASSERT_TRUE(mainButton()->isEnabled());
     EXPECT_EQ(QApplication::focusWidget(), nullptr);

@@ -71,10 +71,11 @@ TEST_F(OutputCardTest, applyHasThePlaceOfGenerate) {
 
 TEST_F(OutputCardTest, doesNotApplyToAFolderThatWasRemoved) {
     const FileURL device = deviceFolder();
-    model.setSourceFolder(device);
+    scan(device);
     ASSERT_TRUE(mainButton()->isEnabled());
     std::filesystem::remove_all(device.path());
     press(mainButton());
+    waitForWork();
     EXPECT_FALSE(mainButton()->isEnabled());
     EXPECT_TRUE(std::holds_alternative<AppModel::Idle>(model.runState()));
     EXPECT_FALSE(shows("Metadata applied to 0 WAVs"));
@@ -82,14 +83,53 @@ TEST_F(OutputCardTest, doesNotApplyToAFolderThatWasRemoved) {
 
 TEST_F(OutputCardTest, inspectsTheFolderAgainWhenTheWindowIsActivated) {
     const FileURL device = deviceFolder();
-    model.setSourceFolder(device);
+    scan(device);
     std::filesystem::remove_all(device.path());
     ASSERT_TRUE(mainButton()->isEnabled());
     reactivate();
+    waitForWork();
     EXPECT_FALSE(mainButton()->isEnabled());
     std::filesystem::create_directory(device.path());
     reactivate();
+    waitForWork();
     EXPECT_TRUE(mainButton()->isEnabled());
+    // A link is as good as its target.
+    std::filesystem::remove(device.path());
+    std::filesystem::create_symlink("nowhere", device.path());
+    reactivate();
+    waitForWork();
+    EXPECT_FALSE(mainButton()->isEnabled());
+    folder.createFolder("nowhere");
+    reactivate();
+    waitForWork();
+    EXPECT_TRUE(mainButton()->isEnabled());
+}
+
+TEST_F(OutputCardTest, aSlowDeviceFolderBlocksNothing) {
+    const FileURL device = deviceFolder();
+    const auto first = fileManager->holdInspection(device.path());
+    model.setSourceFolder(device);
+    EXPECT_TRUE(waitUntil([&] { return first->isReached(); }));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    first->open();
+    waitForWork();
+    EXPECT_TRUE(mainButton()->isEnabled());
+    // The button keeps its state until the answer arrives.
+    const auto second = fileManager->holdInspection(device.path());
+    reactivate();
+    EXPECT_TRUE(waitUntil([&] { return second->isReached(); }));
+    EXPECT_TRUE(mainButton()->isEnabled());
+    // What exists here does not exist there.
+    const FileURL absent = FileURL::directory(folder / "card/QZT508");
+    const auto third = fileManager->holdInspection(absent.path());
+    model.setSourceFolder(absent);
+    EXPECT_FALSE(mainButton()->isEnabled());
+    second->open();
+    EXPECT_TRUE(waitUntil([&] { return third->isReached(); }));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    third->open();
+    waitForWork();
+    EXPECT_FALSE(mainButton()->isEnabled());
 }
 
 TEST_F(OutputCardTest, namesTheTarget) {
@@ -104,7 +144,7 @@ TEST_F(OutputCardTest, namesTheTarget) {
 }
 
 TEST_F(OutputCardTest, theDisabledApplyGivesNoHint) {
-    model.setSourceFolder(FileURL::directory("/nowhere/QZT508"));
+    scan(FileURL::directory("/nowhere/QZT508"));
     EXPECT_EQ(mainButton()->text(), QStringLiteral("APPLY"));
     EXPECT_FALSE(mainButton()->isEnabled());
     EXPECT_TRUE(mainButton()->toolTip().isEmpty());
@@ -297,7 +337,7 @@ TEST_F(OutputCardTest, saysAfterARunThatTheNextOneReplacesIt) {
     EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(target()); }));
     // The folder that is being written is not about to be replaced.
     reactivate();
-    EXPECT_TRUE(waitUntil([this] { return model.replacesExistingBanks(); }));
+    EXPECT_TRUE(waitUntil([this] { return model.exportRootExists(); }));
     EXPECT_FALSE(shows(note));
     gate->open();
     waitForWork();

@@ -109,7 +109,7 @@ TEST_F(RunMessageTest, showsARunThatWaitedForAnother) {
 }
 
 TEST_F(RunMessageTest, showsThatSettingsAreApplied) {
-    model.setSourceFolder(deviceFolder());
+    scan(deviceFolder());
     QTest::mouseClick(mainButton(), Qt::LeftButton);
     // The folder is empty, so the run may have ended already; its result arrives with the next
     // event.
@@ -121,7 +121,7 @@ TEST_F(RunMessageTest, showsThatSettingsAreApplied) {
 TEST_F(RunMessageTest, showsWhichFileCouldNotBeStamped) {
     const auto* file = view.findChild<ElidedPathLabel*>(QStringLiteral("runFile"));
     const auto broken = folder.write("QZT508/Bank 7/3/<b>Kick-02.wav", "no sound");
-    model.setSourceFolder(FileURL::directory(folder / "QZT508"));
+    scan(FileURL::directory(folder / "QZT508"));
     EXPECT_FALSE(file->isVisible());
     press(mainButton());
     waitForWork();

@@ -149,10 +149,14 @@ class Program:
     def wait_scanned(self):
         self.window.wait_for(name=re.compile("^IGNORED FILES [0-9]+$"))
 
-    def generate(self):
-        button = self.window.wait_for("push-button", "GENERATE")
+    def press_enabled(self, name):
+        """Presses a button that is enabled once the folders have been inspected."""
+        button = self.window.wait_for("push-button", name)
         wait_until(button.is_enabled, lambda: f"{button} to be enabled\n{self.window.outline()}")
         button.press()
+
+    def generate(self):
+        self.press_enabled("GENERATE")
         self.window.wait_for_text(CREATED, 300)
 
     def focused(self):

@@ -103,7 +103,7 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
         model, this, [this] { render(); }, &AppModel::sourceFolderChanged,
         &AppModel::exportFolderChanged, &AppModel::generationModeChanged,
         &AppModel::scanStateChanged, &AppModel::runStateChanged, &AppModel::currentDocumentChanged,
-        &AppModel::replacesExistingBanksChanged);
+        &AppModel::exportRootExistsChanged);
     bind(
         model, this, [this] { renderMappingFile(); }, &AppModel::lastJSONURLChanged);
 }
@@ -111,7 +111,7 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
 void OutputCard::render() {
     const bool updating = model_.isUpdatingExistingBank();
     const bool enabled = !model_.hasUnfinishedRun() &&
-                         (updating ? model_.canApplyExistingBankMetadata()
+                         (updating ? model_.exportRootExists()
                                    : model_.canGenerate() && showsReportOfSource(model_));
     choose_->setVisible(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
@@ -123,7 +123,7 @@ void OutputCard::render() {
     const bool named = updating || model_.exportFolder();
     setTextColor(*target_, named ? MarloTheme::ink : MarloTheme::muted);
     // Do not show the note while a run writes the folder.
-    replacement_->setVisible(model_.replacesExistingBanks() && !model_.hasUnfinishedRun());
+    replacement_->setVisible(model_.exportRootExists() && !updating && !model_.hasUnfinishedRun());
 }
 
 void OutputCard::renderMappingFile() {
@@ -140,14 +140,16 @@ void OutputCard::chooseFolder() {
 }
 
 void OutputCard::startMainAction() {
-    // The folder may have been removed since the button was enabled.
+    // The folder may have been removed or replaced since the button was enabled.
     render();
     if (!main_->isEnabled())
         return;
-    if (model_.isUpdatingExistingBank())
+    if (!model_.isUpdatingExistingBank())
+        model_.generateBanks();
+    else if (model_.canApplyExistingBankMetadata())
         model_.applyMetadataToExistingBank();
     else
-        model_.generateBanks();
+        model_.inspectExportRoot();
 }
 
 bool OutputCard::event(QEvent* event) {

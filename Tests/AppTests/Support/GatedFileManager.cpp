@@ -23,6 +23,12 @@ void GatedFileManager::openAll() {
             gate->open();
 }
 
+std::optional<FileStatus> GatedFileManager::status(const fs::path& path) const {
+    auto status = ForwardingFileManager::status(path);
+    pass(inspections_, path);
+    return status;
+}
+
 std::optional<FileStatus> GatedFileManager::linkStatus(const fs::path& path) const {
     auto status = ForwardingFileManager::linkStatus(path);
     pass(inspections_, path);

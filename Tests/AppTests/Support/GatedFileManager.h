@@ -23,6 +23,7 @@ public:
     std::shared_ptr<Gate> holdFlush(const std::filesystem::path& path);
     void openAll();
 
+    std::optional<FileStatus> status(const std::filesystem::path& path) const override;
     std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
     void removeItem(const std::filesystem::path& path) const override;
     void flushVolume(const std::filesystem::path& path) const override;
