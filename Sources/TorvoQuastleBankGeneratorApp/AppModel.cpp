@@ -40,6 +40,19 @@ bool targetExists(const FileManager& fileManager, const std::filesystem::path& p
     }
 }
 
+/// Whether a folder's parent, with its links resolved, is a mount point. False when this cannot be
+/// found out.
+bool isAtTopOfVolume(const FileManager& fileManager, const FileURL& folder) {
+    try {
+        const auto top = fileManager.resolve(folder.path().parent_path());
+        const auto inside = fileManager.status(top);
+        const auto outside = fileManager.status(top.parent_path());
+        return inside && outside && inside->identity.device != outside->identity.device;
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
 /// Whether the item, with its links resolved, lies below the resolved folder. False when it cannot
 /// be resolved.
 bool isInside(const FileManager& fileManager, const FileURL& item, const FileURL& folder) {
@@ -136,8 +149,7 @@ void AppModel::showWrittenFolder() {
         panels_->showInFileBrowser(*writtenFolder_);
 }
 
-void AppModel::findIgnoredItem(const std::string& path,
-                               std::function<void(const FileURL&)> found) {
+void AppModel::findIgnoredItem(const std::string& path, std::function<void(const FileURL&)> found) {
     const auto* ready = std::get_if<Ready>(&scanState_);
     if (ready == nullptr)
         return;
@@ -198,10 +210,10 @@ void AppModel::generateBanks() {
             generator.makeRecipes(report->buckets, mode, layout, targetBankCount, naming, seed);
         auto document = std::make_shared<const BankMappingDocument>(
             store.document(report->sourceFolder, mode, naming, layout, std::move(recipes)));
-        auto completed = writeBanks(exporter, std::move(document), exportFolder, options);
-        return [this, completed = std::move(completed)] {
-            setCurrentDocument(completed.document);
-            finish(completed);
+        auto banks = writeBanks(exporter, std::move(document), exportFolder, options);
+        return [this, banks = std::move(banks)] {
+            setCurrentDocument(banks.completedExport.document);
+            finish(banks);
         };
     });
 }
@@ -270,15 +282,16 @@ AppModel::Publication AppModel::failure(const std::exception_ptr& error) {
         [this, failed = Failed{userFacingDescription(error)}, file] { setRunState(failed, file); };
 }
 
-AppModel::CompletedExport AppModel::writeBanks(const BankExporter& exporter,
-                                               std::shared_ptr<const BankMappingDocument> document,
-                                               const FileURL& exportFolder,
-                                               const TorvoMetadataOptions& options) {
+AppModel::WrittenBanks AppModel::writeBanks(const BankExporter& exporter,
+                                            std::shared_ptr<const BankMappingDocument> document,
+                                            const FileURL& exportFolder,
+                                            const TorvoMetadataOptions& options) {
     const auto job = exportJob(*document, exportFolder, options);
     const ExportSummary summary = exporter.exportBanks(job, [this](const ProgressUpdate& update) {
         tasks_.postToMainThread([this, update] { setRunState(Running{update}); });
     });
-    return {std::move(document), summary, "Random banks created"};
+    const bool areAtTop = isAtTopOfVolume(*fileManager_, summary.rootFolder);
+    return {{std::move(document), summary, "Random banks created"}, areAtTop};
 }
 
 void AppModel::assignSourceFolder(std::optional<FileURL> folder) {
@@ -312,18 +325,19 @@ void AppModel::setScanState(ScanState state) {
 }
 
 void AppModel::setRunState(RunState state, std::optional<FileURL> failedFile,
-                           std::optional<FileURL> writtenFolder) {
+                           std::optional<FileURL> writtenFolder, bool isWrittenToTop) {
     runState_ = std::move(state);
     failedFile_ = std::move(failedFile);
     writtenFolder_ = std::move(writtenFolder);
+    isWrittenToTop_ = isWrittenToTop;
     Q_EMIT runStateChanged();
     if (!isRunning())
         inspectExportRoot();
 }
 
-void AppModel::finish(CompletedExport completedExport) {
-    const FileURL folder = completedExport.summary.rootFolder;
-    setRunState(Finished{std::move(completedExport)}, std::nullopt, folder);
+void AppModel::finish(WrittenBanks banks) {
+    const FileURL folder = banks.completedExport.summary.rootFolder;
+    setRunState(Finished{std::move(banks.completedExport)}, std::nullopt, folder, banks.areAtTop);
 }
 
 void AppModel::setCurrentDocument(std::shared_ptr<const BankMappingDocument> document) {

@@ -85,6 +85,8 @@ public:
     /// The device folder that the successful run in `runState` wrote or stamped; absent in any
     /// other state. It changes like `failedFile`.
     const std::optional<FileURL>& writtenFolder() const { return writtenFolder_; }
+    /// Whether a run wrote `writtenFolder` to the top of a volume, where the device looks for it.
+    bool isWrittenToTop() const { return isWrittenToTop_; }
     const std::shared_ptr<const BankMappingDocument>& currentDocument() const {
         return currentDocument_;
     }
@@ -103,8 +105,8 @@ public:
     bool hasUnfinishedRun() const { return unfinishedRuns_ > 0; }
     /// The folder that a run writes into.
     std::optional<FileURL> expectedExportRoot() const;
-    /// Whether `expectedExportRoot` exists: GENERATE would replace it, APPLY needs it. The folder is
-    /// inspected in the background after each change of its path and after each run; false until
+    /// Whether `expectedExportRoot` exists: GENERATE would replace it, APPLY needs it. The folder
+    /// is inspected in the background after each change of its path and after each run; false until
     /// the answer arrives.
     bool exportRootExists() const { return exportRootExists_; }
     /// Whether background work is in progress or its results have not reached the main thread yet.
@@ -159,6 +161,11 @@ private:
         bool isOutdated = false; ///< a newer inspection has been requested
     };
 
+    struct WrittenBanks {
+        CompletedExport completedExport;
+        bool areAtTop = false; ///< of a volume
+    };
+
     /// Publishes the result of a run, on the main thread.
     using Publication = std::function<void()>;
 
@@ -167,8 +174,9 @@ private:
     void assignGenerationMode(GenerationMode mode);
     void setScanState(ScanState state);
     void setRunState(RunState state, std::optional<FileURL> failedFile = std::nullopt,
-                     std::optional<FileURL> writtenFolder = std::nullopt);
-    void finish(CompletedExport completedExport);
+                     std::optional<FileURL> writtenFolder = std::nullopt,
+                     bool isWrittenToTop = false);
+    void finish(WrittenBanks banks);
     /// Sets `runState` and `failedFile` to the description of an error and its file.
     Publication failure(const std::exception_ptr& error);
     void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
@@ -181,9 +189,9 @@ private:
     void startRun(
         std::function<Publication()> work, const Publication& begin = [] {});
     /// Called in the background.
-    CompletedExport writeBanks(const BankExporter& exporter,
-                               std::shared_ptr<const BankMappingDocument> document,
-                               const FileURL& exportFolder, const TorvoMetadataOptions& options);
+    WrittenBanks writeBanks(const BankExporter& exporter,
+                            std::shared_ptr<const BankMappingDocument> document,
+                            const FileURL& exportFolder, const TorvoMetadataOptions& options);
 
     const SampleScanner scanner_;
     const BankGenerator generator_;
@@ -200,6 +208,7 @@ private:
     RunState runState_ = Idle{};
     std::optional<FileURL> failedFile_;
     std::optional<FileURL> writtenFolder_;
+    bool isWrittenToTop_ = false;
     std::shared_ptr<const BankMappingDocument> currentDocument_;
     std::optional<FileURL> lastJSONURL_;
     int unfinishedRuns_ = 0;

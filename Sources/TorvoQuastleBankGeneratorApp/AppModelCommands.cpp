@@ -46,10 +46,10 @@ void AppModel::importJSON() {
     setLastJSONURL(url);
     startRun(
         [this, document, options, url, folder = *folder, exporter = exporter_]() -> Publication {
-            auto completed = writeBanks(exporter, document, folder, options);
-            return [this, url, completed = std::move(completed)] {
-                setCurrentDocument(completed.document);
-                finish(completed);
+            auto banks = writeBanks(exporter, document, folder, options);
+            return [this, url, banks = std::move(banks)] {
+                setCurrentDocument(banks.completedExport.document);
+                finish(banks);
                 setLastJSONURL(url);
             };
         },

@@ -8,6 +8,8 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 using namespace torvo;
 using namespace torvo::app;
 using namespace torvo::test;
@@ -185,6 +187,38 @@ TEST_F(RunMessageTest, offersToShowWhatARunWrote) {
     EXPECT_FALSE(button(link));
     EXPECT_FALSE(shows(next));
     EXPECT_FALSE(model.writtenFolder());
+}
+
+TEST_F(RunMessageTest, asksForNoCopyOfWhatIsOnTopOfACard) {
+    const char* next = "Copy QZT508 to the top of your card";
+    const auto generate = [this] {
+        model.generateBanks();
+        waitForWork();
+        ASSERT_TRUE(shows("Random banks created"));
+        EXPECT_TRUE(button("Show folder"));
+    };
+    prepareRun();
+    fileManager->mount(folder / "out");
+    generate();
+    EXPECT_TRUE(shows(next)); // the device folder is one level too deep
+    fileManager->mount(folder / "out/Kit A");
+    generate();
+    EXPECT_FALSE(shows(next));
+    // The folder of the run may be a link to the card.
+    fileManager->mount(folder.createFolder("card"));
+    generate();
+    EXPECT_TRUE(shows(next));
+    std::filesystem::remove_all(folder / "out/Kit A");
+    std::filesystem::create_directory_symlink(folder / "card", folder / "out/Kit A");
+    generate();
+    EXPECT_FALSE(shows(next));
+    // So it is after an import.
+    panels->saveTarget = panels->document = FileURL(folder / "saved.json");
+    model.exportJSON();
+    model.importJSON();
+    waitForWork();
+    ASSERT_TRUE(shows("Random banks created"));
+    EXPECT_FALSE(shows(next));
 }
 
 TEST_F(RunMessageTest, showsTheFolderThatWasStamped) {

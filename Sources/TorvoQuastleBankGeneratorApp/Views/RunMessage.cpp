@@ -68,6 +68,7 @@ struct Content {
 Content contentOf(const AppModel& model) {
     struct Visitor {
         bool updating;
+        bool isWrittenToTop;
 
         Content operator()(const AppModel::Idle&) const { return {}; }
         Content operator()(const AppModel::Running& run) const {
@@ -83,7 +84,9 @@ Content contentOf(const AppModel& model) {
         Content operator()(const AppModel::Finished& run) const {
             return {.icon = StatusKind::success,
                     .message = toQString(run.completedExport.statusHeadline),
-                    .nextStep = RunMessage::tr("Copy QZT508 to the top of your card"),
+                    .nextStep = isWrittenToTop
+                                    ? QString()
+                                    : RunMessage::tr("Copy QZT508 to the top of your card"),
                     .counts = counts(run.completedExport.summary)};
         }
         Content operator()(const AppModel::FinishedMessage& run) const {
@@ -96,7 +99,8 @@ Content contentOf(const AppModel& model) {
                     .color = MarloTheme::danger};
         }
     };
-    return std::visit(Visitor{model.isUpdatingExistingBank()}, model.runState());
+    return std::visit(Visitor{model.isUpdatingExistingBank(), model.isWrittenToTop()},
+                      model.runState());
 }
 
 } // namespace

@@ -16,6 +16,11 @@ std::shared_ptr<Gate> GatedFileManager::holdFlush(const fs::path& path) {
     return hold(flushes_, path);
 }
 
+void GatedFileManager::mount(const fs::path& folder) {
+    const std::scoped_lock lock(mutex_);
+    mounted_ = fs::canonical(folder);
+}
+
 void GatedFileManager::openAll() {
     const std::scoped_lock lock(mutex_);
     for (const auto* gates : {&inspections_, &removals_, &flushes_})
@@ -26,6 +31,9 @@ void GatedFileManager::openAll() {
 std::optional<FileStatus> GatedFileManager::status(const fs::path& path) const {
     auto status = ForwardingFileManager::status(path);
     pass(inspections_, path);
+    const std::scoped_lock lock(mutex_);
+    if (status && !mounted_.empty() && (path.native() + '/').starts_with(mounted_.native() + '/'))
+        ++status->identity.device;
     return status;
 }
 

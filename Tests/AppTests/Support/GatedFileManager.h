@@ -22,6 +22,8 @@ public:
     /// The volume that holds this item is flushed late.
     std::shared_ptr<Gate> holdFlush(const std::filesystem::path& path);
     void openAll();
+    /// Makes an existing folder the top of another volume.
+    void mount(const std::filesystem::path& folder);
 
     std::optional<FileStatus> status(const std::filesystem::path& path) const override;
     std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
@@ -38,6 +40,7 @@ private:
     Gates inspections_;
     Gates removals_;
     Gates flushes_;
+    std::filesystem::path mounted_;
 };
 
 } // namespace torvo::test
