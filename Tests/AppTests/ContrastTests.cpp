@@ -185,6 +185,13 @@ TEST_F(ContrastTest, whatHasNoTextCanBeFound) {
     for (const QColor& background :
          {MarloTheme::surface, MarloTheme::panel, MarloTheme::panelRaised})
         EXPECT_GE(contrast(outlineColor, background), shapeRatio);
+    for (const bool quiet : {false, true}) {
+        for (const bool hovered : {false, true}) {
+            const DropZoneStyle zone{.quiet = quiet, .hovered = hovered};
+            EXPECT_GE(contrast(zone.borderColor(), MarloTheme::panel), shapeRatio);
+            EXPECT_GE(contrast(zone.borderColor(), zone.backgroundColor()), shapeRatio);
+        }
+    }
     // The edge of an unticked box and of an empty track, and the thumb of a scroll bar.
     QCheckBox box;
     QStyleOptionButton unticked;

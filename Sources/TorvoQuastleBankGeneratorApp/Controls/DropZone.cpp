@@ -21,10 +21,11 @@ QColor DropZoneStyle::backgroundColor() const {
 }
 
 QColor DropZoneStyle::borderColor() const {
-    return targeted ? MarloTheme::ink
-                    : withOpacity(MarloTheme::accent, hovered ? 0.9
-                                                      : quiet ? 0.3
-                                                              : 0.7);
+    if (targeted)
+        return MarloTheme::ink;
+    if (hovered)
+        return MarloTheme::muted;
+    return quiet ? outlineColor : MarloTheme::accent;
 }
 
 void DropZoneStyle::paint(QPainter& painter, const QRectF& rect) const {
