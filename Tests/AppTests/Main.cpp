@@ -9,9 +9,11 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
-    // Without a runtime folder, Qt creates one in the temporary folder and does not remove it.
-    const torvo::test::TemporaryFolder runtimeFolder;
-    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(runtimeFolder.path().string()));
+    // Qt's file panel saves its last folder in the settings. Without a runtime folder, Qt creates
+    // one in the temporary folder and does not remove it.
+    const torvo::test::TemporaryFolder folder;
+    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"})
+        qputenv(variable, QByteArray::fromStdString(folder.path().string()));
     QApplication application(argc, argv);
     torvo::app::installTheme();
     return RUN_ALL_TESTS();
