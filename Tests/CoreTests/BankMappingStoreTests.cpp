@@ -217,22 +217,22 @@ TEST(BankMappingStore, writesThroughAnAbsoluteLink) {
 }
 
 TEST(BankMappingStore, refusesToReplaceNonRegularFiles) {
-    const Zoo zoo;
-    fs::create_symlink("missing folder/x", zoo.folder / "lost link");
+    const FileKinds kinds;
+    fs::create_symlink("missing folder/x", kinds.folder / "lost link");
     struct Row {
         fs::path path;
         fs::path told;
         std::errc code;
     };
     const Row rows[] = {
-        {zoo.pipe, zoo.pipe, std::errc::invalid_argument},
-        {zoo.directory, zoo.directory, std::errc::is_a_directory},
-        {zoo.directoryLink, zoo.directory, std::errc::is_a_directory},
-        {zoo.circularLink, zoo.circularLink, std::errc::too_many_symbolic_link_levels},
-        {zoo.folder / "lost link", zoo.folder / "missing folder/x",
+        {kinds.pipe, kinds.pipe, std::errc::invalid_argument},
+        {kinds.directory, kinds.directory, std::errc::is_a_directory},
+        {kinds.directoryLink, kinds.directory, std::errc::is_a_directory},
+        {kinds.circularLink, kinds.circularLink, std::errc::too_many_symbolic_link_levels},
+        {kinds.folder / "lost link", kinds.folder / "missing folder/x",
          std::errc::no_such_file_or_directory},
     };
-    const auto before = snapshotOf(zoo.folder.path());
+    const auto before = snapshotOf(kinds.folder.path());
     for (const auto& row : rows) {
         const auto error = thrown<FileError>(
             [&] { BankMappingStore().exportDocument(smallDocument(), FileURL(row.path)); });
@@ -240,7 +240,7 @@ TEST(BankMappingStore, refusesToReplaceNonRegularFiles) {
         EXPECT_EQ(error->path(), row.told);
         EXPECT_EQ(error->code(), row.code) << row.path;
     }
-    EXPECT_THAT(differences(before, snapshotOf(zoo.folder.path())), testing::IsEmpty());
+    EXPECT_THAT(differences(before, snapshotOf(kinds.folder.path())), testing::IsEmpty());
 }
 
 TEST(BankMappingStore, readsEarlierDocumentsWithoutVersionModeAndDate) {

@@ -21,8 +21,8 @@ inline std::filesystem::perms ordinaryFilePermissions() {
     return static_cast<std::filesystem::perms>(0666U & ~mask);
 }
 
-/// Folder, file, pipe and four links: to the file, to the folder, dangling, to itself.
-struct Zoo {
+/// A folder, a file, a pipe and four links: to the file, to the folder, dangling, to itself.
+struct FileKinds {
     TemporaryFolder folder;
     std::filesystem::path file = folder.write("file", "12345");
     std::filesystem::path directory = folder.createFolder("directory");
@@ -32,7 +32,7 @@ struct Zoo {
     std::filesystem::path deadLink = folder / "dead link";
     std::filesystem::path circularLink = folder / "circular link";
 
-    Zoo() {
+    FileKinds() {
         namespace fs = std::filesystem;
         EXPECT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
         fs::create_symlink(file, fileLink);

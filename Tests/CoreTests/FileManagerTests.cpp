@@ -24,24 +24,24 @@ std::error_code codeOf(const auto& action) {
 }
 
 TEST(FileManager, reportsTheKindOfAnItem) {
-    const Zoo zoo;
+    const FileKinds kinds;
     struct Row {
         fs::path path;
         std::optional<FileKind> itself;
         std::optional<FileKind> followed;
     };
     const Row rows[] = {
-        {zoo.file, FileKind::regular, FileKind::regular},
-        {zoo.directory, FileKind::directory, FileKind::directory},
-        {zoo.pipe, FileKind::other, FileKind::other},
+        {kinds.file, FileKind::regular, FileKind::regular},
+        {kinds.directory, FileKind::directory, FileKind::directory},
+        {kinds.pipe, FileKind::other, FileKind::other},
         {"/dev/null", FileKind::other, FileKind::other},
-        {zoo.fileLink, FileKind::symbolicLink, FileKind::regular},
-        {zoo.directoryLink, FileKind::symbolicLink, FileKind::directory},
-        {zoo.deadLink, FileKind::symbolicLink, std::nullopt},
-        {zoo.circularLink, FileKind::symbolicLink, std::nullopt},
-        {zoo.circularLink / "below", std::nullopt, std::nullopt},
-        {zoo.folder / "missing", std::nullopt, std::nullopt},
-        {zoo.file / "below a file", std::nullopt, std::nullopt},
+        {kinds.fileLink, FileKind::symbolicLink, FileKind::regular},
+        {kinds.directoryLink, FileKind::symbolicLink, FileKind::directory},
+        {kinds.deadLink, FileKind::symbolicLink, std::nullopt},
+        {kinds.circularLink, FileKind::symbolicLink, std::nullopt},
+        {kinds.circularLink / "below", std::nullopt, std::nullopt},
+        {kinds.folder / "missing", std::nullopt, std::nullopt},
+        {kinds.file / "below a file", std::nullopt, std::nullopt},
     };
     const auto kindOf = [](const std::optional<FileStatus>& status) {
         return status ? std::optional(status->kind) : std::nullopt;
@@ -50,38 +50,39 @@ TEST(FileManager, reportsTheKindOfAnItem) {
         EXPECT_EQ(kindOf(files().linkStatus(row.path)), row.itself) << row.path;
         EXPECT_EQ(kindOf(files().status(row.path)), row.followed) << row.path;
     }
-    EXPECT_EQ(codeOf([&] { files().status(zoo.folder / std::string(256, 'x')); }),
+    EXPECT_EQ(codeOf([&] { files().status(kinds.folder / std::string(256, 'x')); }),
               std::errc::filename_too_long);
 }
 
 TEST(FileManager, reportsSizeIdentityAndPermissions) {
-    const Zoo zoo;
-    fs::create_hard_link(zoo.file, zoo.folder / "same");
-    fs::permissions(zoo.file, fs::perms(0640));
-    const auto status = files().status(zoo.file);
+    const FileKinds kinds;
+    fs::create_hard_link(kinds.file, kinds.folder / "same");
+    fs::permissions(kinds.file, fs::perms(0640));
+    const auto status = files().status(kinds.file);
     ASSERT_TRUE(status);
     EXPECT_EQ(status->size, 5U);
     EXPECT_EQ(status->permissions, fs::perms(0640));
-    EXPECT_EQ(files().status(zoo.fileLink)->identity, status->identity);
-    EXPECT_EQ(files().status(zoo.folder / "same")->identity, status->identity);
-    EXPECT_NE(files().linkStatus(zoo.fileLink)->identity, status->identity);
-    EXPECT_NE(files().status(zoo.directory)->identity, status->identity);
+    EXPECT_EQ(files().status(kinds.fileLink)->identity, status->identity);
+    EXPECT_EQ(files().status(kinds.folder / "same")->identity, status->identity);
+    EXPECT_NE(files().linkStatus(kinds.fileLink)->identity, status->identity);
+    EXPECT_NE(files().status(kinds.directory)->identity, status->identity);
 }
 
 TEST(FileManager, resolvesLinksOfExistingItems) {
-    const Zoo zoo;
-    EXPECT_EQ(files().resolve(zoo.fileLink), zoo.file);
-    EXPECT_EQ(files().resolve(zoo.directoryLink / ".." / "./file"), zoo.file);
-    EXPECT_EQ(codeOf([&] { files().resolve(zoo.deadLink); }), std::errc::no_such_file_or_directory);
-    EXPECT_EQ(codeOf([&] { files().resolve(zoo.circularLink); }),
+    const FileKinds kinds;
+    EXPECT_EQ(files().resolve(kinds.fileLink), kinds.file);
+    EXPECT_EQ(files().resolve(kinds.directoryLink / ".." / "./file"), kinds.file);
+    EXPECT_EQ(codeOf([&] { files().resolve(kinds.deadLink); }),
+              std::errc::no_such_file_or_directory);
+    EXPECT_EQ(codeOf([&] { files().resolve(kinds.circularLink); }),
               std::errc::too_many_symbolic_link_levels);
 }
 
 TEST(FileManager, listsAFolder) {
-    const Zoo zoo;
-    zoo.folder.write("\xFF", "");
-    zoo.folder.write(".hidden", "");
-    auto entries = files().contentsOfDirectory(zoo.folder.path());
+    const FileKinds kinds;
+    kinds.folder.write("\xFF", "");
+    kinds.folder.write(".hidden", "");
+    auto entries = files().contentsOfDirectory(kinds.folder.path());
     std::ranges::sort(entries, {}, &DirectoryEntry::name);
     std::vector<std::pair<std::string, FileKind>> found;
     for (const auto& entry : entries)
@@ -95,61 +96,61 @@ TEST(FileManager, listsAFolder) {
                                    std::pair("file link", FileKind::symbolicLink),
                                    std::pair("pipe", FileKind::other),
                                    std::pair("\xFF", FileKind::regular)));
-    EXPECT_EQ(codeOf([&] { files().contentsOfDirectory(zoo.file); }), std::errc::not_a_directory);
-    EXPECT_EQ(codeOf([&] { files().contentsOfDirectory(zoo.folder / "missing"); }),
+    EXPECT_EQ(codeOf([&] { files().contentsOfDirectory(kinds.file); }), std::errc::not_a_directory);
+    EXPECT_EQ(codeOf([&] { files().contentsOfDirectory(kinds.folder / "missing"); }),
               std::errc::no_such_file_or_directory);
 }
 
 TEST(FileManager, createsFoldersWithParents) {
-    const Zoo zoo;
-    files().createDirectory(zoo.folder / "a/b/c");
-    zoo.folder.write("a/b/c/kept", "x");
-    files().createDirectory(zoo.folder / "a/b/c");
-    EXPECT_TRUE(fs::exists(zoo.folder / "a/b/c/kept"));
-    files().createDirectory(zoo.directoryLink);
-    EXPECT_NE(codeOf([&] { files().createDirectory(zoo.file); }), std::error_code());
-    EXPECT_NE(codeOf([&] { files().createDirectory(zoo.file / "x"); }), std::error_code());
+    const FileKinds kinds;
+    files().createDirectory(kinds.folder / "a/b/c");
+    kinds.folder.write("a/b/c/kept", "x");
+    files().createDirectory(kinds.folder / "a/b/c");
+    EXPECT_TRUE(fs::exists(kinds.folder / "a/b/c/kept"));
+    files().createDirectory(kinds.directoryLink);
+    EXPECT_NE(codeOf([&] { files().createDirectory(kinds.file); }), std::error_code());
+    EXPECT_NE(codeOf([&] { files().createDirectory(kinds.file / "x"); }), std::error_code());
 }
 
 TEST(FileManager, removesItemsButNeverLinkTargets) {
-    const Zoo zoo;
-    zoo.folder.write("directory/a/b", "x");
-    fs::create_directory_symlink(zoo.directory, zoo.folder / "directory/a/round");
+    const FileKinds kinds;
+    kinds.folder.write("directory/a/b", "x");
+    fs::create_directory_symlink(kinds.directory, kinds.folder / "directory/a/round");
     for (const auto& path :
-         {zoo.fileLink, zoo.directoryLink, zoo.deadLink, zoo.circularLink, zoo.pipe}) {
+         {kinds.fileLink, kinds.directoryLink, kinds.deadLink, kinds.circularLink, kinds.pipe}) {
         files().removeItem(path);
         EXPECT_FALSE(files().linkStatus(path)) << path;
     }
-    EXPECT_TRUE(fs::exists(zoo.file));
-    EXPECT_TRUE(fs::exists(zoo.directory));
-    files().removeItem(zoo.file);
-    files().removeItem(zoo.directory);
-    EXPECT_THAT(files().contentsOfDirectory(zoo.folder.path()), IsEmpty());
+    EXPECT_TRUE(fs::exists(kinds.file));
+    EXPECT_TRUE(fs::exists(kinds.directory));
+    files().removeItem(kinds.file);
+    files().removeItem(kinds.directory);
+    EXPECT_THAT(files().contentsOfDirectory(kinds.folder.path()), IsEmpty());
 }
 
 TEST(FileManager, copiesToANewFileWithDefaultPermissions) {
-    const Zoo zoo;
+    const FileKinds kinds;
     std::string content(700'001, 'a');
     for (std::size_t i = 0; i < content.size(); ++i)
         content[i] = static_cast<char>(i * 7 + i / 251);
-    const auto source = zoo.folder.write("source", content);
+    const auto source = kinds.folder.write("source", content);
     fs::permissions(source, fs::perms(0400));
-    files().copyItem(source, zoo.folder / "copy");
-    EXPECT_TRUE(textOf(zoo.folder / "copy") == content);
-    EXPECT_EQ(fs::status(zoo.folder / "copy").permissions(), ordinaryFilePermissions());
-    files().copyItem(zoo.fileLink, zoo.folder / "copy of link");
-    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(zoo.folder / "copy of link")));
-    EXPECT_EQ(textOf(zoo.folder / "copy of link"), "12345");
+    files().copyItem(source, kinds.folder / "copy");
+    EXPECT_TRUE(textOf(kinds.folder / "copy") == content);
+    EXPECT_EQ(fs::status(kinds.folder / "copy").permissions(), ordinaryFilePermissions());
+    files().copyItem(kinds.fileLink, kinds.folder / "copy of link");
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(kinds.folder / "copy of link")));
+    EXPECT_EQ(textOf(kinds.folder / "copy of link"), "12345");
 
-    EXPECT_EQ(codeOf([&] { files().copyItem(zoo.file, source); }), std::errc::file_exists);
-    EXPECT_EQ(codeOf([&] { files().copyItem(zoo.directory, zoo.folder / "x"); }),
+    EXPECT_EQ(codeOf([&] { files().copyItem(kinds.file, source); }), std::errc::file_exists);
+    EXPECT_EQ(codeOf([&] { files().copyItem(kinds.directory, kinds.folder / "x"); }),
               std::errc::is_a_directory);
-    EXPECT_EQ(codeOf([&] { files().copyItem(zoo.pipe, zoo.folder / "x"); }),
+    EXPECT_EQ(codeOf([&] { files().copyItem(kinds.pipe, kinds.folder / "x"); }),
               std::errc::invalid_argument)
-        << "a pipe is not waited for";
-    EXPECT_EQ(codeOf([&] { files().copyItem(zoo.file, zoo.folder / "missing/x"); }),
+        << "copying a pipe must not block";
+    EXPECT_EQ(codeOf([&] { files().copyItem(kinds.file, kinds.folder / "missing/x"); }),
               std::errc::no_such_file_or_directory);
-    EXPECT_FALSE(fs::exists(zoo.folder / "x"));
+    EXPECT_FALSE(fs::exists(kinds.folder / "x"));
 }
 
 /// A new folder on a different volume.
@@ -178,38 +179,38 @@ TEST(FileManager, copiesAcrossVolumes) {
 }
 
 TEST(FileManager, replacesAtomically) {
-    const Zoo zoo;
-    const auto source = zoo.folder.write("source", "new");
-    files().replaceItem(zoo.file, source);
-    EXPECT_EQ(textOf(zoo.file), "new");
+    const FileKinds kinds;
+    const auto source = kinds.folder.write("source", "new");
+    files().replaceItem(kinds.file, source);
+    EXPECT_EQ(textOf(kinds.file), "new");
     EXPECT_FALSE(fs::exists(source));
-    EXPECT_EQ(codeOf([&] { files().replaceItem(zoo.directory, zoo.file); }),
+    EXPECT_EQ(codeOf([&] { files().replaceItem(kinds.directory, kinds.file); }),
               std::errc::is_a_directory);
-    EXPECT_EQ(codeOf([&] { files().replaceItem(zoo.file, zoo.folder / "missing"); }),
+    EXPECT_EQ(codeOf([&] { files().replaceItem(kinds.file, kinds.folder / "missing"); }),
               std::errc::no_such_file_or_directory);
 }
 
 TEST(FileManager, opensRegularFilesOnly) {
-    const Zoo zoo;
+    const FileKinds kinds;
     for (const auto mode : {OpenMode::read, OpenMode::update}) {
-        EXPECT_EQ(codeOf([&] { files().open(zoo.file, mode); }), std::error_code());
-        EXPECT_EQ(codeOf([&] { files().open(zoo.fileLink, mode); }), std::error_code());
-        EXPECT_EQ(codeOf([&] { files().open(zoo.directory, mode); }), std::errc::is_a_directory);
-        EXPECT_EQ(codeOf([&] { files().open(zoo.pipe, mode); }), std::errc::invalid_argument);
+        EXPECT_EQ(codeOf([&] { files().open(kinds.file, mode); }), std::error_code());
+        EXPECT_EQ(codeOf([&] { files().open(kinds.fileLink, mode); }), std::error_code());
+        EXPECT_EQ(codeOf([&] { files().open(kinds.directory, mode); }), std::errc::is_a_directory);
+        EXPECT_EQ(codeOf([&] { files().open(kinds.pipe, mode); }), std::errc::invalid_argument);
         EXPECT_EQ(codeOf([&] { files().open("/dev/zero", mode); }), std::errc::invalid_argument);
-        EXPECT_EQ(codeOf([&] { files().open(zoo.deadLink, mode); }),
+        EXPECT_EQ(codeOf([&] { files().open(kinds.deadLink, mode); }),
                   std::errc::no_such_file_or_directory);
     }
-    EXPECT_EQ(codeOf([&] { files().open(zoo.file, OpenMode::createUnique); }),
+    EXPECT_EQ(codeOf([&] { files().open(kinds.file, OpenMode::createUnique); }),
               std::errc::file_exists);
-    EXPECT_EQ(codeOf([&] { files().open(zoo.folder / "missing/x", OpenMode::create); }),
+    EXPECT_EQ(codeOf([&] { files().open(kinds.folder / "missing/x", OpenMode::create); }),
               std::errc::no_such_file_or_directory);
-    EXPECT_EQ(textOf(zoo.file), "12345");
+    EXPECT_EQ(textOf(kinds.file), "12345");
 }
 
 TEST(FileManager, readsAndWritesAtOffsets) {
-    const Zoo zoo;
-    const auto file = files().open(zoo.file, OpenMode::update);
+    const FileKinds kinds;
+    const auto file = files().open(kinds.file, OpenMode::update);
     std::array<std::byte, 4> four{};
     EXPECT_EQ(file->read(1, four), 4U);
     EXPECT_EQ(four[0], std::byte{'2'});
@@ -224,21 +225,21 @@ TEST(FileManager, readsAndWritesAtOffsets) {
     file->write(5, bytes("x"));
     file->flush();
     file->close();
-    EXPECT_EQ(textOf(zoo.file), std::string("123\0\0x", 6));
-    EXPECT_EQ(codeOf([&] { files().open(zoo.file, OpenMode::read)->write(0, bytes("x")); }),
+    EXPECT_EQ(textOf(kinds.file), std::string("123\0\0x", 6));
+    EXPECT_EQ(codeOf([&] { files().open(kinds.file, OpenMode::read)->write(0, bytes("x")); }),
               std::errc::bad_file_descriptor);
-    EXPECT_NE(codeOf([&] { files().open(zoo.file, OpenMode::read)->resize(0); }),
+    EXPECT_NE(codeOf([&] { files().open(kinds.file, OpenMode::read)->resize(0); }),
               std::error_code());
 }
 
 TEST(FileManager, createsFilesWithDefaultPermissions) {
-    const Zoo zoo;
-    files().open(zoo.folder / "new", OpenMode::createUnique)->close();
-    EXPECT_EQ(fs::status(zoo.folder / "new").permissions(), ordinaryFilePermissions());
-    const auto emptied = files().open(zoo.file, OpenMode::create);
+    const FileKinds kinds;
+    files().open(kinds.folder / "new", OpenMode::createUnique)->close();
+    EXPECT_EQ(fs::status(kinds.folder / "new").permissions(), ordinaryFilePermissions());
+    const auto emptied = files().open(kinds.file, OpenMode::create);
     EXPECT_EQ(emptied->size(), 0U);
     emptied->setPermissions(fs::perms(0600));
-    EXPECT_EQ(fs::status(zoo.file).permissions(), fs::perms(0600));
+    EXPECT_EQ(fs::status(kinds.file).permissions(), fs::perms(0600));
 }
 
 TEST(FileManager, failsOnAFullVolume) {
@@ -252,25 +253,25 @@ TEST(FileManager, failsOnAFullVolume) {
 }
 
 TEST(FileManager, readsTheTargetOfALink) {
-    const Zoo zoo;
-    fs::create_symlink("../x/./y", zoo.folder / "relative");
-    EXPECT_EQ(files().linkTarget(zoo.folder / "relative"), "../x/./y");
-    EXPECT_EQ(files().linkTarget(zoo.deadLink), zoo.folder / "missing");
-    EXPECT_EQ(codeOf([&] { files().linkTarget(zoo.file); }), std::errc::invalid_argument);
+    const FileKinds kinds;
+    fs::create_symlink("../x/./y", kinds.folder / "relative");
+    EXPECT_EQ(files().linkTarget(kinds.folder / "relative"), "../x/./y");
+    EXPECT_EQ(files().linkTarget(kinds.deadLink), kinds.folder / "missing");
+    EXPECT_EQ(codeOf([&] { files().linkTarget(kinds.file); }), std::errc::invalid_argument);
 }
 
 TEST(FileManager, flushesAFolder) {
-    const Zoo zoo;
-    EXPECT_TRUE(files().flushDirectory(zoo.directory));
-    EXPECT_FALSE(files().flushDirectory(zoo.folder / "missing"));
-    EXPECT_FALSE(files().flushDirectory(zoo.file));
+    const FileKinds kinds;
+    EXPECT_TRUE(files().flushDirectory(kinds.directory));
+    EXPECT_FALSE(files().flushDirectory(kinds.folder / "missing"));
+    EXPECT_FALSE(files().flushDirectory(kinds.file));
     EXPECT_FALSE(files().flushDirectory("/proc/self")) << "procfs cannot flush a folder";
 }
 
 TEST(FileManager, flushesAVolume) {
-    const Zoo zoo;
-    files().flushVolume(zoo.folder.path());
-    EXPECT_EQ(codeOf([&] { files().flushVolume(zoo.folder / "missing"); }),
+    const FileKinds kinds;
+    files().flushVolume(kinds.folder.path());
+    EXPECT_EQ(codeOf([&] { files().flushVolume(kinds.folder / "missing"); }),
               std::errc::no_such_file_or_directory);
 }
 

@@ -21,10 +21,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(ReadFile, readsTheWholeFile) {
-    const Zoo zoo;
-    EXPECT_EQ(readFile(files(), zoo.file), bytes("12345"));
-    EXPECT_THAT(readFile(files(), zoo.folder.write("empty", "")), IsEmpty());
-    const auto error = thrown<FileError>([&] { readFile(files(), zoo.directory); });
+    const FileKinds kinds;
+    EXPECT_EQ(readFile(files(), kinds.file), bytes("12345"));
+    EXPECT_THAT(readFile(files(), kinds.folder.write("empty", "")), IsEmpty());
+    const auto error = thrown<FileError>([&] { readFile(files(), kinds.directory); });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->code(), std::errc::is_a_directory);
 }
@@ -60,8 +60,8 @@ TEST(WriteFileAtomically, namesTheTargetOnFailureWithoutLeftovers) {
 }
 
 TEST(ResolvingSymlinks, followsLinksAsFarAsThePathExists) {
-    const Zoo zoo;
-    const auto& folder = zoo.folder;
+    const FileKinds kinds;
+    const auto& folder = kinds.folder;
     fs::create_directory_symlink("directory", folder / "relative");
     folder.createFolder("other/deep");
     fs::create_directory_symlink(folder / "other/deep", folder / "deep");
@@ -87,8 +87,8 @@ TEST(ResolvingSymlinks, followsLinksAsFarAsThePathExists) {
             << row.path;
     }
     EXPECT_EQ(resolvingSymlinks(files(), FileURL()), FileURL());
-    EXPECT_EQ(resolvingSymlinks(files(), FileURL::directory(zoo.directoryLink)),
-              FileURL::directory(zoo.directory));
+    EXPECT_EQ(resolvingSymlinks(files(), FileURL::directory(kinds.directoryLink)),
+              FileURL::directory(kinds.directory));
 }
 
 /// Backdates the modification time of a file.

@@ -48,9 +48,9 @@ TEST(EnumerateDeep, skipsWhatTheOptionsExclude) {
 }
 
 TEST(EnumerateDeep, yieldsLinksWithoutFollowingThem) {
-    const Zoo zoo;
-    zoo.folder.write("directory/inside", "");
-    EXPECT_THAT(enumerated(zoo.folder, EnumerationOptions::skipHidden),
+    const FileKinds kinds;
+    kinds.folder.write("directory/inside", "");
+    EXPECT_THAT(enumerated(kinds.folder, EnumerationOptions::skipHidden),
                 ElementsAre("circular link", "dead link", "directory", "directory/inside",
                             "directory link", "file", "file link", "pipe"));
 }
