@@ -187,7 +187,7 @@ TEST_F(SampleInside, isDetectedByDeviceAndInode) {
     EXPECT_TRUE(refusal(deviceFolder));
     EXPECT_THAT(differences(card.before, snapshotOf(card.folder.path())), testing::IsEmpty());
     EXPECT_FALSE(refusal({.device = deviceFolder.device + 1, .node = deviceFolder.node}))
-        << "another volume counts its inodes for itself";
+        << "inode numbers are unique within a volume only";
     EXPECT_FALSE(refusal({.device = deviceFolder.device, .node = deviceFolder.node + 1}));
 }
 

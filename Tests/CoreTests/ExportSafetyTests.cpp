@@ -163,7 +163,7 @@ TEST(ExportSafety, opensEveryFileOnceAndOneAtATime) {
     EXPECT_TRUE(thrown<FileError>(
         [&] { banks.run(std::make_shared<RecordingFileManager>(log, failing)); }));
     EXPECT_EQ(log->described(banks.folder.path(), {"open read"}), expected);
-    EXPECT_LE(mostOpen, 2) << "one sample and the lock";
+    EXPECT_LE(mostOpen, 2) << "more than one sample and the lock were open";
 }
 
 /// An upper bound of the bytes that deleting the tree frees.
@@ -246,7 +246,7 @@ TEST(ExportSafety, doesNotCountTheTargetOfALinkAsFreed) {
 }
 
 TEST(AvailableSpace, isKnownOnlyWhereTheFileSystemReportsIt) {
-    EXPECT_EQ(systemFileManager()->availableSpace("/proc"), std::nullopt) << "has no blocks";
+    EXPECT_EQ(systemFileManager()->availableSpace("/proc"), std::nullopt) << "procfs has no blocks";
     EXPECT_EQ(systemFileManager()->availableSpace("/no/such/folder"), std::nullopt);
     const auto inMemory = systemFileManager()->availableSpace("/dev/shm");
     ASSERT_TRUE(inMemory);

@@ -153,7 +153,7 @@ TEST(FileURL, appendsAndDeletesComponents) {
     EXPECT_EQ(kit.appendingPathComponent("Kicks", Kind::directory),
               FileURL::directory("/Kit/Kicks"));
     EXPECT_EQ(kit.appendingPathComponent("/etc"), FileURL("/Kit/etc"))
-        << "a leading slash does not lead out";
+        << "a leading slash does not make it absolute";
     EXPECT_EQ(FileURL().appendingPathComponent("a"), FileURL("/a"));
     EXPECT_EQ(FileURL("/Kit/a.wav").deletingLastPathComponent(), FileURL::directory("/Kit"));
     EXPECT_EQ(FileURL("/a").deletingLastPathComponent(), FileURL());

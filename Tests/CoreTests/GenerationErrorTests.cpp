@@ -51,7 +51,7 @@ TEST(GenerationError, comparesCaseAndValue) {
     EXPECT_NE(GenerationError::insufficientLoops(1), GenerationError::insufficientStabs(1));
     EXPECT_NE(GenerationError::unsupportedAudio(FileURL("/a/x")),
               GenerationError::unsupportedAudio(FileURL("/b/x")))
-        << "the same text, another file";
+        << "the same text for different files";
 }
 
 TEST(GenerationError, reportsItsCase) {

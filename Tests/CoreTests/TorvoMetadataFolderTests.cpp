@@ -199,7 +199,7 @@ TEST(TorvoMetadataFolder, stampsWhenPermissionsCannotBeSet) {
     EXPECT_EQ(writer.apply(plain, folder.url()), 2);
     EXPECT_EQ(bytesOf(path), stampedWav(0));
     EXPECT_EQ(log->described(folder.path(), {"setPermissions"}).size(), 1U)
-        << "asked for where they differ";
+        << "only for the file whose permissions differ";
 }
 
 TEST(TorvoMetadataFolder, stampsALargeFileInBlocks) {
@@ -266,7 +266,7 @@ TEST(TorvoMetadataFolder, removesTemporaryFilesOfAnEarlierStamp) {
 
     const auto beside = leaveBehind(folder, "Bank 1/3/.torvo-0123456789abcdef.tmp");
     TorvoWAVMetadataWriter().apply(plain, FileURL(file), 3);
-    EXPECT_FALSE(fs::exists(beside)) << "beside a single file";
+    EXPECT_FALSE(fs::exists(beside)) << "stamping a single file removes it, too";
 }
 
 TEST(TorvoMetadataFolder, keepsTheOldContentOfAHardLinkElsewhere) {

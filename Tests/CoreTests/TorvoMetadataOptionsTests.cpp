@@ -113,7 +113,7 @@ TEST(TorvoMetadataOptions, appliesCVToTheAssignedChannelsWhenEnabled) {
     EXPECT_FALSE(withCV(true, {1, 2, 3, 4, 5, 6, 7, 8}).appliesCV(std::nullopt));
     auto filtered = enabled;
     filtered.filterType = TorvoFilterType::highPass;
-    EXPECT_TRUE(filtered.appliesCV(3)) << "the filter plays no part";
+    EXPECT_TRUE(filtered.appliesCV(3)) << "independent of the filter";
 }
 
 } // namespace

@@ -31,7 +31,7 @@ Bytes stamped(const Bytes& file, const TorvoMetadataOptions& options = plain, Ch
     TorvoWAVMetadataWriter().updateBusyChunk(*opened, options, channel);
     opened->close();
     EXPECT_EQ(bytesOf(path).size(), inMemory.size());
-    EXPECT_TRUE(bytesOf(path) == inMemory) << "in a file and in memory";
+    EXPECT_TRUE(bytesOf(path) == inMemory) << "the file differs from the bytes in memory";
     return inMemory;
 }
 
@@ -355,7 +355,7 @@ TEST(TorvoMetadata, refusesOtherFilesAndLeavesThemUnchanged) {
                   GenerationError::exportFailed(row.message));
         EXPECT_EQ(bytesOf(url.path()), row.file) << row.name;
         EXPECT_EQ(systemFileManager()->contentsOfDirectory(folder / "1").size(), 1U)
-            << "nothing is left beside it";
+            << "a temporary file was left";
     }
 }
 

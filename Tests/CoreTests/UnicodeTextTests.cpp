@@ -66,7 +66,7 @@ TEST(UnicodeText, countsGraphemeClusters) {
     EXPECT_EQ(text::characterCount("e\u0301"), 1U);
     EXPECT_EQ(text::characterCount("👩‍👩‍👧"), 1U);
     EXPECT_EQ(text::characterCount("각"), 1U);
-    EXPECT_EQ(text::characterCount("각"), 1U) << "typed as three letters";
+    EXPECT_EQ(text::characterCount("각"), 1U) << "one syllable of three letters";
 }
 
 TEST(UnicodeText, takesTheFirstCharacters) {
