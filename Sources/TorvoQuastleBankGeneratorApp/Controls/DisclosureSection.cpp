@@ -1,9 +1,9 @@
-#include "DisclosureSection.h"
+#include "Controls/DisclosureSection.h"
 
-#include "DisclosureHeader.h"
-#include "IgnoredItemDelegate.h"
-#include "IgnoredItemsList.h"
-#include "Labels.h"
+#include "Controls/DisclosureHeader.h"
+#include "Controls/IgnoredItemDelegate.h"
+#include "Controls/IgnoredItemsList.h"
+#include "Controls/Labels.h"
 #include "MarloTheme.h"
 #include "Text.h"
 

@@ -1,7 +1,7 @@
-#include "IgnoredItemsList.h"
+#include "Controls/IgnoredItemsList.h"
 
-#include "IgnoredItemDelegate.h"
-#include "IgnoredItemsModel.h"
+#include "Controls/IgnoredItemDelegate.h"
+#include "Controls/IgnoredItemsModel.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>

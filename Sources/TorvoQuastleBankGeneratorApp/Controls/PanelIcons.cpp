@@ -1,4 +1,4 @@
-#include "PanelIcons.h"
+#include "Controls/PanelIcons.h"
 
 #include "MarloTheme.h"
 

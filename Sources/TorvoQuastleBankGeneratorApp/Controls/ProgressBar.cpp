@@ -1,7 +1,7 @@
-#include "ProgressBar.h"
+#include "Controls/ProgressBar.h"
 
+#include "Controls/Painting.h"
 #include "MarloTheme.h"
-#include "Painting.h"
 
 #include <QLinearGradient>
 #include <QPainter>

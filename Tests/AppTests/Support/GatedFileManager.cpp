@@ -1,4 +1,4 @@
-#include "GatedFileManager.h"
+#include "Support/GatedFileManager.h"
 
 namespace torvo::test {
 

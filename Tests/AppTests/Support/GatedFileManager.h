@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ForwardingFileManager.h"
-#include "Gate.h"
+#include "Support/Gate.h"
 
 #include <map>
 #include <memory>

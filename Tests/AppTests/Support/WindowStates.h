@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ContentViewFixture.h"
+#include "Support/ContentViewFixture.h"
 
 #include <functional>
 #include <string>
