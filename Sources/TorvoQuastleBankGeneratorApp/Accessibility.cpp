@@ -73,7 +73,7 @@ public:
     }
 };
 
-/// Uses its content as its name unless it has a name.
+/// A label without an accessible name is named by its text.
 class AccessibleAnnouncement final : public QAccessibleWidget {
 public:
     explicit AccessibleAnnouncement(QWidget* widget)

@@ -9,7 +9,8 @@
 namespace torvo::app {
 
 /// Runs jobs from any thread on the thread of this object, in the order in which they were posted,
-/// each in an event of its own.
+/// each in an event of its own. It has its own lock, because ThreadSanitizer does not see those of
+/// Qt: with QMetaObject::invokeMethod() it would report every result as a race.
 class MainThreadJobs final : public QObject {
 public:
     using Job = std::function<void()>;

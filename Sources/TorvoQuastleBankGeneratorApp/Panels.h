@@ -10,8 +10,8 @@ namespace torvo::app {
 inline constexpr const char* sourceFolderTitle = "Choose a source sample folder";
 inline constexpr const char* exportFolderTitle = "Choose an export destination folder";
 
-/// What the desktop shows beside the window: above all the modal panels in which the user names a
-/// file or a folder. None means cancelled.
+/// The desktop's modal file panels and its file browser. A panel returns nothing if the user
+/// cancels it.
 class Panels {
 public:
     virtual ~Panels() = default;
@@ -24,7 +24,7 @@ public:
     /// An existing JSON document.
     virtual std::optional<FileURL> pickJSONFile() = 0;
 
-    /// Shows where the item is, without waiting for it.
+    /// Shows the item in its folder. Returns at once.
     virtual void showInFileBrowser(const FileURL& item) = 0;
 };
 

@@ -18,7 +18,7 @@ namespace torvo::app {
 
 namespace {
 
-/// Qt's own looks into every file for its type and waits for ever for some of those in /proc.
+/// Qt's own provider reads every file to find its type and blocks for ever on some files in /proc.
 class FileIcons final : public QAbstractFileIconProvider {
 public:
     QIcon icon(IconType kind) const override {
@@ -40,7 +40,7 @@ public:
     }
 };
 
-/// Qt's own panel, where the desktop has none, is too narrow for its columns.
+/// Qt's own panel, used where the desktop has none, is too narrow for its columns.
 void makeRoomForNames(QFileDialog& panel) {
     constexpr QSize roomy{880, 560};
     constexpr int minSideBarWidth = 150;
@@ -51,7 +51,7 @@ void makeRoomForNames(QFileDialog& panel) {
     panel.resize(panel.size().expandedTo(roomy));
     sideBar->setMinimumWidth(minSideBarWidth);
     files->header()->setStretchLastSection(false);
-    // As wide as the rows in sight need: measuring all of a large folder takes long.
+    // Measure only the visible rows: measuring all rows of a large folder takes long.
     files->header()->setResizeContentsPrecision(0);
     files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     files->header()->setSectionResizeMode(0, QHeaderView::Stretch);

@@ -16,7 +16,7 @@ namespace torvo::app {
 /// The desktop's file panels, modal to a window that outlives them, and its file browser.
 class QtPanels final : public Panels {
 public:
-    /// `bus` is where the file browser is: the session bus when none is given.
+    /// `bus` is the bus of the file browser, by default the session bus.
     explicit QtPanels(std::optional<QDBusConnection> bus = {}) : bus_(std::move(bus)) {}
 
     /// Panels have no parent until a window is set.
@@ -32,7 +32,7 @@ public:
 private:
     std::optional<QDBusConnection> bus_;
     QWidget* window_ = nullptr;
-    std::map<std::string, QString> starts_; ///< by title
+    std::map<std::string, QString> starts_; ///< folders by the title of the panel
 };
 
 } // namespace torvo::app

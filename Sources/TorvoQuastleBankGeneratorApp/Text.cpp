@@ -8,12 +8,12 @@ namespace {
 
 constexpr qsizetype maxToolTipLine = 90; ///< in characters
 
-/// Qt breaks no line of a tooltip, and no path anywhere: breaks one that is too long after a "/".
+/// Breaks a line that is too long after a "/". Qt does not wrap plain tooltips, and never a path.
 QString brokenLine(QString line) {
     QString broken;
     while (line.size() > maxToolTipLine) {
         qsizetype end = line.lastIndexOf(QLatin1Char('/'), maxToolTipLine - 1) + 1;
-        if (end < maxToolTipLine / 2) // a long name: a short line would not make it fit
+        if (end < maxToolTipLine / 2) // inside a long name, to avoid a short line
             end = maxToolTipLine - (line.at(maxToolTipLine - 1).isHighSurrogate() ? 1 : 0);
         broken += line.left(end) + QLatin1Char('\n');
         line.remove(0, end);

@@ -17,8 +17,8 @@ inline QString shownPath(const FileURL& url) {
     return toQString(url.shownPath());
 }
 
-/// A tooltip that shows the text as it is, long paths on several lines: Qt takes "<b>kick.txt" for
-/// markup.
+/// A tooltip that shows the text literally, with long paths on several lines. Qt would interpret
+/// "<b>kick.txt" as markup.
 QString plainToolTip(const QString& text);
 
 } // namespace torvo::app

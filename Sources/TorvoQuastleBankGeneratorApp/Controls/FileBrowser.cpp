@@ -19,7 +19,7 @@ void openFolder(const FileURL& folder) {
 } // namespace
 
 void showInFileBrowser(const FileURL& item, const QDBusConnection& bus) {
-    // Qt reports no failure of a call without a bus.
+    // Qt reports no error for a call without a bus.
     if (!bus.isConnected()) {
         openFolder(item.deletingLastPathComponent());
         return;
@@ -30,7 +30,7 @@ void showInFileBrowser(const FileURL& item, const QDBusConnection& bus) {
                                                QStringLiteral("ShowItems"));
     const QString startupId;
     call << QStringList(QString::fromStdString(item.absoluteString())) << startupId;
-    // The program may end before the browser answers.
+    // The application owns the watcher, because it may end before the browser answers.
     auto* const watcher =
         new QDBusPendingCallWatcher(bus.asyncCall(call), QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, item] {

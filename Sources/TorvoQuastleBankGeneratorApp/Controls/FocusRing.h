@@ -21,7 +21,7 @@ public:
 
 Q_SIGNALS:
     /// Emitted when the keyboard has moved the focus to this control.
-    void moved(QWidget* to);
+    void moved(QWidget* control);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -6,9 +6,9 @@ class QAction;
 
 namespace torvo::app {
 
-/// The rows of an `IgnoredItemsModel`: selected with the pointer and the keyboard, copied as lines
-/// of path, tabulator and reason. It wants no more height than it must have, and takes more where
-/// there is room to spare.
+/// Shows the rows of an `IgnoredItemsModel`. The user can select rows and copy them as lines of
+/// path, tab and reason. Its size hint is its minimum size; a layout gives it the height that is
+/// left.
 class IgnoredItemsList final : public QListView {
     Q_OBJECT
 
@@ -29,7 +29,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
-    /// The selected rows, from top to bottom.
+    /// Copies the selected rows, from top to bottom.
     void copy() const;
 };
 

@@ -9,7 +9,7 @@
 
 namespace torvo::app {
 
-/// A list of ignored items for a view. Nothing is copied: rows are read where the scan put them.
+/// A list of ignored items for a view. Reads the rows from the scan report without copying them.
 class IgnoredItemsModel final : public QAbstractListModel {
     Q_OBJECT
 
@@ -17,11 +17,11 @@ public:
     using Items = std::shared_ptr<const std::vector<IgnoredItem>>;
     enum Role { reasonRole = Qt::UserRole };
 
-    /// False when it is the list that is shown already.
+    /// Returns whether the list differs from the current one.
     bool setItems(Items items);
 
     int rowCount(const QModelIndex& parent = {}) const override;
-    /// The path; the reason; both for tooltips and screen readers.
+    /// By role the path, the reason, or both for tooltips and screen readers.
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:

@@ -9,7 +9,7 @@ QLabel* makeLabel(const QString& text, int pixelSize, MarloTheme::FontCut cut, Q
     label->setTextFormat(Qt::PlainText);
     label->setFont(MarloTheme::font(pixelSize, cut));
     label->setText(text);
-    // Or it would take its parent's role, a button's text inside a button.
+    // Otherwise it would take the role of its parent, for example that of a button's text.
     label->setForegroundRole(QPalette::WindowText);
     setTextColor(*label, color);
     return label;

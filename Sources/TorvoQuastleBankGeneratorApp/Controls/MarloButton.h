@@ -9,7 +9,7 @@ class QPainter;
 
 namespace torvo::app {
 
-/// The look of a push button.
+/// The appearance of a push button.
 struct MarloButtonStyle {
     bool prominent = false; ///< the one main action of a card
     bool enabled = true;

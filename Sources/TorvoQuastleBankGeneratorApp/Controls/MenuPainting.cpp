@@ -27,7 +27,7 @@ bool isAtPointer(const QStyleOptionMenuItem& item) {
            item.state.testFlag(QStyle::State_Enabled);
 }
 
-/// The part before or after the tabulator.
+/// The text before the tab; the shortcut follows it.
 QString label(const QStyleOptionMenuItem& item) {
     return item.text.section(QLatin1Char('\t'), 0, 0);
 }

@@ -10,7 +10,7 @@ namespace torvo::app {
 QSize menuItemSize(const QStyleOptionMenuItem& item);
 void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item);
 
-/// The title of a menu in the bar.
+/// Paints the title of a menu in the menu bar.
 void paintMenuTitle(QPainter& painter, const QStyleOptionMenuItem& title);
 
 } // namespace torvo::app

@@ -4,8 +4,8 @@
 
 namespace torvo::app {
 
-/// Lies behind a message. A failure gets a light plate: the colour of errors cannot be read on a
-/// dark one.
+/// The background of a message. It is light for a failure, because the colour of errors has too
+/// little contrast on a dark one.
 class MessagePlate final : public QWidget {
     Q_OBJECT
 

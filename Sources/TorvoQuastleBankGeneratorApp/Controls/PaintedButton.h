@@ -15,7 +15,7 @@ public:
     explicit PaintedButton(const QString& text, QWidget* parent = nullptr);
 
     QSize minimumSizeHint() const override { return sizeHint(); }
-    /// The focus ring follows it.
+    /// The focus ring is concentric with these corners.
     virtual double cornerRadius() const { return plainCornerRadius; }
 
 protected:

@@ -13,8 +13,8 @@ inline constexpr double focusRingWidth = 2;
 /// The corner radius of the focus ring around a control that paints no outline.
 inline constexpr double plainCornerRadius = 4;
 
-/// What has to be found without a text: a thumb, a track, the edge of an unticked box. Three times
-/// as bright as any background of the window, by the formula of WCAG.
+/// For parts of controls without a text: scroll handles, tracks, the edge of an unticked box. Its
+/// contrast with every background of the window is at least 3:1 (WCAG).
 inline constexpr QColor outlineColor{140, 136, 114};
 
 /// Paints the focus ring inside `rect`.

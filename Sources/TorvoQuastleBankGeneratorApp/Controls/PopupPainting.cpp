@@ -26,7 +26,7 @@ QRegion popupMask(const QRect& rect, double radius) {
     const int rows = static_cast<int>(radius);
     QRegion mask(rect.adjusted(0, rows, 0, -rows));
     for (int row = 0; row < rows; ++row) {
-        // Where the inner arc leaves the row.
+        // The arc is farthest to the left at the lower edge of the row.
         const double rise = radius - (row + 1);
         const int inset = static_cast<int>(radius - std::sqrt(radius * radius - rise * rise));
         const int width = rect.width() - 2 * inset;

@@ -17,12 +17,12 @@ inline constexpr int markSide = 16;
 
 } // namespace Popup
 
-/// The raised panel that the rows lie on. Its corners are blended with the window's own colour: on
-/// a screen whose windows cannot be translucent they would be black.
+/// Paints the panel behind the rows. Its rounded corners are blended with the window's own colour,
+/// because they would be black on a screen without translucent windows.
 void paintPopupPanel(QPainter& painter, const QRect& rect, double radius = Popup::cornerRadius);
 
-/// All pixels that the panel touches. A window that is no larger has no square corners on such a
-/// screen.
+/// All pixels that the panel covers at least in part. As the mask of a window, it removes the
+/// square corners on such a screen.
 QRegion popupMask(const QRect& rect, double radius = Popup::cornerRadius);
 
 /// Paints the highlight of the current row.

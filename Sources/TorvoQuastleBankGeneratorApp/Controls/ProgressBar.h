@@ -15,14 +15,14 @@ QRectF progressFill(const QRectF& bar, double fraction);
 /// The moving part of an indeterminate bar, `seconds` after its start.
 QRectF indeterminateFill(const QRectF& bar, double seconds);
 
-/// Where the light that runs over a bar is, `seconds` after it began: it enters on the left, leaves
-/// on the right and starts again.
+/// The light that runs over a determinate bar, `seconds` after its start: it enters on the left,
+/// leaves on the right and starts again.
 QRectF lightOnBar(const QRectF& bar, double seconds);
 
 void paintProgress(QPainter& painter, const QRectF& bar, const QRectF& fill);
 
-/// A slim bar: determinate with a range, indeterminate without (`setRange(0, 0)`). It moves as long
-/// as it is shown: a slow card can keep a value where it is for a long time.
+/// A slim bar: determinate with a range, indeterminate without (`setRange(0, 0)`). Both kinds move
+/// while they are visible, because a slow card may not change the value for a long time.
 class ProgressBar final : public QProgressBar {
     Q_OBJECT
 
