@@ -6,7 +6,9 @@
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/FileOperations.h"
+#include "Platform/Prefetch.h"
 #include "Platform/UnicodeText.h"
+#include "SourceReadAhead.h"
 #include "WriterLock.h"
 
 #include <algorithm>
@@ -87,7 +89,11 @@ public:
         const TorvoWAVMetadataWriter& metadataWriter, const ExportJob& job,
         const FileURL& deviceFolder, std::size_t conversionMemory)
         : fileManager_(fileManager),
-          preparer_(std::move(preparer)),
+          preparer_(std::make_shared<SourceReadAhead>(
+              std::move(preparer), samplesInOrder(job.recipes),
+              [folder = deviceFolder.path()](const auto& path, std::uint64_t maxSize) {
+                  return prefetch(path, folder, maxSize);
+              })),
           metadataWriter_(metadataWriter),
           job_(job),
           poolFolder_(folderIn(deviceFolder, "Pool")),
