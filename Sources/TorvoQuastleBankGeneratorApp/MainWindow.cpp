@@ -3,7 +3,7 @@
 #include "ContentView.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QMenuBar>
 #include <QScreen>
 #include <QWindow>
@@ -15,11 +15,18 @@ namespace {
 /// An estimate of the window frame, used until the window manager reports its size.
 constexpr QSize usualFrame{0, 48};
 
+constexpr int usualPanelHeight = 48;
+
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     // Without an active window, disabled buttons would show no tooltips.
     setAttribute(Qt::WA_AlwaysShowToolTips);
+}
+
+QSize MainWindow::freeArea(QSize availableSize, const QString& platform) {
+    const bool isWayland = platform.startsWith(QLatin1String("wayland"));
+    return availableSize - QSize(0, isWayland ? usualPanelHeight : 0);
 }
 
 QSize MainWindow::contentRoom(QSize freeArea) const {
@@ -28,9 +35,12 @@ QSize MainWindow::contentRoom(QSize freeArea) const {
            QSize(0, menuBar()->sizeHint().height());
 }
 
+QSize MainWindow::contentRoom() const {
+    return contentRoom(freeArea(screen()->availableSize(), QGuiApplication::platformName()));
+}
+
 void MainWindow::fitToScreen() {
-    const QSize room = contentRoom(screen()->availableSize());
-    centralWidget()->setMinimumSize(ContentView::usualMinSize.boundedTo(room));
+    centralWidget()->setMinimumSize(ContentView::usualMinSize.boundedTo(contentRoom()));
 }
 
 void MainWindow::showEvent(QShowEvent* event) {

@@ -14,8 +14,13 @@ class MainWindow final : public QMainWindow {
 public:
     explicit MainWindow(QWidget* parent = nullptr);
 
+    /// The size of the area that windows may cover, in logical pixels. Qt reports the whole screen
+    /// on Wayland, panels included; the height of a usual panel is subtracted there.
+    static QSize freeArea(QSize availableSize, const QString& platform);
     /// The size available for the content on a screen with this free area, in logical pixels.
     QSize contentRoom(QSize freeArea) const;
+    /// The same on the window's screen.
+    QSize contentRoom() const;
     /// Limits the minimum size of the content to the window's screen.
     void fitToScreen();
 

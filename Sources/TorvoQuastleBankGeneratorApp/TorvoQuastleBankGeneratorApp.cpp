@@ -116,8 +116,7 @@ void TorvoQuastleBankGeneratorApp::addHelpMenu() {
 void TorvoQuastleBankGeneratorApp::showWindow() {
     window_.fitToScreen();
     const QSize wanted = window_.sizeHint();
-    const QSize room = window_.contentRoom(window_.screen()->availableSize()) +
-                       QSize(0, window_.menuBar()->sizeHint().height());
+    const QSize room = window_.contentRoom() + QSize(0, window_.menuBar()->sizeHint().height());
     window_.resize(wanted.boundedTo(room));
     window_.show();
 }

@@ -50,12 +50,25 @@ TEST_F(AppTest, isNoHigherThanAScreenOf1080Lines) {
 
 TEST_F(AppTest, hasTheMinimumSizeOfItsContentOrTheScreen) {
     const auto& window = static_cast<MainWindow&>(app.window());
-    const QSize room = window.contentRoom(window.screen()->availableSize());
+    const QSize room = window.contentRoom();
+    EXPECT_EQ(room, window.contentRoom(window.screen()->availableSize()));
     EXPECT_EQ(window.centralWidget()->minimumSize(), QSize(880, 760).boundedTo(room));
     EXPECT_LE(window.height(), window.screen()->availableSize().height());
     // Less the window frame and the menu bar.
     EXPECT_LT(window.contentRoom({1366, 768}).height(), 768);
     EXPECT_LE(window.contentRoom({1366, 768}).width(), 1366);
+}
+
+// Qt reports the whole screen on Wayland: the message strip was under the panel of a small one.
+TEST_F(AppTest, leavesRoomForAPanelThatTheDesktopDoesNotReport) {
+    const QSize screen(1366, 768);
+    EXPECT_EQ(MainWindow::freeArea(screen, QStringLiteral("xcb")), screen);
+    for (const char* platform : {"wayland", "wayland-egl"}) {
+        const QSize free = MainWindow::freeArea(screen, QString::fromLatin1(platform));
+        EXPECT_EQ(free.width(), screen.width());
+        EXPECT_LE(free.height(), screen.height() - 40);
+        EXPECT_GE(free.height(), screen.height() - 60);
+    }
 }
 
 TEST_F(AppTest, takesDropsOnTheMenuBarToo) {
