@@ -179,11 +179,11 @@ TEST_F(ChannelsCardTest, highlightsWhatPreventsARun) {
                 return true;
         return false;
     };
-    row.setCount(0, CountRow::Standing::blocking);
+    row.setCount(0, CountRow::Standing::blocking, 1);
     EXPECT_TRUE(hasBadge());
     for (const auto standing :
          {CountRow::Standing::enough, CountRow::Standing::filledIn, CountRow::Standing::absent}) {
-        row.setCount(0, standing);
+        row.setCount(0, standing, 1);
         EXPECT_FALSE(hasBadge());
     }
 }
@@ -215,12 +215,18 @@ TEST_F(ChannelsCardTest, showsWhatIsMissingAndWhatPercussionReplaces) {
     EXPECT_EQ(standings()["CH2"], Standing::absent);
     EXPECT_EQ(standings()["CH6-8"], Standing::blocking);
     EXPECT_FALSE(label(note));
+    EXPECT_TRUE(shows("at least 1 needed")); // kick
+    EXPECT_TRUE(shows("at least 3 needed"));
+    EXPECT_EQ(showing<CountRow>()[5]->accessibleName(),
+              QStringLiteral("CH6-8 PERC 2, at least 3 needed"));
     model.setGenerationMode(GenerationMode::loops);
     waitForWork();
     scan(loops("Few", 7));
     EXPECT_EQ(standings()["LOOPS"], Standing::blocking);
+    EXPECT_TRUE(shows("at least 8 needed"));
     scan(loops("Enough", 8));
     EXPECT_EQ(standings()["LOOPS"], Standing::enough);
+    EXPECT_FALSE(shows("at least 8 needed"));
 }
 
 TEST_F(ChannelsCardTest, digitsStayAlignedWithABadge) {
@@ -230,7 +236,7 @@ TEST_F(ChannelsCardTest, digitsStayAlignedWithABadge) {
     std::set<int> rightEdges;
     for (const auto standing : {CountRow::Standing::enough, CountRow::Standing::filledIn,
                                 CountRow::Standing::absent, CountRow::Standing::blocking}) {
-        row.setCount(0, standing);
+        row.setCount(0, standing, 1);
         settle();
         for (const auto* label : row.findChildren<QLabel*>())
             if (label->text() == QLatin1String("0"))
@@ -289,7 +295,7 @@ TEST_F(ChannelsCardTest, anOpenListTakesSurplusHeight) {
 }
 
 TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {
-    int samples = 1;
+    int samples = 3; // as much percussion as is needed
     for (const std::string role : {"Percussion", "Snare", "Open Hat", "Closed Hat", "Clap", "Kick"})
         loops("Kit A/" + role, samples++);
     scan(FileURL::directory(folder / "Kit A"));
@@ -311,8 +317,8 @@ TEST_F(ChannelsCardTest, countsDrumsInTheDevicesOrder) {
                   texts[texts.size() - 2] + " " + texts.back());
     }
     EXPECT_EQ(texts,
-              (std::vector<std::string>{"CH1 KICK", "6", "CH2 CLAP", "5", "CH3 CLOSED HAT", "4",
-                                        "CH4 OPEN HAT", "3", "CH5 SNARE", "2", "CH6-8 PERC", "1"}));
+              (std::vector<std::string>{"CH1 KICK", "8", "CH2 CLAP", "7", "CH3 CLOSED HAT", "6",
+                                        "CH4 OPEN HAT", "5", "CH5 SNARE", "4", "CH6-8 PERC", "3"}));
     EXPECT_TRUE(shows("CHANNELS"));
 }
 

@@ -40,11 +40,12 @@ CountRow::CountRow(const QString& label, QWidget* parent)
     row->addWidget(count_);
 }
 
-void CountRow::setCount(qsizetype count, Standing standing) {
+void CountRow::setCount(qsizetype count, Standing standing, qsizetype minCount) {
     standing_ = standing;
     count_->setText(QString::number(count));
-    note_->setText(standing == Standing::filledIn ? tr("percussion plays on this channel")
-                                                  : QString());
+    note_->setText(standing == Standing::filledIn   ? tr("percussion plays on this channel")
+                   : standing == Standing::blocking ? tr("at least %1 needed").arg(minCount)
+                                                    : QString());
     const bool isFaint = standing == Standing::filledIn || standing == Standing::absent;
     setTextColor(*count_, isFaint ? MarloTheme::muted : MarloTheme::ink);
     QString name = label_ + QLatin1Char(' ') + count_->text();

@@ -18,14 +18,15 @@ public:
         enough,
         filledIn, ///< percussion plays instead; shown as an outline and a note
         absent,   ///< percussion would play instead, but there is too little of it
-        blocking, ///< no bank can be generated; shown as a red badge
+        blocking, ///< no bank can be generated; shown as a red badge and a note
     };
 
     static constexpr int height = 26;
 
     explicit CountRow(const QString& label, QWidget* parent = nullptr);
 
-    void setCount(qsizetype count, Standing standing);
+    /// `minCount` is shown when there are too few.
+    void setCount(qsizetype count, Standing standing, qsizetype minCount);
     Standing standing() const { return standing_; }
 
 protected:

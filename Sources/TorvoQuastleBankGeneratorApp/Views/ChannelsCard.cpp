@@ -41,12 +41,15 @@ constexpr int countsGap = 4;
 constexpr int platePadding = 12;
 constexpr int plateMargin = 6; ///< above and below a message, with and without its plate
 
+// What `canGenerate` requires.
+constexpr qsizetype minKicks = 1;
+constexpr qsizetype minPercussion = 3;
+constexpr qsizetype minUniform = 8;
+
 using Standing = CountRow::Standing;
 
 /// Percussion replaces missing samples of every kind except the kick.
 Standing standing(const RoleBuckets& buckets, ChannelRole role) {
-    // The minimum that `canGenerate` requires.
-    constexpr std::ptrdiff_t minPercussion = 3;
     const bool hasPercussion = std::ssize(buckets.perc) >= minPercussion;
     if (role == ChannelRole::perc)
         return hasPercussion ? Standing::enough : Standing::blocking;
@@ -221,14 +224,15 @@ void ChannelsCard::showCounts(const ScanReport& report) {
     QStringList names;
     for (std::size_t index = 0; index < roleRows_.size(); ++index) {
         const ChannelRole role = orderedRoles[index].first;
-        roleRows_[index]->setCount(std::ssize(buckets.samples(role)), standing(buckets, role));
+        roleRows_[index]->setCount(std::ssize(buckets.samples(role)), standing(buckets, role),
+                                   role == ChannelRole::kick ? minKicks : minPercussion);
         names.append(roleRows_[index]->accessibleName());
     }
     roleCounts_->setAccessibleName(names.join(QStringLiteral(", ")));
     const auto uniform =
         BankGenerator{}.canGenerate(buckets, report.mode) ? Standing::enough : Standing::blocking;
-    loopCount_->setCount(std::ssize(buckets.loop), uniform);
-    stabCount_->setCount(std::ssize(buckets.stab), uniform);
+    loopCount_->setCount(std::ssize(buckets.loop), uniform, minUniform);
+    stabCount_->setCount(std::ssize(buckets.stab), uniform, minUniform);
 }
 
 bool ChannelsCard::event(QEvent* event) {
