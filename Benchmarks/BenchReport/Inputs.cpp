@@ -56,6 +56,30 @@ void makeWavFiles(const fs::path& folder, std::size_t count, std::size_t minFram
         write(folder / placeOf(i, ".wav"), drumSample(i, minFrames, spread));
 }
 
+void makeFullFolders(const fs::path& folder, std::size_t count) {
+    constexpr std::size_t filesPerFolder = 1000;
+    constexpr std::size_t foldersPerOriginal = 50; // ext4 allows 65,000 links to a file
+    constexpr std::array<std::string_view, 5> names{"Kicks", "Snares", "Claps", "Hats",
+                                                    "Closed Hats"};
+    const auto originals = folder.parent_path() / (folder.filename().string() + " originals");
+    std::size_t index = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto original = originals / (std::to_string(i / foldersPerOriginal) + ".wav");
+        if (i % foldersPerOriginal == 0)
+            write(original, drumSample(i / foldersPerOriginal, 700, 300));
+        const auto place =
+            folder / (std::string(names.at(i % names.size())) + " " + std::to_string(i + 1));
+        fs::create_directories(place);
+        for (std::size_t j = 0; j < filesPerFolder; ++j, ++index) {
+            std::string name = "drumsampleaaaaa";
+            for (std::size_t rest = index, at = name.size(); rest > 0; rest /= 26)
+                name.at(--at) = static_cast<char>('a' + rest % 26);
+            fs::create_hard_link(original, place / (name + ".wav"));
+        }
+    }
+    fs::remove_all(originals);
+}
+
 void makeCompatibleFiles(const fs::path& folder, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
         write(folder / placeOf(i, ".wav"), drumSample(i, 20'000, 40'000, 44100));
@@ -141,6 +165,10 @@ fs::path Inputs::wavLibrary() const {
 fs::path Inputs::smallLibrary() const {
     return made("Collection",
                 [&](const auto& to) { makeWavFiles(to, sizes_.smallWavFiles, 700, 300); });
+}
+
+fs::path Inputs::hugeLibrary() const {
+    return made("Huge", [&](const auto& to) { makeFullFolders(to, sizes_.fullFolders); });
 }
 
 fs::path Inputs::compatibleLibrary() const {

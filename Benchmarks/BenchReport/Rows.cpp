@@ -301,9 +301,12 @@ std::vector<Row> memory(const Bench& bench) {
                       exported(bench, bench.inputs.loops(), "loops", out).peakMemory, 256),
             memoryRow("the same of eight times as many loops, memory",
                       exported(bench, bench.inputs.manyLoops(), "loops", out).peakMemory, 256),
-            // Last, since it has the largest output.
             memoryRow(smallFileCount(bench) + ", memory",
-                      scanned(bench, bench.inputs.smallLibrary(), "drums").peakMemory, 150)};
+                      scanned(bench, bench.inputs.smallLibrary(), "drums").peakMemory, 150),
+            // Last, since it has the largest output.
+            memoryRow("scan of " + std::to_string(bench.sizes.fullFolders) +
+                          " folders of 1000 files, memory",
+                      scanned(bench, bench.inputs.hugeLibrary(), "drums").peakMemory, 300)};
 }
 
 std::vector<Row> stampFolder(const Bench& bench) {

@@ -155,7 +155,9 @@ public:
     }
 
 private:
-    static constexpr std::size_t blockSize = 64;
+    // Large enough for the system to take back the memory of a block as soon as it is freed; of a
+    // block that is not full it has only lent what is used.
+    static constexpr std::size_t blockSize = 4096;
 
     void inspect(ClassifiedFile& file) const {
         try {
@@ -173,6 +175,17 @@ private:
     std::list<std::vector<ClassifiedFile>> blocks_;
     IOThreadPool pool_; // ends its tasks before the elements are destroyed
 };
+
+/// Makes room for the files that could be read.
+void reserveSamples(RoleBuckets& buckets, const std::list<std::vector<ClassifiedFile>>& blocks) {
+    std::map<ChannelRole, std::size_t> counts;
+    for (const auto& block : blocks) {
+        for (const auto& file : block)
+            counts[file.role] += file.format ? 1U : 0U;
+    }
+    for (const auto& [role, count] : counts)
+        buckets.samples(role).reserve(count);
+}
 
 /// Classifies items by their names and passes files with a role to the inspection.
 class NamePass {
@@ -265,8 +278,11 @@ ScanReport SampleScanner::scan(const FileURL& sourceFolder, GenerationMode mode)
         throw unreadable();
 
     ScanReport report{mode, root, {}, {}, {}};
-    for (auto& block : inspection.finish()) {
-        for (auto& [url, role, mayBeOpened, position, format] : block) {
+    auto blocks = inspection.finish();
+    reserveSamples(report.buckets, blocks);
+    // A library may have a million files: each block is freed before the next one is moved.
+    for (; !blocks.empty(); blocks.pop_front()) {
+        for (auto& [url, role, mayBeOpened, position, format] : blocks.front()) {
             if (!format) {
                 names.ignore(url, unsupportedReason, position);
                 continue;
