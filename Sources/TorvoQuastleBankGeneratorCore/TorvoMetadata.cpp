@@ -25,7 +25,6 @@ namespace {
 
 constexpr std::size_t payloadSize = 1936;
 constexpr std::uint32_t payloadSignature = 0x12345677;
-constexpr std::size_t chunkHeaderSize = 8;
 
 using Payload = std::vector<std::byte>; ///< `payloadSize` bytes
 
@@ -147,10 +146,10 @@ struct Edit {
 };
 
 std::vector<std::byte> makeBusyChunk(const Payload& payload) {
-    std::vector<std::byte> chunk(chunkHeaderSize + payload.size());
+    std::vector<std::byte> chunk(RiffChunk::headerSize + payload.size());
     std::ranges::copy(std::as_bytes(std::span(std::string_view("busy"))), chunk.begin());
     writeUInt32(wordAt(chunk, 4), static_cast<std::uint32_t>(payload.size()));
-    std::ranges::copy(payload, chunk.begin() + chunkHeaderSize);
+    std::ranges::copy(payload, chunk.begin() + RiffChunk::headerSize);
     return chunk;
 }
 

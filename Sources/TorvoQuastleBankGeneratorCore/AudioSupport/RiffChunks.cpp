@@ -6,7 +6,6 @@ namespace torvo {
 
 namespace {
 
-constexpr std::size_t chunkHeaderSize = 8;
 constexpr std::size_t formHeaderSize = 12;
 
 bool matchesText(std::span<const std::byte> bytes, std::string_view text) {
@@ -47,7 +46,7 @@ std::size_t FileByteSource::read(std::uint64_t offset, std::span<std::byte> byte
 }
 
 std::optional<RiffChunk> RiffChunkWalk::next() {
-    std::array<std::byte, chunkHeaderSize> header;
+    std::array<std::byte, RiffChunk::headerSize> header;
     if (position_ > bytes_.size() || bytes_.size() - position_ < header.size() ||
         bytes_.read(position_, header) < header.size())
         return std::nullopt;

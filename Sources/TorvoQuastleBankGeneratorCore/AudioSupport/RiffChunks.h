@@ -51,11 +51,13 @@ enum class ByteOrder { little, big };
 /// One chunk of a RIFF file (Microsoft/IBM, RIFF, 1991): a four-character id, a 32-bit size, the
 /// payload, and a pad byte when the size is odd.
 struct RiffChunk {
+    static constexpr std::size_t headerSize = 8;
+
     std::array<char, 4> id{};
     std::uint64_t headerOffset = 0;
     std::uint32_t payloadSize = 0; ///< bytes as declared; may run past the end of the file
 
-    std::uint64_t payloadOffset() const { return headerOffset + 8; }
+    std::uint64_t payloadOffset() const { return headerOffset + headerSize; }
     /// The end of the payload, excluding the pad byte.
     std::uint64_t payloadEnd() const { return payloadOffset() + payloadSize; }
     bool is(std::string_view wanted) const {
