@@ -189,10 +189,6 @@ TEST_F(FileReplacementsTest, removesWhatIsNotCommitted) {
     EXPECT_EQ(Volume::temporaries(folder.path()), 0U);
 }
 
-std::vector<std::byte> smallWav() {
-    return riffFile({riffChunk("data", bytes("0123"))});
-}
-
 TEST_F(FileReplacementsTest, aFailedStampKeepsTheStampsBeforeIt) {
     for (const char* name : {"1/a.wav", "1/b.wav", "1/d.wav"})
         folder.write(name, smallWav());

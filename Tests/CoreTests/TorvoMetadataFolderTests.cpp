@@ -27,10 +27,6 @@ using Bytes = std::vector<std::byte>;
 
 const TorvoMetadataOptions plain;
 
-Bytes smallWav() {
-    return riffFile({riffChunk("data", bytes("0123"))});
-}
-
 Bytes stampedWav(unsigned channelIndex) {
     auto file = smallWav();
     append(file,

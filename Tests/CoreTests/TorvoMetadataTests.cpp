@@ -58,7 +58,7 @@ Bytes lastBytes(const Bytes& file, std::size_t count) {
 }
 
 /// A WAV file of 10 data bytes.
-Bytes smallWav() {
+Bytes tenByteWav() {
     return riffFile({riffChunk("fmt ", Bytes(16)), riffChunk("data", bytes("0123456789"))});
 }
 
@@ -74,7 +74,7 @@ Bytes busyChunk(const Bytes& payload) {
 }
 
 TEST(TorvoMetadata, appendsOneChunkWithoutChangingTheRIFFSize) {
-    const auto original = smallWav();
+    const auto original = tenByteWav();
     // Intended: the size at offset 4 does not change although the file grows.
     const auto expected =
         joined({original, bytes("busy"), Bytes{std::byte{0x90}, std::byte{0x07}, {}, {}},
@@ -99,7 +99,7 @@ TEST(TorvoMetadata, writesEveryRateFilterAndBitDepth) {
         unsigned filterCode = 0;
         for (const auto filter : allTorvoFilterTypes) {
             for (const unsigned bits : {1U, 8U, 16U}) {
-                auto file = smallWav();
+                auto file = tenByteWav();
                 TorvoWAVMetadataWriter().updateBusyChunk(file, {bits, rate, filter, false, {}}, 1);
                 const auto expected = freshBusyPayload(
                     {.dataSize = 10, .bits = bits, .rateByte = rateByte, .filterCode = filterCode});
@@ -116,7 +116,7 @@ TEST(TorvoMetadata, writesADecodedBitDepthUnchanged) {
     for (const unsigned bits : {0U, 17U, 255U}) {
         TorvoMetadataOptions options;
         options.bits = bits;
-        auto file = smallWav();
+        auto file = tenByteWav();
         TorvoWAVMetadataWriter().updateBusyChunk(file, options, 1);
         const auto expected = freshBusyPayload({.dataSize = 10, .bits = bits});
         EXPECT_EQ(differences(lastBytes(file, 1936), expected), std::vector<std::size_t>{}) << bits;
@@ -144,7 +144,7 @@ TEST(TorvoMetadata, writesTheChannelIndex) {
                         {INT64_MAX, 7},
                         {INT64_MIN, 0}};
     for (const auto& row : rows) {
-        EXPECT_EQ(differences(lastBytes(stamped(smallWav(), plain, row.channel), 1936),
+        EXPECT_EQ(differences(lastBytes(stamped(tenByteWav(), plain, row.channel), 1936),
                               freshBusyPayload({.dataSize = 10, .channelIndex = row.index})),
                   std::vector<std::size_t>{})
             << row.channel.value_or(-1);
@@ -158,19 +158,19 @@ TEST(TorvoMetadata, routesCVOnTheAssignedChannelsOnly) {
         const ExpectedStamp expected{.dataSize = 10,
                                      .channelIndex = static_cast<unsigned>(channel - 1),
                                      .routesCV = channel == 2 || channel == 8};
-        EXPECT_EQ(differences(lastBytes(stamped(smallWav(), someCV, channel), 1936),
+        EXPECT_EQ(differences(lastBytes(stamped(tenByteWav(), someCV, channel), 1936),
                               freshBusyPayload(expected)),
                   std::vector<std::size_t>{})
             << channel;
     }
-    EXPECT_EQ(differences(lastBytes(stamped(smallWav(), withCV, std::nullopt), 1936),
+    EXPECT_EQ(differences(lastBytes(stamped(tenByteWav(), withCV, std::nullopt), 1936),
                           freshBusyPayload({.dataSize = 10})),
               std::vector<std::size_t>{})
         << "no channel, no routing";
 }
 
 TEST(TorvoMetadata, changesOnlyTheSettingsOnASecondStamp) {
-    const auto first = stamped(smallWav(), plain, 3);
+    const auto first = stamped(tenByteWav(), plain, 3);
     const TorvoMetadataOptions other(8, TorvoPlaybackRate::rate22, TorvoFilterType::highPass, false,
                                      {});
     const auto second = stamped(first, other, 5);
@@ -183,7 +183,7 @@ TEST(TorvoMetadata, changesOnlyTheSettingsOnASecondStamp) {
 
 TEST(TorvoMetadata, keepsTheRoutingUntilALaterOneApplies) {
     // Intended: disabling the routing does not clear the routing stored in a file.
-    const auto routed = stamped(smallWav(), withCV, 2);
+    const auto routed = stamped(tenByteWav(), withCV, 2);
     EXPECT_EQ(stamped(routed, plain, 2), routed);
 }
 
@@ -295,17 +295,17 @@ TEST(TorvoMetadata, stopsSearchingAtATruncatedChunk) {
     for (const std::uint32_t size : {1945U, 0x7FFFFFFFU, 0xFFFFFFF7U, 0xFFFFFFFFU}) {
         // A busy chunk after the truncated one is not found; a new one is appended.
         const auto file = joined(
-            {smallWav(), chunkOf("LIST", size), busyChunk(freshBusyPayload({.dataSize = 10}))});
+            {tenByteWav(), chunkOf("LIST", size), busyChunk(freshBusyPayload({.dataSize = 10}))});
         EXPECT_EQ(stamped(file), joined({file, busyChunk(freshBusyPayload({.dataSize = 10}))}))
             << size;
     }
     for (std::size_t stray = 1; stray < 8; ++stray) {
-        const auto file = joined({smallWav(), Bytes(stray, std::byte{'b'})});
+        const auto file = joined({tenByteWav(), Bytes(stray, std::byte{'b'})});
         EXPECT_EQ(stamped(file), joined({file, busyChunk(freshBusyPayload({.dataSize = 10}))}))
             << stray << " stray bytes";
     }
     // A busy chunk that itself extends past the end.
-    const auto file = joined({smallWav(), chunkOf("busy", 1936), Bytes(1935)});
+    const auto file = joined({tenByteWav(), chunkOf("busy", 1936), Bytes(1935)});
     EXPECT_EQ(stamped(file), joined({file, busyChunk(freshBusyPayload({.dataSize = 10}))}));
 }
 
@@ -360,7 +360,7 @@ TEST(TorvoMetadata, refusesOtherFilesAndLeavesThemUnchanged) {
 }
 
 TEST(TorvoMetadataDeathTest, abortsOnABitDepthThatDoesNotFitAByte) {
-    auto file = smallWav();
+    auto file = tenByteWav();
     for (const std::int64_t bits : {std::int64_t{-1}, std::int64_t{256}}) {
         TorvoMetadataOptions options;
         options.bits = bits;

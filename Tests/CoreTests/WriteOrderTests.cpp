@@ -30,10 +30,6 @@ const std::vector<std::string> writing{
     "removeItem",        "copyItem",    "createDirectory", "flushDirectory",
     "flushVolume",       "open create", "status"};
 
-std::vector<std::byte> smallWav() {
-    return riffFile({riffChunk("data", bytes("0123"))});
-}
-
 /// A file system of which it is known or unknown whether a flush of the volume covers its files.
 class KnownFileManager final : public ForwardingFileManager {
 public:

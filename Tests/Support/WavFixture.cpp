@@ -1,5 +1,7 @@
 #include "WavFixture.h"
 
+#include "TemporaryFolder.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -70,6 +72,10 @@ std::vector<std::byte> wavFile(const WavFormat& format, std::size_t frameCount) 
         samples[i] =
             0.5 * std::sin(static_cast<double>(i) * 0.0371 + 1.0 / (1.0 + static_cast<double>(i)));
     return wavFile(format, samples);
+}
+
+std::vector<std::byte> smallWav() {
+    return riffFile({riffChunk("data", bytes("0123"))});
 }
 
 } // namespace torvo::test

@@ -33,4 +33,7 @@ std::vector<std::byte> riffFile(const std::vector<std::vector<std::byte>>& chunk
 /// Id, size, payload and the pad byte of an odd one.
 std::vector<std::byte> riffChunk(std::string_view id, std::span<const std::byte> payload);
 
+/// A file with the chunk "data" alone, of four bytes. It can be stamped.
+std::vector<std::byte> smallWav();
+
 } // namespace torvo::test
