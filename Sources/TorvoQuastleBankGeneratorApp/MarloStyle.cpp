@@ -40,10 +40,6 @@ constexpr int scrollHandleLength = 32;
 constexpr int listFrameWidth = 4;
 constexpr int toolTipPadding = 5;
 
-bool has(const QStyleOption& option, QStyle::StateFlag flag) {
-    return option.state.testFlag(flag);
-}
-
 /// The corner radius of a control, for its frame and focus ring.
 double cornerRadius(const QWidget* widget) {
     if (const auto* button = qobject_cast<const PaintedButton*>(widget))
@@ -70,9 +66,9 @@ void endHover(QWidget& box) {
 
 void paintCheckIndicator(QPainter& painter, const QStyleOption& option) {
     const QRectF box = option.rect;
-    const bool checked = has(option, QStyle::State_On);
-    const bool hovered = has(option, QStyle::State_MouseOver);
-    const double strength = has(option, QStyle::State_Sunken) ? 0.82 : 1.0;
+    const bool checked = hasState(option, QStyle::State_On);
+    const bool hovered = hasState(option, QStyle::State_MouseOver);
+    const double strength = hasState(option, QStyle::State_Sunken) ? 0.82 : 1.0;
     paintRoundedRect(painter, box, 5,
                      withOpacity(checked ? MarloTheme::accent : MarloTheme::panelRaised, strength),
                      hovered   ? MarloTheme::muted
@@ -88,8 +84,9 @@ void paintCheckIndicator(QPainter& painter, const QStyleOption& option) {
 
 void paintCombo(QPainter& painter, const QStyleOption& option) {
     paintRoundedRect(painter, option.rect, fieldRadius, MarloTheme::panelRaised,
-                     has(option, QStyle::State_MouseOver) ? withOpacity(MarloTheme::accent, 0.6)
-                                                          : MarloTheme::line);
+                     hasState(option, QStyle::State_MouseOver)
+                         ? withOpacity(MarloTheme::accent, 0.6)
+                         : MarloTheme::line);
     const QPointF center(option.rect.right() - comboArrowWidth / 2.0 + 1,
                          QRectF(option.rect).center().y());
     painter.setPen(QPen(MarloTheme::muted, 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
@@ -120,7 +117,8 @@ QRect scrollHandle(const QStyleOptionSlider& bar) {
 void paintScrollBar(QPainter& painter, const QStyleOptionSlider& bar) {
     if (bar.maximum <= bar.minimum)
         return;
-    const bool active = has(bar, QStyle::State_MouseOver) || has(bar, QStyle::State_Sunken);
+    const bool active =
+        hasState(bar, QStyle::State_MouseOver) || hasState(bar, QStyle::State_Sunken);
     const QRectF handle = QRectF(scrollHandle(bar)).adjusted(3, 3, -3, -3);
     const double radius = std::min(handle.width(), handle.height()) / 2;
     painter.setRenderHint(QPainter::Antialiasing);
@@ -247,8 +245,8 @@ void MarloStyle::drawControl(ControlElement element, const QStyleOption* option,
         if (const auto* title = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             paintMenuTitle(*painter, *title);
             // The selected menu title, until its menu opens.
-            if (widget && widget->hasFocus() && has(*option, State_Selected) &&
-                !has(*option, State_Sunken))
+            if (widget && widget->hasFocus() && hasState(*option, State_Selected) &&
+                !hasState(*option, State_Sunken))
                 paintFocusRing(*painter, option->rect, plainCornerRadius);
             return;
         }

@@ -15,10 +15,6 @@ namespace {
 constexpr int minButtonWidth = 96;
 constexpr double toolButtonRadius = 6;
 
-bool has(const QStyleOption& option, QStyle::StateFlag flag) {
-    return option.state.testFlag(flag);
-}
-
 /// The program's buttons have no mnemonics.
 QString label(const QStyleOptionButton& button) {
     return QString(button.text).remove(QLatin1Char('&'));
@@ -29,9 +25,9 @@ QString label(const QStyleOptionButton& button) {
 void paintPushButton(QPainter& painter, const QStyleOptionButton& button) {
     const MarloButtonStyle style{.prominent =
                                      button.features.testFlag(QStyleOptionButton::DefaultButton),
-                                 .enabled = has(button, QStyle::State_Enabled),
-                                 .pressed = has(button, QStyle::State_Sunken),
-                                 .hovered = has(button, QStyle::State_MouseOver)};
+                                 .enabled = hasState(button, QStyle::State_Enabled),
+                                 .pressed = hasState(button, QStyle::State_Sunken),
+                                 .hovered = hasState(button, QStyle::State_MouseOver)};
     style.paint(painter, button.rect, label(button));
 }
 
@@ -46,7 +42,7 @@ void paintField(QPainter& painter, const QStyleOptionFrame& field) {
         return;
     }
     paintRoundedRect(painter, field.rect, fieldRadius, MarloTheme::panel,
-                     has(field, QStyle::State_HasFocus) ? MarloTheme::muted : outlineColor);
+                     hasState(field, QStyle::State_HasFocus) ? MarloTheme::muted : outlineColor);
 }
 
 void paintColumnHead(QPainter& painter, const QStyleOption& head) {
@@ -56,11 +52,11 @@ void paintColumnHead(QPainter& painter, const QStyleOption& head) {
 }
 
 void paintToolButton(QPainter& painter, const QStyleOption& button) {
-    const bool on = has(button, QStyle::State_On) || has(button, QStyle::State_Sunken);
+    const bool on = hasState(button, QStyle::State_On) || hasState(button, QStyle::State_Sunken);
     if (on)
         paintRoundedRect(painter, button.rect, toolButtonRadius, MarloTheme::panelRaised,
                          MarloTheme::line);
-    else if (has(button, QStyle::State_MouseOver) && has(button, QStyle::State_Enabled))
+    else if (hasState(button, QStyle::State_MouseOver) && hasState(button, QStyle::State_Enabled))
         paintRoundedRect(painter, button.rect, toolButtonRadius, MarloTheme::panel,
                          MarloTheme::line);
 }

@@ -4,10 +4,15 @@
 
 #include <QPaintDevice>
 #include <QPixmap>
+#include <QStyleOption>
 
 #include <cmath>
 
 namespace torvo::app {
+
+bool hasState(const QStyleOption& option, QStyle::StateFlag flag) {
+    return option.state.testFlag(flag);
+}
 
 void paintRoundedRect(QPainter& painter, const QRectF& rect, double radius, const QColor& fill,
                       const QColor& border) {

@@ -3,8 +3,11 @@
 #include <QColor>
 #include <QPainter>
 #include <QRectF>
+#include <QStyle>
 
 #include <functional>
+
+class QStyleOption;
 
 namespace torvo::app {
 
@@ -16,6 +19,8 @@ inline constexpr double plainCornerRadius = 4;
 /// For parts of controls without a text: scroll handles, tracks, the edge of an unticked box. Its
 /// contrast with every background of the window is at least 3:1 (WCAG).
 inline constexpr QColor outlineColor{140, 136, 114};
+
+bool hasState(const QStyleOption& option, QStyle::StateFlag flag);
 
 /// Paints the focus ring inside `rect`.
 void paintFocusRing(QPainter& painter, const QRectF& rect, double radius);
