@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <ostream>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -27,9 +29,14 @@ constexpr Row rows[] = {
     {"wmav1", 32000, 1, 1024}, {"wmav1", 44100, 1, 2048},
 };
 
-std::string nameOf(const Row& row) {
-    return std::string(row.codec) + " at " + std::to_string(row.sampleRate) + " Hz, " +
-           std::to_string(row.channels) + " channels";
+std::string testName(const testing::TestParamInfo<Row>& row) {
+    return std::string(row.param.codec) + "_" + std::to_string(row.param.sampleRate) + "Hz_" +
+           std::to_string(row.param.channels) + "ch";
+}
+
+std::ostream& operator<<(std::ostream& stream, const Row& row) {
+    return stream << row.codec << " at " << row.sampleRate << " Hz, " << row.channels
+                  << " channels";
 }
 
 /// Faded at both ends: a discontinuity would fill the highest coefficients.
@@ -57,32 +64,34 @@ WindowsMediaStream encoded(const TemporaryFolder& folder, const Row& row,
     return windowsMediaInWav(bytesOf(folder / "stream.wav"));
 }
 
-TEST(WindowsMedia, hasADelayOfOneCodecFrameForAnyPacking) {
+class WindowsMediaRow : public testing::TestWithParam<Row> {};
+
+TEST_P(WindowsMediaRow, hasADelayOfOneCodecFrameForAnyPacking) {
+    const Row& row = GetParam();
     const TemporaryFolder folder;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(nameOf(row));
-        // An odd length: the last packet is not full in any packing.
-        const auto signal = smoothSignal(std::size_t{41} * row.samplesInFrame + 77);
-        const auto stream = encoded(folder, row, signal);
-        const auto plain = decodedFrames(folder.write("plain.wma", asfFile(stream)));
-        ASSERT_GE(plain.size(), signal.size());
-        EXPECT_EQ(plain.size(), row.samplesInFrame * stream.packets.size());
-        const auto source = normalized(signal);
-        EXPECT_EQ(bestLag(source, plain), 0);
-        EXPECT_GE(decibelsBetween(source, plain), 25);
-        EXPECT_GE(decibelsBetween(std::span(source).first(200), plain), 25);
-        // Two, five and eight frames end in the first packet.
-        for (const double framesInPacket : {2.4, 5.6, 8.3}) {
-            SCOPED_TRACE(framesInPacket);
-            const auto packed = withBitReservoir(stream, framesInPacket, row.samplesInFrame);
-            ASSERT_LT(packed.packets.size(), stream.packets.size() / 2);
-            const auto frames = decodedFrames(folder.write("packed.wma", asfFile(packed)));
-            EXPECT_EQ(frames.size(), plain.size());
-            EXPECT_EQ(bestLag(normalized(signal), frames), 0);
-            EXPECT_TRUE(frames == plain);
-        }
+    // An odd length: the last packet is not full in any packing.
+    const auto signal = smoothSignal(std::size_t{41} * row.samplesInFrame + 77);
+    const auto stream = encoded(folder, row, signal);
+    const auto plain = decodedFrames(folder.write("plain.wma", asfFile(stream)));
+    ASSERT_GE(plain.size(), signal.size());
+    EXPECT_EQ(plain.size(), row.samplesInFrame * stream.packets.size());
+    const auto source = normalized(signal);
+    EXPECT_EQ(bestLag(source, plain), 0);
+    EXPECT_GE(decibelsBetween(source, plain), 25);
+    EXPECT_GE(decibelsBetween(std::span(source).first(200), plain), 25);
+    // Two, five and eight frames end in the first packet.
+    for (const double framesInPacket : {2.4, 5.6, 8.3}) {
+        SCOPED_TRACE(framesInPacket);
+        const auto packed = withBitReservoir(stream, framesInPacket, row.samplesInFrame);
+        ASSERT_LT(packed.packets.size(), stream.packets.size() / 2);
+        const auto frames = decodedFrames(folder.write("packed.wma", asfFile(packed)));
+        EXPECT_EQ(frames.size(), plain.size());
+        EXPECT_EQ(bestLag(source, frames), 0);
+        EXPECT_TRUE(frames == plain);
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Versions, WindowsMediaRow, testing::ValuesIn(rows), testName);
 
 TEST(WindowsMedia, keepsTheAudioOfAFileShorterThanOneFrame) {
     const TemporaryFolder folder;
