@@ -82,6 +82,17 @@ std::vector<const SampleCandidate*> samplesInOrder(const std::vector<BankRecipe>
     return samples;
 }
 
+/// Reads the samples ahead where they are on another volume than the banks. On the same one, a copy
+/// may share its blocks and read nothing, and a disk cannot read while it writes.
+std::shared_ptr<const AudioFilePreparing>
+readingAhead(std::shared_ptr<const AudioFilePreparing> preparer, const ExportJob& job,
+             const FileURL& deviceFolder) {
+    if (!areOnTwoVolumes(job.sourceFolder.path(), deviceFolder.path()))
+        return preparer;
+    return std::make_shared<SourceReadAhead>(std::move(preparer), samplesInOrder(job.recipes),
+                                             prefetch);
+}
+
 /// Writes the banks of one export and counts the files.
 class Run {
 public:
@@ -89,11 +100,7 @@ public:
         const TorvoWAVMetadataWriter& metadataWriter, const ExportJob& job,
         const FileURL& deviceFolder, std::size_t conversionMemory)
         : fileManager_(fileManager),
-          preparer_(std::make_shared<SourceReadAhead>(
-              std::move(preparer), samplesInOrder(job.recipes),
-              [folder = deviceFolder.path()](const auto& path, std::uint64_t maxSize) {
-                  return prefetch(path, folder, maxSize);
-              })),
+          preparer_(readingAhead(std::move(preparer), job, deviceFolder)),
           metadataWriter_(metadataWriter),
           job_(job),
           poolFolder_(folderIn(deviceFolder, "Pool")),

@@ -9,12 +9,9 @@ namespace torvo {
 
 namespace {
 
-std::uint64_t prefetchDescriptor(int descriptor, const std::filesystem::path& destination,
-                                 std::uint64_t maxSize) {
+std::uint64_t prefetchDescriptor(int descriptor, std::uint64_t maxSize) {
     struct stat file {};
-    struct stat folder {};
-    if (::fstat(descriptor, &file) != 0 || !S_ISREG(file.st_mode) ||
-        ::stat(destination.c_str(), &folder) != 0 || file.st_dev == folder.st_dev)
+    if (::fstat(descriptor, &file) != 0 || !S_ISREG(file.st_mode))
         return 0;
     const auto size = std::min(static_cast<std::uint64_t>(file.st_size), maxSize);
     // posix_fadvise() takes a length of 0 for the whole file.
@@ -26,13 +23,20 @@ std::uint64_t prefetchDescriptor(int descriptor, const std::filesystem::path& de
 
 } // namespace
 
-std::uint64_t prefetch(const std::filesystem::path& file, const std::filesystem::path& destination,
-                       std::uint64_t maxSize) noexcept {
+bool areOnTwoVolumes(const std::filesystem::path& item,
+                     const std::filesystem::path& otherItem) noexcept {
+    struct stat status {};
+    struct stat otherStatus {};
+    return ::stat(item.c_str(), &status) == 0 && ::stat(otherItem.c_str(), &otherStatus) == 0 &&
+           status.st_dev != otherStatus.st_dev;
+}
+
+std::uint64_t prefetch(const std::filesystem::path& file, std::uint64_t maxSize) noexcept {
     // O_NONBLOCK keeps open() from blocking on a named pipe.
     const int descriptor = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (descriptor < 0)
         return 0;
-    const auto size = prefetchDescriptor(descriptor, destination, maxSize);
+    const auto size = prefetchDescriptor(descriptor, maxSize);
     ::close(descriptor);
     return size;
 }
