@@ -15,23 +15,23 @@ struct Prefetching : testing::Test {
     std::filesystem::path file = folder.write("a.wav", "twelve bytes");
 };
 
-TEST_F(Prefetching, ReadsAFile) {
+TEST_F(Prefetching, readsAFile) {
     EXPECT_EQ(prefetch(file, noLimit), 12U);
 }
 
-TEST_F(Prefetching, ReadsNoMoreThanAllowed) {
+TEST_F(Prefetching, readsNoMoreThanAllowed) {
     EXPECT_EQ(prefetch(file, 5), 5U);
     EXPECT_EQ(prefetch(file, 0), 0U);
 }
 
-TEST_F(Prefetching, TellsVolumesApart) {
+TEST_F(Prefetching, tellsVolumesApart) {
     EXPECT_TRUE(areOnTwoVolumes(file, "/proc"));
     EXPECT_FALSE(areOnTwoVolumes(file, folder.createFolder("card")));
     EXPECT_FALSE(areOnTwoVolumes(file, folder / "missing"));
     EXPECT_FALSE(areOnTwoVolumes(folder / "missing", file));
 }
 
-TEST_F(Prefetching, PassesOverWhatCannotBeRead) {
+TEST_F(Prefetching, passesOverWhatCannotBeRead) {
     const auto pipe = folder / "pipe";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(prefetch(pipe, noLimit), 0U);

@@ -87,7 +87,7 @@ std::vector<const SampleCandidate*> usesOf(const std::vector<SampleCandidate>& s
 
 const FileURL destination("/card/a.wav");
 
-TEST(SourceReadAhead, ReadsEachFileOnceInTheOrderOfUse) {
+TEST(SourceReadAhead, readsEachFileOnceInTheOrderOfUse) {
     Requests requests(mebibyte);
     const auto samples = samplesNamed({"c", "a", "c", "b", "a"});
     const SourceReadAhead ahead(
@@ -97,7 +97,7 @@ TEST(SourceReadAhead, ReadsEachFileOnceInTheOrderOfUse) {
     EXPECT_THAT(requests.names(), ElementsAre("c", "a", "b"));
 }
 
-TEST(SourceReadAhead, StopsAtTheLimitUntilASampleIsUsed) {
+TEST(SourceReadAhead, stopsAtTheLimitUntilASampleIsUsed) {
     Requests requests(SourceReadAhead::maxBytesAhead / 2 - 1);
     const auto samples = samplesNamed({"a", "b", "c", "d", "e", "f"});
     {
@@ -114,7 +114,7 @@ TEST(SourceReadAhead, StopsAtTheLimitUntilASampleIsUsed) {
     EXPECT_EQ(requests.totalSize(), 2 * SourceReadAhead::maxBytesAhead - 2);
 }
 
-TEST(SourceReadAhead, PassesOverSamplesThatAreUsedAlready) {
+TEST(SourceReadAhead, passesOverSamplesThatAreUsedAlready) {
     Requests requests(mebibyte);
     const auto samples = samplesNamed({"a", "b", "c"});
     std::latch bIsUsed(1);
@@ -129,7 +129,7 @@ TEST(SourceReadAhead, PassesOverSamplesThatAreUsedAlready) {
     EXPECT_THAT(requests.names(), ElementsAre("a", "c"));
 }
 
-TEST(SourceReadAhead, LeavesResultsAndErrorsToThePreparer) {
+TEST(SourceReadAhead, leavesResultsAndErrorsToThePreparer) {
     Requests requests(mebibyte);
     auto samples = samplesNamed({"a", "b"});
     samples[1].displayName = "broken";
