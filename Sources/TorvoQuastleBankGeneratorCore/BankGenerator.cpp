@@ -23,6 +23,10 @@ constexpr std::int64_t requiredUniformFiles = 8;
 /// The standardised paths of the samples already used in a bank.
 using UsedPaths = std::unordered_set<std::string>;
 
+std::string standardizedPath(const SampleCandidate& sample) {
+    return sample.sourceURL.standardized().nativePath();
+}
+
 struct CyclingPick {
     const SampleCandidate* item;
     bool reused; ///< the pool was reshuffled during this pick, or every sample was already used
@@ -31,9 +35,9 @@ struct CyclingPick {
 /// Returns all samples of a bucket in random order before repeating any of them.
 class CyclingPool {
 public:
-    CyclingPool(const std::vector<SampleCandidate>& items, SeededGenerator& random) {
-        for (const auto& item : items)
-            items_.push_back({&item, item.sourceURL.standardized().nativePath()});
+    /// `items` must outlive the pool.
+    CyclingPool(const std::vector<SampleCandidate>& items, SeededGenerator& random)
+        : items_(items) {
         reshuffle(random);
     }
 
@@ -51,31 +55,27 @@ public:
             }
             const auto* candidate = order_[cursor_++];
             if (fallback == nullptr)
-                fallback = candidate->sample;
-            if (!usedPaths.contains(candidate->path))
-                return {candidate->sample, wrapped};
+                fallback = candidate;
+            if (!usedPaths.contains(standardizedPath(*candidate)))
+                return {candidate, wrapped};
         }
         return {fallback, true};
     }
 
 private:
-    struct Item {
-        const SampleCandidate* sample;
-        std::string path;
-    };
-
     /// Always shuffles the bucket order. Shuffling the previous permutation would give other banks
     /// for the same seed.
     void reshuffle(SeededGenerator& random) {
         order_.clear();
+        order_.reserve(items_.size());
         for (const auto& item : items_)
             order_.push_back(&item);
         random.shuffle(order_);
         cursor_ = 0;
     }
 
-    std::vector<Item> items_;
-    std::vector<const Item*> order_;
+    const std::vector<SampleCandidate>& items_;
+    std::vector<const SampleCandidate*> order_;
     std::size_t cursor_ = 0;
 };
 
@@ -97,7 +97,7 @@ std::vector<BankRecipe> fillBanks(const GenerationTemplate& generationTemplate,
             const auto pick = poolForRole(slot.role).next(used, random);
             recipe.channels.insert_or_assign(slot.channel, *pick.item);
             recipe.reusedSamples = recipe.reusedSamples || pick.reused;
-            used.insert(pick.item->sourceURL.standardized().nativePath());
+            used.insert(standardizedPath(*pick.item));
         }
         recipes.push_back(std::move(recipe));
     }
