@@ -72,6 +72,30 @@ TEST(IOThreadPool, startsTasksInTheOrderInWhichTheyWereQueued) {
     }
 }
 
+TEST(IOThreadPool, runsTasksOnTheCallingThreadWhenThousandsAreQueued) {
+    for (const std::size_t threads : {0U, 1U}) {
+        constexpr std::size_t count = 20'000;
+        ArrivalGate gate(never);
+        std::atomic<std::size_t> finished = 0;
+        std::size_t maxUnfinished = 0;
+        IOThreadPool pool(threads);
+        if (threads > 0) {
+            pool.run([&] { gate.pass(); });
+            pool.runFirst([] {}); // starts the thread
+            ASSERT_TRUE(gate.waitForArrivals(1));
+        }
+        for (std::size_t queued = 1; queued <= count; ++queued) {
+            pool.run([&] { ++finished; });
+            maxUnfinished = std::max(maxUnfinished, queued - finished);
+        }
+        gate.open();
+        pool.wait();
+        EXPECT_EQ(finished, count) << threads;
+        EXPECT_GT(maxUnfinished, 1000U) << threads;
+        EXPECT_LT(maxUnfinished, 10'000U) << threads;
+    }
+}
+
 TEST(IOThreadPool, canBeUsedAgainAfterWaiting) {
     std::atomic<int> count = 0;
     IOThreadPool pool;

@@ -27,6 +27,8 @@ constexpr std::chrono::milliseconds adjustmentInterval{1};
 constexpr std::size_t maxTasksAtOnce = 8;
 // Waking a thread costs as much as opening two files in the page cache.
 constexpr std::size_t minTasksToWakeThread = 16;
+// Keeps every thread busy while the caller runs a few tasks itself.
+constexpr std::size_t maxQueuedTasks = 4096;
 
 std::size_t coreCount() {
     return std::max(1U, std::thread::hardware_concurrency());
@@ -84,11 +86,13 @@ public:
     Threads& operator=(const Threads&) = delete;
 
     void add(Task task) {
-        const std::scoped_lock lock(mutex_);
+        std::unique_lock lock(mutex_);
         if (isStopping_)
             return;
         tasks_.push_back(std::move(task));
         provideThreads(minTasksToWakeThread);
+        if (tasks_.size() > maxQueuedTasks)
+            runTasks(lock);
     }
 
     void addFirst(std::shared_ptr<Job> job) {

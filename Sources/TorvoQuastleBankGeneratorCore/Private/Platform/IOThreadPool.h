@@ -25,7 +25,8 @@ public:
     IOThreadPool(const IOThreadPool&) = delete;
     IOThreadPool& operator=(const IOThreadPool&) = delete;
 
-    /// Queues a task. Tasks start in the order in which they were queued.
+    /// Queues a task. Tasks start in the order in which they were queued. If thousands are queued,
+    /// some of them run on the calling thread, so that a queue takes little memory.
     void run(std::function<void()> task);
     /// Waits for all tasks of `run`. Rethrows the first exception thrown by a task; tasks that have
     /// not started by then are discarded.
