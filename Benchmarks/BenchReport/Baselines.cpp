@@ -3,11 +3,14 @@
 #include "../OnThreads.h"
 #include "../Stopwatch.h"
 #include "BareConversion.h"
+#include "SeededGenerator.h"
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
+#include <numeric>
 #include <string>
 #include <sys/stat.h>
 #include <system_error>
@@ -84,6 +87,14 @@ double secondsToRead(std::span<const fs::path> files) {
 
 double secondsToRewrite(std::span<const fs::path> files) {
     return secondsFor(files, 1, 1, rewrite);
+}
+
+double secondsToShuffle(std::size_t count) {
+    const Stopwatch watch;
+    std::vector<std::uintptr_t> items(count);
+    std::iota(items.begin(), items.end(), std::uintptr_t{0});
+    SeededGenerator(42).shuffle(items);
+    return watch.seconds();
 }
 
 double secondsToConvert(std::span<const fs::path> files, std::size_t threads) {

@@ -17,6 +17,10 @@ double secondsToRead(std::span<const std::filesystem::path> files);
 /// Reads each file, writes its bytes beside it, flushes them and renames the new file over the old.
 double secondsToRewrite(std::span<const std::filesystem::path> files);
 
+/// Fills a list with numbers as large as pointers and shuffles it once with the program's
+/// generator.
+double secondsToShuffle(std::size_t count);
+
 /// Decodes each file with FFmpeg alone, mixes it to mono, resamples it to 44100 Hz with soxr at the
 /// program's quality and rounds it to 16 bits. Nothing is written.
 double secondsToConvert(std::span<const std::filesystem::path> files, std::size_t threads);

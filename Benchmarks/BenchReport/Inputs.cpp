@@ -59,8 +59,8 @@ void makeWavFiles(const fs::path& folder, std::size_t count, std::size_t minFram
 void makeFullFolders(const fs::path& folder, std::size_t count) {
     constexpr std::size_t filesPerFolder = 1000;
     constexpr std::size_t foldersPerOriginal = 50; // ext4 allows 65,000 links to a file
-    constexpr std::array<std::string_view, 5> names{"Kicks", "Snares", "Claps", "Hats",
-                                                    "Closed Hats"};
+    constexpr std::array<std::string_view, 6> names{"Kicks", "Percussion", "Snares",
+                                                    "Claps", "Hats",       "Closed Hats"};
     const auto originals = folder.parent_path() / (folder.filename().string() + " originals");
     std::size_t index = 0;
     for (std::size_t i = 0; i < count; ++i) {

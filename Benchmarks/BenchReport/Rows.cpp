@@ -295,6 +295,10 @@ std::vector<Row> exportAgainstSox(const Bench& bench) {
             exportBesideSox(bench, bench.inputs.manyLoops())};
 }
 
+std::string fullFolderCount(const Bench& bench) {
+    return std::to_string(bench.sizes.fullFolders) + " folders of 1000 files";
+}
+
 std::vector<Row> memory(const Bench& bench) {
     const auto out = bench.folder / "out";
     return {memoryRow(bankCount(bench) + " of " + loopCount(bench) + ", memory",
@@ -304,9 +308,32 @@ std::vector<Row> memory(const Bench& bench) {
             memoryRow(smallFileCount(bench) + ", memory",
                       scanned(bench, bench.inputs.smallLibrary(), "drums").peakMemory, 150),
             // Last, since it has the largest output.
-            memoryRow("scan of " + std::to_string(bench.sizes.fullFolders) +
-                          " folders of 1000 files, memory",
+            memoryRow("scan of " + fullFolderCount(bench) + ", memory",
                       scanned(bench, bench.inputs.hugeLibrary(), "drums").peakMemory, 300)};
+}
+
+/// The generator shuffles all samples once. The memory is the maximum of scan, generation and
+/// export.
+std::vector<Row> generateFromHugeReport(const Bench& bench) {
+    const auto library = bench.inputs.hugeLibrary();
+    const auto out = bench.folder / "out";
+    const auto samples = bench.sizes.fullFolders * 1000;
+    std::vector<Row> rows;
+    for (const auto* mode : {"drums", "loops", "stabs"}) {
+        std::uint64_t peakMemory = 0;
+        const auto medians = interleaved(
+            bench.sizes.runs,
+            [&] {
+                const auto finished = exported(bench, library, mode, out);
+                peakMemory = std::max(peakMemory, finished.peakMemory);
+                return secondsOf(finished, "generate");
+            },
+            [&] { return secondsToShuffle(samples); });
+        const auto work = bankCount(bench) + " from " + fullFolderCount(bench) + ", " + mode;
+        rows.push_back(timeRow("generating " + work, "shuffle as many pointers", medians, 2));
+        rows.push_back(memoryRow(work + ", memory", peakMemory, 300));
+    }
+    return rows;
 }
 
 std::vector<Row> stampFolder(const Bench& bench) {
@@ -350,7 +377,9 @@ std::vector<Row> convertOnOneAndTwoCores(const Bench& bench) {
 
 const std::vector<Measurement>& allMeasurements() {
     static const std::vector<Measurement> measurements{
-        {"memory", memory}, // first, while this process is still small (see `runProcess`)
+        // First, while this process is still small (see `runProcess`).
+        {"generate", generateFromHugeReport},
+        {"memory", memory},
         {"scan", scanWavs},
         {"scan-many", scanMany},
         {"scan-mixed", scanMixed},
