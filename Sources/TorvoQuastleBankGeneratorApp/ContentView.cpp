@@ -2,6 +2,7 @@
 
 #include "AppModel.h"
 #include "Binding.h"
+#include "Controls/DisclosureSection.h"
 #include "Controls/DropZone.h"
 #include "Controls/ScrollFade.h"
 #include "Controls/ThreeWayModeToggle.h"
@@ -13,10 +14,14 @@
 #include "Views/RunMessage.h"
 #include "Views/SourceCard.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QPainter>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace torvo::app {
 
@@ -54,6 +59,9 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
     new ScrollFade(*scrollArea_);
     setMargins(sideMargin, sideMargin, 0);
     connect(&focusRing_, &FocusRing::moved, this, &ContentView::bringIntoSight);
+    for (const auto* section : findChildren<DisclosureSection*>())
+        connect(section, &DisclosureSection::opened, this,
+                [this, section] { scrollToSection(*section); });
     // Enter opens the panel right after the start, without a focus ring before the first key press.
     findChild<DropZone*>()->setFocus(Qt::NoFocusReason);
 }
@@ -96,6 +104,16 @@ QWidget* ContentView::makeStatus(AppModel& model) {
 void ContentView::bringIntoSight(QWidget* control) {
     if (scrollArea_->widget()->isAncestorOf(control))
         scrollArea_->ensureWidgetVisible(control);
+}
+
+void ContentView::scrollToSection(const QWidget& section) {
+    // The layouts give the opened section its height.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    const int top = section.mapTo(scrollArea_->widget(), QPoint()).y();
+    const int bottom = top + section.height() + ScrollFade::fadeHeight;
+    QScrollBar* const bar = scrollArea_->verticalScrollBar();
+    const int lowest = std::max(bar->value(), bottom - scrollArea_->viewport()->height());
+    bar->setValue(std::min(lowest, top - MarloTheme::grid));
 }
 
 QSize ContentView::sizeHint() const {

@@ -46,6 +46,8 @@ private:
     void alignColumns();
     void setMargins(int left, int right, int scrollBar);
     void bringIntoSight(QWidget* control);
+    /// Scrolls no further than needed to show the section, or its beginning.
+    void scrollToSection(const QWidget& section);
 
     FolderDrops drops_;
     FocusRing focusRing_{*this};

@@ -1,4 +1,5 @@
 #include "Controls/Card.h"
+#include "Controls/DisclosureHeader.h"
 #include "Controls/DisclosureSection.h"
 #include "Controls/ElidedPathLabel.h"
 #include "Controls/MarloButton.h"
@@ -15,6 +16,7 @@
 #include <QLabel>
 #include <QListView>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextDocument>
 #include <QUrl>
@@ -177,4 +179,45 @@ TEST_F(ContentViewTest, everyShowingControlHasAName) {
             nameless.emplace_back(widget->metaObject()->className());
     }
     EXPECT_EQ(nameless, std::vector<std::string>());
+}
+
+TEST_F(ContentViewTest, scrollsToAListThatTheUserOpens) {
+    for (int index = 0; index < 40; ++index)
+        folder.write("Kit A/Kick/notes " + std::to_string(index) + ".txt", "notes");
+    scan(drumKit());
+    const auto* area = view.findChild<QScrollArea*>();
+    auto* bar = area->verticalScrollBar();
+    auto* files = section("ignoredFiles");
+    view.setMinimumSize(1, 1); // as on a small screen
+    const auto resize = [this](int height) {
+        view.resize(1366, height);
+        settle();
+    };
+    const auto isInView = [&](const QWidget* widget, int height) {
+        const int top = widget->mapTo(area->viewport(), QPoint()).y();
+        return top >= 0 && top + height <= area->viewport()->height();
+    };
+    resize(696); // 768 less the frame and the menu bar
+    ASSERT_EQ(bar->value(), 0);
+    QTest::mouseClick(files->header(), Qt::LeftButton);
+    settle();
+    EXPECT_GT(bar->value(), 0);
+    EXPECT_TRUE(isInView(files->header(), files->header()->height()));
+    EXPECT_TRUE(isInView(files->list(), files->list()->height()));
+    // Neither closing the list nor a new scan scrolls.
+    resize(360);
+    bar->setValue(90);
+    press(files->header());
+    settle();
+    EXPECT_EQ(bar->value(), 90);
+    // By keyboard, with less room than the list needs.
+    bar->setValue(bar->maximum());
+    QTest::keyClick(files->header(), Qt::Key_Space);
+    settle();
+    EXPECT_LT(area->viewport()->height(), files->height());
+    EXPECT_TRUE(isInView(files->header(), files->header()->height() + 3 * 26));
+    bar->setValue(0);
+    scan(FileURL::directory(folder / "Kit A"));
+    settle();
+    EXPECT_EQ(bar->value(), 0);
 }

@@ -71,6 +71,10 @@ DisclosureSection::DisclosureSection(const QString& title, QWidget* parent)
     column->addWidget(none_);
     column->addWidget(list_);
     connect(header_, &QAbstractButton::toggled, this, &DisclosureSection::setExpanded);
+    connect(header_, &QAbstractButton::clicked, this, [this] {
+        if (isExpanded_)
+            Q_EMIT opened();
+    });
     connect(list_, &IgnoredItemsList::rowMenuOpening, this, &DisclosureSection::rowMenuOpening);
     showContent();
 }

@@ -32,6 +32,8 @@ public:
     QListView* list() const;
 
 Q_SIGNALS:
+    /// The user has opened the section.
+    void opened();
     /// As in `IgnoredItemsList`.
     void rowMenuOpening(const QString& path, QAction* show);
 

@@ -1,7 +1,5 @@
 #include "Controls/ScrollFade.h"
 
-#include "MarloTheme.h"
-
 #include <QEvent>
 #include <QLinearGradient>
 #include <QPainter>
@@ -9,12 +7,6 @@
 #include <QScrollBar>
 
 namespace torvo::app {
-
-namespace {
-
-constexpr int fadeHeight = 4 * MarloTheme::grid;
-
-} // namespace
 
 ScrollFade::ScrollFade(QScrollArea& area) : QWidget(&area), area_(area) {
     setAttribute(Qt::WA_TransparentForMouseEvents);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MarloTheme.h"
+
 #include <QWidget>
 
 class QScrollArea;
@@ -11,6 +13,8 @@ class ScrollFade final : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr int fadeHeight = 4 * MarloTheme::grid;
+
     explicit ScrollFade(QScrollArea& area);
 
 protected:
