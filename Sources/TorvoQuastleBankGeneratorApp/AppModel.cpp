@@ -40,14 +40,10 @@ bool targetExists(const FileManager& fileManager, const std::filesystem::path& p
     }
 }
 
-/// Whether a folder's parent, with its links resolved, is a mount point. False when this cannot be
-/// found out.
+/// Whether a volume is mounted on a folder's parent. False when this cannot be found out.
 bool isAtTopOfVolume(const FileManager& fileManager, const FileURL& folder) {
     try {
-        const auto top = fileManager.resolve(folder.path().parent_path());
-        const auto inside = fileManager.status(top);
-        const auto outside = fileManager.status(top.parent_path());
-        return inside && outside && inside->identity.device != outside->identity.device;
+        return fileManager.isMountPoint(folder.path().parent_path());
     } catch (const FileError&) {
         return false;
     }

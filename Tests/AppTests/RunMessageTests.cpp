@@ -204,6 +204,11 @@ TEST_F(RunMessageTest, asksForNoCopyOfWhatIsOnTopOfACard) {
     fileManager->mount(folder / "out/Kit A");
     generate();
     EXPECT_FALSE(shows(next));
+    // A subvolume of Btrfs is no card.
+    fileManager->mount(folder.createFolder("card"));
+    fileManager->makeSubvolume(folder / "out/Kit A");
+    generate();
+    EXPECT_TRUE(shows(next));
     // The folder of the run may be a link to the card.
     fileManager->mount(folder.createFolder("card"));
     generate();

@@ -54,6 +54,17 @@ TEST(FileManager, reportsTheKindOfAnItem) {
               std::errc::filename_too_long);
 }
 
+TEST(FileManager, tellsMountPointsFromOtherFolders) {
+    const FileKinds kinds;
+    fs::create_directory_symlink("/proc", kinds.folder / "mounted");
+    EXPECT_TRUE(files().isMountPoint("/proc"));
+    EXPECT_TRUE(files().isMountPoint(kinds.folder / "mounted"));
+    EXPECT_FALSE(files().isMountPoint("/proc/self"));
+    EXPECT_FALSE(files().isMountPoint(kinds.directory));
+    EXPECT_EQ(codeOf([&] { files().isMountPoint(kinds.folder / "missing"); }),
+              std::errc::no_such_file_or_directory);
+}
+
 TEST(FileManager, reportsSizeIdentityAndPermissions) {
     const FileKinds kinds;
     fs::create_hard_link(kinds.file, kinds.folder / "same");

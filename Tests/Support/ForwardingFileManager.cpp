@@ -168,4 +168,9 @@ std::optional<std::uint64_t> ForwardingFileManager::availableSpace(const fs::pat
     return behind_->availableSpace(folder);
 }
 
+bool ForwardingFileManager::isMountPoint(const fs::path& folder) const {
+    callHook("isMountPoint", FileOperation::inspect, folder);
+    return behind_->isMountPoint(folder);
+}
+
 } // namespace torvo::test

@@ -84,6 +84,7 @@ public:
     bool volumeFlushCoversFiles(const std::filesystem::path& folder) const override;
     std::unique_ptr<FolderLock> lockFolder(const std::filesystem::path& folder) const override;
     std::optional<std::uint64_t> availableSpace(const std::filesystem::path& folder) const override;
+    bool isMountPoint(const std::filesystem::path& folder) const override;
 
 protected:
     const FileManager& behind() const { return *behind_; }

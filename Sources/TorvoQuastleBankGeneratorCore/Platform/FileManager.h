@@ -127,6 +127,11 @@ public:
     /// it is unknown, and on file systems where a copy may take up less than its size.
     virtual std::optional<std::uint64_t>
     availableSpace(const std::filesystem::path& folder) const = 0;
+
+    /// Whether a volume is mounted on `folder`, links resolved. False for a subvolume of Btrfs,
+    /// although it has a device number of its own, and where the kernel cannot tell (before Linux
+    /// 5.8).
+    virtual bool isMountPoint(const std::filesystem::path& folder) const = 0;
 };
 
 } // namespace torvo

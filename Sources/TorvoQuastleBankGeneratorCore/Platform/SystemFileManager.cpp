@@ -406,6 +406,13 @@ public:
         return blocks * details.f_frsize;
     }
 
+    bool isMountPoint(const fs::path& folder) const override {
+        struct statx details {};
+        if (::statx(AT_FDCWD, folder.c_str(), 0, 0, &details) != 0)
+            throw FileError(FileOperation::inspect, folder, errno);
+        return (details.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    }
+
 private:
     /// Some file systems return DT_UNKNOWN; the type is then read with fstatat().
     static FileKind kindOf(DIR* directory, const dirent& entry) {

@@ -18,7 +18,12 @@ std::shared_ptr<Gate> GatedFileManager::holdFlush(const fs::path& path) {
 
 void GatedFileManager::mount(const fs::path& folder) {
     const std::scoped_lock lock(mutex_);
-    mounted_ = fs::canonical(folder);
+    mounted_ = otherDevice_ = fs::canonical(folder);
+}
+
+void GatedFileManager::makeSubvolume(const fs::path& folder) {
+    const std::scoped_lock lock(mutex_);
+    otherDevice_ = fs::canonical(folder);
 }
 
 void GatedFileManager::openAll() {
@@ -32,7 +37,8 @@ std::optional<FileStatus> GatedFileManager::status(const fs::path& path) const {
     auto status = ForwardingFileManager::status(path);
     pass(inspections_, path);
     const std::scoped_lock lock(mutex_);
-    if (status && !mounted_.empty() && (path.native() + '/').starts_with(mounted_.native() + '/'))
+    if (status && !otherDevice_.empty() &&
+        (path.native() + '/').starts_with(otherDevice_.native() + '/'))
         ++status->identity.device;
     return status;
 }
@@ -41,6 +47,11 @@ std::optional<FileStatus> GatedFileManager::linkStatus(const fs::path& path) con
     auto status = ForwardingFileManager::linkStatus(path);
     pass(inspections_, path);
     return status;
+}
+
+bool GatedFileManager::isMountPoint(const fs::path& folder) const {
+    const std::scoped_lock lock(mutex_);
+    return fs::canonical(folder) == mounted_;
 }
 
 void GatedFileManager::removeItem(const fs::path& path) const {

@@ -24,9 +24,12 @@ public:
     void openAll();
     /// Makes an existing folder the top of another volume.
     void mount(const std::filesystem::path& folder);
+    /// Gives an existing folder another device number without mounting anything, as Btrfs does.
+    void makeSubvolume(const std::filesystem::path& folder);
 
     std::optional<FileStatus> status(const std::filesystem::path& path) const override;
     std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
+    bool isMountPoint(const std::filesystem::path& folder) const override;
     void removeItem(const std::filesystem::path& path) const override;
     void flushVolume(const std::filesystem::path& path) const override;
 
@@ -41,6 +44,7 @@ private:
     Gates removals_;
     Gates flushes_;
     std::filesystem::path mounted_;
+    std::filesystem::path otherDevice_; ///< mounted or a subvolume
 };
 
 } // namespace torvo::test
