@@ -40,6 +40,10 @@ bool targetExists(const FileManager& fileManager, const std::filesystem::path& p
     }
 }
 
+bool isSamePath(const FileURL& left, const FileURL& right) {
+    return left.nativePath() == right.nativePath();
+}
+
 /// Whether a volume is mounted on a folder's parent. False when this cannot be found out.
 bool isAtTopOfVolume(const FileManager& fileManager, const FileURL& folder) {
     try {
@@ -72,7 +76,20 @@ AppModel::AppModel(SampleScanner scanner, BankGenerator generator, BankExporter 
       exporter_(std::move(exporter)),
       mappingStore_(std::move(mappingStore)),
       panels_(std::move(panels)),
-      fileManager_(std::move(fileManager)) {}
+      fileManager_(std::move(fileManager)),
+      exportRootExists_(
+          tasks_,
+          [files = fileManager_](const InspectedRoot& root) {
+              return root.isUpdated ? targetExists(*files, root.folder.path())
+                                    : itemExists(*files, root.folder.path());
+          },
+          [this] { Q_EMIT exportRootExistsChanged(); }),
+      sourceLeadsToReport_(
+          tasks_,
+          [files = fileManager_](const SourceAndReport& both) {
+              return leadsTo(*files, both.source, both.scanned);
+          },
+          [this] { Q_EMIT isReportOfSourceChanged(); }) {}
 
 bool AppModel::isUpdatingExistingBank() const {
     return sourceFolder_ && isDeviceFolder(*sourceFolder_);
@@ -89,6 +106,13 @@ bool AppModel::canGenerate() const {
 bool AppModel::canApplyExistingBankMetadata() const {
     return isUpdatingExistingBank() && !isRunning() &&
            targetExists(*fileManager_, sourceFolder_->path());
+}
+
+bool AppModel::isReportOfSource() const {
+    const auto* ready = std::get_if<Ready>(&scanState_);
+    return ready != nullptr && sourceFolder_ &&
+           (isSamePath(*sourceFolder_, ready->report->sourceFolder) ||
+            sourceLeadsToReport_.isYes());
 }
 
 bool AppModel::canClearSource() const {
@@ -112,6 +136,21 @@ void AppModel::setSourceFolder(const FileURL& folder) {
         resetLoadedSourceState();
     else
         scanSourceFolder();
+}
+
+void AppModel::chooseSourceFolder(const FileURL& folder) {
+    if (isDeviceFolder(folder)) {
+        setSourceFolder(folder);
+        return;
+    }
+    choice_ = std::make_shared<const FileURL>(folder);
+    tasks_.start([this, choice = choice_, fileManager = fileManager_] {
+        const FileURL resolved = resolvedSource(*fileManager, *choice);
+        tasks_.postToMainThread([this, choice, resolved] {
+            if (choice == choice_)
+                setSourceFolder(resolved);
+        });
+    });
 }
 
 void AppModel::clearSource() {
@@ -214,36 +253,25 @@ void AppModel::generateBanks() {
     });
 }
 
+void AppModel::inspectFolders() {
+    inspectExportRoot();
+    inspectSource();
+}
+
 void AppModel::inspectExportRoot() {
     std::optional<InspectedRoot> root;
     if (const auto folder = expectedExportRoot())
         root = {*folder, isUpdatingExistingBank()};
-    if (root != inspectedRoot_) {
-        // A slow card or share may answer late or never; the old answer is ignored.
-        inspection_ = nullptr;
-        inspectedRoot_ = root;
-        setExportRootExists(false);
-    }
-    if (!root)
-        return;
-    if (inspection_) {
-        inspection_->isOutdated = true;
-        return;
-    }
-    inspection_ = std::make_shared<Inspection>();
-    tasks_.start([this, inspection = inspection_, root = *root, fileManager = fileManager_] {
-        const auto path = root.folder.path();
-        const bool exists =
-            root.isUpdated ? targetExists(*fileManager, path) : itemExists(*fileManager, path);
-        tasks_.postToMainThread([this, inspection, exists] {
-            if (inspection != inspection_)
-                return;
-            inspection_ = nullptr;
-            setExportRootExists(exists);
-            if (inspection->isOutdated)
-                inspectExportRoot();
-        });
-    });
+    exportRootExists_.ask(root);
+}
+
+void AppModel::inspectSource() {
+    const auto* ready = std::get_if<Ready>(&scanState_);
+    std::optional<SourceAndReport> both;
+    if (ready != nullptr && sourceFolder_ &&
+        !isSamePath(*sourceFolder_, ready->report->sourceFolder))
+        both = {*sourceFolder_, ready->report->sourceFolder};
+    sourceLeadsToReport_.ask(both);
 }
 
 void AppModel::startRun(std::function<Publication()> work, const Publication& begin) {
@@ -292,7 +320,8 @@ AppModel::WrittenBanks AppModel::writeBanks(const BankExporter& exporter,
 
 void AppModel::assignSourceFolder(std::optional<FileURL> folder) {
     sourceFolder_ = std::move(folder);
-    inspectExportRoot();
+    choice_ = nullptr;
+    inspectFolders();
     Q_EMIT sourceFolderChanged();
 }
 
@@ -314,6 +343,7 @@ void AppModel::setMetadataOptions(TorvoMetadataOptions options) {
 
 void AppModel::setScanState(ScanState state) {
     ScanState previous = std::exchange(scanState_, std::move(state));
+    inspectSource();
     Q_EMIT scanStateChanged();
     // Freeing the report of a large library takes longer than a frame.
     if (std::holds_alternative<Ready>(previous))
@@ -345,13 +375,6 @@ void AppModel::setCurrentDocument(std::shared_ptr<const BankMappingDocument> doc
 void AppModel::setLastJSONURL(std::optional<FileURL> url) {
     lastJSONURL_ = std::move(url);
     Q_EMIT lastJSONURLChanged();
-}
-
-void AppModel::setExportRootExists(bool exists) {
-    if (exists == exportRootExists_)
-        return;
-    exportRootExists_ = exists;
-    Q_EMIT exportRootExistsChanged();
 }
 
 } // namespace torvo::app

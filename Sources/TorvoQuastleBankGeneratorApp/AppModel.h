@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BackgroundAnswer.h"
 #include "BackgroundTasks.h"
 #include "BankExporter.h"
 #include "BankGenerator.h"
@@ -97,6 +98,7 @@ public:
     bool isUpdatingExistingBank() const;
     /// Independent of `runState`.
     bool canGenerate() const;
+    /// Asks the file system, which may not answer for a long time; `exportRootExists` does not.
     bool canApplyExistingBankMetadata() const;
     bool canClearSource() const;
     bool isRunning() const { return std::holds_alternative<Running>(runState_); }
@@ -108,11 +110,18 @@ public:
     /// Whether `expectedExportRoot` exists: GENERATE would replace it, APPLY needs it. The folder
     /// is inspected in the background after each change of its path and after each run; false until
     /// the answer arrives.
-    bool exportRootExists() const { return exportRootExists_; }
+    bool exportRootExists() const { return exportRootExists_.isYes(); }
+    /// Whether the report in `scanState` is that of `sourceFolder`, links resolved. After an import
+    /// or overlapping scans it may be that of another folder, and a run would replace banks that
+    /// `expectedExportRoot` does not show. Links are resolved in the background, as above.
+    bool isReportOfSource() const;
     /// Whether background work is in progress or its results have not reached the main thread yet.
     bool isBusy() const { return tasks_.isBusy(); }
 
     void setSourceFolder(const FileURL& folder);
+    /// Sets the folder that `resolvedSource` returns for a chosen or dropped folder, as soon as its
+    /// links have been resolved in the background, unless the source is changed before.
+    void chooseSourceFolder(const FileURL& folder);
     void clearSource();
     void setExportFolder(std::optional<FileURL> folder);
     void setGenerationMode(GenerationMode mode);
@@ -136,8 +145,11 @@ public:
     void exportJSON();
     void importJSON();
     void applyMetadataToExistingBank();
-    /// Updates `exportRootExists` after other programs may have changed the folder.
-    void inspectExportRoot();
+    /// The same, but the run ends without a result if the folder does not exist.
+    void applyMetadataIfFolderExists();
+    /// Updates `exportRootExists` and `isReportOfSource` after other programs may have changed the
+    /// folders.
+    void inspectFolders();
 
 Q_SIGNALS:
     void sourceFolderChanged();
@@ -149,6 +161,7 @@ Q_SIGNALS:
     void currentDocumentChanged();
     void lastJSONURLChanged();
     void exportRootExistsChanged();
+    void isReportOfSourceChanged();
 
 private:
     struct InspectedRoot {
@@ -157,8 +170,11 @@ private:
 
         friend bool operator==(const InspectedRoot&, const InspectedRoot&) = default;
     };
-    struct Inspection {
-        bool isOutdated = false; ///< a newer inspection has been requested
+    struct SourceAndReport {
+        FileURL source;
+        FileURL scanned;
+
+        friend bool operator==(const SourceAndReport&, const SourceAndReport&) = default;
     };
 
     struct WrittenBanks {
@@ -181,7 +197,9 @@ private:
     Publication failure(const std::exception_ptr& error);
     void setCurrentDocument(std::shared_ptr<const BankMappingDocument> document);
     void setLastJSONURL(std::optional<FileURL> url);
-    void setExportRootExists(bool exists);
+    void inspectExportRoot();
+    void inspectSource();
+    void applyMetadata(bool onlyIfFolderExists);
 
     /// Carries out one run at a time, so that two never write into the same tree. `begin` is
     /// published at once and, if the run has to wait, again when it starts, because `runState` then
@@ -212,9 +230,9 @@ private:
     std::shared_ptr<const BankMappingDocument> currentDocument_;
     std::optional<FileURL> lastJSONURL_;
     int unfinishedRuns_ = 0;
-    std::optional<InspectedRoot> inspectedRoot_;
-    std::shared_ptr<Inspection> inspection_; ///< of `inspectedRoot_`, while it is under way
-    bool exportRootExists_ = false;
+    BackgroundAnswer<InspectedRoot> exportRootExists_;
+    BackgroundAnswer<SourceAndReport> sourceLeadsToReport_;
+    std::shared_ptr<const FileURL> choice_; ///< the chosen source, until its links are resolved
 
     /// The last member: its destructor waits for background work that uses the members above.
     BackgroundTasks tasks_;

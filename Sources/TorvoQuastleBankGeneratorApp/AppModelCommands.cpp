@@ -57,9 +57,20 @@ void AppModel::importJSON() {
 }
 
 void AppModel::applyMetadataToExistingBank() {
+    applyMetadata(false);
+}
+
+void AppModel::applyMetadataIfFolderExists() {
+    applyMetadata(true);
+}
+
+void AppModel::applyMetadata(bool onlyIfFolderExists) {
     if (!isUpdatingExistingBank())
         return;
-    startRun([this, folder = *sourceFolder_, options = metadataOptions_]() -> Publication {
+    startRun([this, folder = *sourceFolder_, options = metadataOptions_, onlyIfFolderExists,
+              fileManager = fileManager_]() -> Publication {
+        if (onlyIfFolderExists && !fileManager->status(folder.path()))
+            return [this] { setRunState(Idle{}); };
         const std::int64_t count = TorvoWAVMetadataWriter().apply(options, folder);
         // Intended: "WAVs" for every count, 1 included.
         return [this, message = "Metadata applied to " + std::to_string(count) + " WAVs", folder] {

@@ -2,7 +2,6 @@
 
 #include "Models/Device.h"
 #include "Platform/FileOperations.h"
-#include "Platform/SystemFileManager.h"
 #include "Platform/UnicodeText.h"
 
 namespace torvo::app {
@@ -11,23 +10,20 @@ bool isDeviceFolder(const FileURL& folder) {
     return text::equalsIgnoringCase(folder.lastPathComponent(), device::folderName);
 }
 
-FileURL resolvedSource(const FileURL& folder) {
+FileURL resolvedSource(const FileManager& fileManager, const FileURL& folder) {
     if (isDeviceFolder(folder))
         return folder;
     try {
-        const FileURL resolved = resolvingSymlinks(*systemFileManager(), folder);
+        const FileURL resolved = resolvingSymlinks(fileManager, folder);
         return isDeviceFolder(resolved) ? folder : FileURL::directory(resolved.path());
     } catch (const FileError&) {
         return folder;
     }
 }
 
-bool leadsTo(const FileURL& folder, const FileURL& resolvedFolder) {
-    if (folder.nativePath() == resolvedFolder.nativePath())
-        return true;
+bool leadsTo(const FileManager& fileManager, const FileURL& folder, const FileURL& resolvedFolder) {
     try {
-        return resolvingSymlinks(*systemFileManager(), folder).nativePath() ==
-               resolvedFolder.nativePath();
+        return resolvingSymlinks(fileManager, folder).nativePath() == resolvedFolder.nativePath();
     } catch (const FileError&) {
         return false;
     }

@@ -81,6 +81,19 @@ TEST_F(OutputCardTest, doesNotApplyToAFolderThatWasRemoved) {
     EXPECT_FALSE(shows("Metadata applied to 0 WAVs"));
 }
 
+TEST_F(OutputCardTest, applyDoesNotWaitForASlowFolder) {
+    const FileURL device = deviceFolder();
+    scan(device);
+    const auto gate = fileManager->holdInspection(device.path());
+    press(mainButton());
+    EXPECT_TRUE(waitUntil([&] { return gate->isReached(); }));
+    EXPECT_TRUE(shows("Applying selections.."));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(shows("Metadata applied to 0 WAVs"));
+}
+
 TEST_F(OutputCardTest, inspectsTheFolderAgainWhenTheWindowIsActivated) {
     const FileURL device = deviceFolder();
     scan(device);
@@ -227,8 +240,22 @@ TEST_F(OutputCardTest, generatesFromTheFolderThatALinkLeadsTo) {
     EXPECT_TRUE(mainButton()->isEnabled());
     std::filesystem::remove(folder / "link");
     std::filesystem::create_directory_symlink(drumKit("Kit B").path(), folder / "link");
-    model.setExportFolder(outputFolder("other"));
+    reactivate();
+    waitForWork();
     EXPECT_FALSE(mainButton()->isEnabled());
+}
+
+TEST_F(OutputCardTest, aSlowLinkToTheSourceBlocksNothing) {
+    prepareRun();
+    const auto link = folder / "link";
+    std::filesystem::create_directory_symlink("Kit A", link);
+    const auto gate = fileManager->holdInspection(link);
+    model.setSourceFolder(FileURL::directory(link));
+    EXPECT_TRUE(waitUntil([&] { return gate->isReached() && model.canGenerate(); }));
+    EXPECT_FALSE(mainButton()->isEnabled());
+    gate->open();
+    waitForWork();
+    EXPECT_TRUE(mainButton()->isEnabled());
 }
 
 TEST_F(OutputCardTest, showsTheSavedMappingFile) {
@@ -375,7 +402,7 @@ TEST_F(OutputCardTest, inspectsAgainAfterAChangeDuringAnInspection) {
     model.setExportFolder(outputFolder());
     ASSERT_TRUE(waitUntil([&] { return gate->isReached(); }));
     folder.createFolder("out/Kit A/QZT508");
-    model.inspectExportRoot();
+    model.inspectFolders();
     gate->open();
     waitForWork();
     EXPECT_TRUE(shows(note));

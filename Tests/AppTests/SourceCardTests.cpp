@@ -87,8 +87,8 @@ TEST_F(SourceCardTest, opensThePanelAfterTheClickHasReturned) {
     EXPECT_TRUE(panels->asked.empty());
     settle();
     EXPECT_EQ(panels->asked, std::vector<std::string>{"folder: Choose a source sample folder"});
-    EXPECT_EQ(model.sourceFolder(), panels->folder);
     waitForWork();
+    EXPECT_EQ(model.sourceFolder(), panels->folder);
 }
 
 TEST_F(SourceCardTest, theDropZoneOpensThePanelOnEnter) {
@@ -128,8 +128,8 @@ TEST_F(SourceCardTest, takesTheFirstFolderOfADrop) {
     drumKit("Kit #1 ü");
     const auto kit = folder / "Kit #1 ü";
     EXPECT_TRUE(drop({url(file), url(kit), url(folder.path())}));
-    EXPECT_EQ(model.sourceFolder(), FileURL::directory(kit));
     waitForWork();
+    EXPECT_EQ(model.sourceFolder(), FileURL::directory(kit));
 }
 
 // The shown name and the written name are both that of the folder itself.
@@ -139,19 +139,51 @@ TEST_F(SourceCardTest, resolvesLinksToFolders) {
     const auto link = folder / "links/Favourite";
     std::filesystem::create_directory_symlink("../Kit A", link);
     EXPECT_TRUE(drop({url(link)}));
+    waitForWork();
     EXPECT_EQ(model.sourceFolder(), kit);
     EXPECT_TRUE(shows("Kit A"));
-    waitForWork();
     press(button("CLEAR"));
     panels->folder = FileURL::directory(link);
     press(sourceButton());
-    EXPECT_EQ(model.sourceFolder(), kit);
     waitForWork();
+    EXPECT_EQ(model.sourceFolder(), kit);
     // A link in the middle of the path.
+    press(button("CLEAR"));
     std::filesystem::create_directory_symlink(folder.path(), folder / "links/all");
     EXPECT_TRUE(drop({url(folder / "links/all/Kit A")}));
-    EXPECT_EQ(model.sourceFolder(), kit);
     waitForWork();
+    EXPECT_EQ(model.sourceFolder(), kit);
+}
+
+TEST_F(SourceCardTest, aSlowShareBlocksNothing) {
+    const FileURL kit = drumKit();
+    const FileURL other = drumKit("Kit B");
+    const auto choose = [this](const FileURL& source) {
+        const auto gate = fileManager->holdInspection(source.path());
+        panels->folder = source;
+        press(sourceButton());
+        EXPECT_TRUE(waitUntil([&] { return gate->isReached(); }));
+        EXPECT_NE(model.sourceFolder(), source);
+        return gate;
+    };
+    const auto first = choose(kit);
+    first->open();
+    waitForWork();
+    EXPECT_EQ(model.sourceFolder(), kit);
+    // What the user does later counts.
+    press(button("CLEAR"));
+    const auto second = choose(kit);
+    const auto third = choose(other);
+    third->open();
+    EXPECT_TRUE(waitUntil([&] { return model.sourceFolder() == other; }));
+    second->open();
+    waitForWork();
+    EXPECT_EQ(model.sourceFolder(), other);
+    const auto fourth = choose(kit);
+    press(button("CLEAR"));
+    fourth->open();
+    waitForWork();
+    EXPECT_FALSE(model.sourceFolder());
 }
 
 // The name decides between stamping and scanning, so it is not resolved.
@@ -164,24 +196,24 @@ TEST_F(SourceCardTest, keepsLinksToDeviceFolders) {
     const FileURL device = deviceFolder();
     std::filesystem::create_directory_symlink(device.path(), folder / "Card");
     EXPECT_TRUE(drop({url(folder / "Card")}));
+    waitForWork();
     EXPECT_EQ(model.sourceFolder(), FileURL::directory(folder / "Card"));
     EXPECT_FALSE(model.isUpdatingExistingBank());
-    waitForWork();
 }
 
 TEST_F(SourceCardTest, keepsPathsThatCannotBeResolved) {
     std::filesystem::create_symlink("loop", folder / "loop");
     panels->folder = FileURL::directory(folder / "loop");
     press(sourceButton());
-    EXPECT_EQ(model.sourceFolder(), panels->folder);
     waitForWork();
+    EXPECT_EQ(model.sourceFolder(), panels->folder);
     EXPECT_TRUE(shows(("Unable to read " + (folder / "loop").string() + ".").c_str()));
 }
 
 TEST_F(SourceCardTest, aTrailingSlashDenotesAFolder) {
     EXPECT_TRUE(drop({QUrl(QStringLiteral("file:///nowhere/Kit/"))}));
-    EXPECT_EQ(model.sourceFolder(), FileURL::directory("/nowhere/Kit"));
     waitForWork();
+    EXPECT_EQ(model.sourceFolder(), FileURL::directory("/nowhere/Kit"));
 }
 
 TEST_F(SourceCardTest, highlightsTheZoneWhileADragIsOverTheWindow) {

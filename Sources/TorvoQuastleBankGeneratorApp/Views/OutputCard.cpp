@@ -6,7 +6,6 @@
 #include "Controls/Labels.h"
 #include "Controls/MarloButton.h"
 #include "Panels.h"
-#include "SourceFolder.h"
 #include "Text.h"
 
 #include <QEvent>
@@ -28,14 +27,6 @@ QString exportText(const AppModel& model) {
     if (model.exportFolder())
         return shownPath(*model.exportFolder());
     return OutputCard::tr("Choose output folder.");
-}
-
-/// Whether the report belongs to the folder shown under SOURCE. After an import or overlapping
-/// scans it may belong to another folder, and a run would replace banks that TARGET does not show.
-bool showsReportOfSource(const AppModel& model) {
-    const auto* ready = std::get_if<AppModel::Ready>(&model.scanState());
-    return ready != nullptr && model.sourceFolder() &&
-           leadsTo(*model.sourceFolder(), ready->report->sourceFolder);
 }
 
 ElidedPathLabel* makePath() {
@@ -103,16 +94,16 @@ OutputCard::OutputCard(AppModel& model, QWidget* parent)
         model, this, [this] { render(); }, &AppModel::sourceFolderChanged,
         &AppModel::exportFolderChanged, &AppModel::generationModeChanged,
         &AppModel::scanStateChanged, &AppModel::runStateChanged, &AppModel::currentDocumentChanged,
-        &AppModel::exportRootExistsChanged);
+        &AppModel::exportRootExistsChanged, &AppModel::isReportOfSourceChanged);
     bind(
         model, this, [this] { renderMappingFile(); }, &AppModel::lastJSONURLChanged);
 }
 
 void OutputCard::render() {
     const bool updating = model_.isUpdatingExistingBank();
-    const bool enabled = !model_.hasUnfinishedRun() &&
-                         (updating ? model_.exportRootExists()
-                                   : model_.canGenerate() && showsReportOfSource(model_));
+    const bool enabled =
+        !model_.hasUnfinishedRun() &&
+        (updating ? model_.exportRootExists() : model_.canGenerate() && model_.isReportOfSource());
     choose_->setVisible(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
     main_->setEnabled(enabled);
@@ -140,24 +131,17 @@ void OutputCard::chooseFolder() {
 }
 
 void OutputCard::startMainAction() {
-    // The folder may have been removed or replaced since the button was enabled.
-    render();
-    if (!main_->isEnabled())
-        return;
-    if (!model_.isUpdatingExistingBank())
-        model_.generateBanks();
-    else if (model_.canApplyExistingBankMetadata())
-        model_.applyMetadataToExistingBank();
+    // The folder may have been removed since APPLY was enabled.
+    if (model_.isUpdatingExistingBank())
+        model_.applyMetadataIfFolderExists();
     else
-        model_.inspectExportRoot();
+        model_.generateBanks();
 }
 
 bool OutputCard::event(QEvent* event) {
-    // The user may have changed the folder in a file manager.
-    if (event->type() == QEvent::WindowActivate) {
-        render();
-        model_.inspectExportRoot();
-    }
+    // The user may have changed the folders in a file manager.
+    if (event->type() == QEvent::WindowActivate)
+        model_.inspectFolders();
     return Card::event(event);
 }
 

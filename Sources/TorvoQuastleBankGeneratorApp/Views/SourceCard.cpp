@@ -8,7 +8,6 @@
 #include "Controls/Labels.h"
 #include "Controls/MarloButton.h"
 #include "Panels.h"
-#include "SourceFolder.h"
 #include "Text.h"
 
 #include <QHBoxLayout>
@@ -73,8 +72,7 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
     connect(dropZone, &QAbstractButton::clicked, this, &SourceCard::chooseFolder,
             Qt::QueuedConnection);
     connect(&drops, &FolderDrops::targetedChanged, dropZone, &DropZone::setTargeted);
-    connect(&drops, &FolderDrops::folderDropped, this,
-            [this](const FileURL& folder) { model_.setSourceFolder(resolvedSource(folder)); });
+    connect(&drops, &FolderDrops::folderDropped, &model, &AppModel::chooseSourceFolder);
 
     bind(
         model, this,
@@ -94,7 +92,7 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
 
 void SourceCard::chooseFolder() {
     if (const auto folder = model_.pickFolder(sourceFolderTitle))
-        model_.setSourceFolder(resolvedSource(*folder));
+        model_.chooseSourceFolder(*folder);
 }
 
 } // namespace torvo::app

@@ -49,6 +49,12 @@ std::optional<FileStatus> GatedFileManager::linkStatus(const fs::path& path) con
     return status;
 }
 
+fs::path GatedFileManager::resolve(const fs::path& path) const {
+    auto resolved = ForwardingFileManager::resolve(path);
+    pass(inspections_, path);
+    return resolved;
+}
+
 bool GatedFileManager::isMountPoint(const fs::path& folder) const {
     const std::scoped_lock lock(mutex_);
     return fs::canonical(folder) == mounted_;

@@ -15,7 +15,7 @@ class GatedFileManager final : public ForwardingFileManager {
 public:
     using ForwardingFileManager::ForwardingFileManager;
 
-    /// Reads the status of this item at once but returns it late.
+    /// Reads the status or the resolved path of this item at once but returns it late.
     std::shared_ptr<Gate> holdInspection(const std::filesystem::path& path);
     /// Removes this item late.
     std::shared_ptr<Gate> holdRemoval(const std::filesystem::path& path);
@@ -29,6 +29,7 @@ public:
 
     std::optional<FileStatus> status(const std::filesystem::path& path) const override;
     std::optional<FileStatus> linkStatus(const std::filesystem::path& path) const override;
+    std::filesystem::path resolve(const std::filesystem::path& path) const override;
     bool isMountPoint(const std::filesystem::path& folder) const override;
     void removeItem(const std::filesystem::path& path) const override;
     void flushVolume(const std::filesystem::path& path) const override;
