@@ -1,7 +1,7 @@
 #include "AppModel.h"
 
+#include "IgnoredItemLookUp.h"
 #include "Models/Device.h"
-#include "Platform/FileOperations.h"
 #include "SourceFolder.h"
 
 #include <QRandomGenerator>
@@ -48,19 +48,6 @@ bool isSamePath(const FileURL& left, const FileURL& right) {
 bool isAtTopOfVolume(const FileManager& fileManager, const FileURL& folder) {
     try {
         return fileManager.isMountPoint(folder.path().parent_path());
-    } catch (const FileError&) {
-        return false;
-    }
-}
-
-/// Whether the item, with its links resolved, lies below the resolved folder. False when it cannot
-/// be resolved.
-bool isInside(const FileManager& fileManager, const FileURL& item, const FileURL& folder) {
-    try {
-        const std::string& root = folder.nativePath();
-        return resolvingSymlinks(fileManager, item)
-            .nativePath()
-            .starts_with(root == "/" ? root : root + '/');
     } catch (const FileError&) {
         return false;
     }
@@ -184,16 +171,29 @@ void AppModel::showWrittenFolder() {
         panels_->showInFileBrowser(*writtenFolder_);
 }
 
-void AppModel::findIgnoredItem(const std::string& path, std::function<void(const FileURL&)> found) {
+void AppModel::lookUpIgnoredItem(const std::string& path,
+                                 std::function<void(const FileURL&)> found) {
     const auto* ready = std::get_if<Ready>(&scanState_);
     if (ready == nullptr)
         return;
-    const FileURL folder = ready->report->sourceFolder;
-    tasks_.start([this, folder, item = folder.appendingPathComponent(path),
-                  found = std::move(found), fileManager = fileManager_] {
-        if (itemExists(*fileManager, item.path()) && isInside(*fileManager, item, folder))
-            tasks_.postToMainThread([item, found] { found(item); });
-    });
+    nextLookUp_ = {ready->report, path, std::move(found)};
+    if (!isLookingUp_)
+        startNextLookUp();
+}
+
+void AppModel::startNextLookUp() {
+    isLookingUp_ = nextLookUp_.has_value();
+    if (!isLookingUp_)
+        return;
+    tasks_.start(
+        [this, lookUp = *std::exchange(nextLookUp_, std::nullopt), fileManager = fileManager_] {
+            const auto item = findIgnoredItem(*fileManager, *lookUp.report, lookUp.path);
+            tasks_.postToMainThread([this, item, found = lookUp.found] {
+                if (item)
+                    found(*item);
+                startNextLookUp();
+            });
+        });
 }
 
 void AppModel::showIgnoredItem(const FileURL& item) {

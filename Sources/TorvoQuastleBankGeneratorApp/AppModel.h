@@ -131,10 +131,11 @@ public:
 
     /// Shows `writtenFolder` in the desktop's file browser.
     void showWrittenFolder();
-    /// Looks in the background for the item with this path in the ignored lists. Calls `found` if
-    /// it exists and lies, with links resolved, inside the scanned folder.
-    void findIgnoredItem(const std::string& path, std::function<void(const FileURL&)> found);
-    /// Shows the item that `findIgnoredItem` found in the desktop's file browser.
+    /// Looks in the background for the item that a row of the ignored lists stands for and calls
+    /// `found` if there is one. One look-up is carried out at a time; of those that wait, only the
+    /// newest is kept.
+    void lookUpIgnoredItem(const std::string& path, std::function<void(const FileURL&)> found);
+    /// Shows an item in the desktop's file browser.
     void showIgnoredItem(const FileURL& item);
 
     /// Empty when the panel was cancelled.
@@ -176,6 +177,11 @@ private:
 
         friend bool operator==(const SourceAndReport&, const SourceAndReport&) = default;
     };
+    struct ItemLookUp {
+        std::shared_ptr<const ScanReport> report;
+        std::string path;
+        std::function<void(const FileURL&)> found;
+    };
 
     struct WrittenBanks {
         CompletedExport completedExport;
@@ -199,6 +205,7 @@ private:
     void setLastJSONURL(std::optional<FileURL> url);
     void inspectExportRoot();
     void inspectSource();
+    void startNextLookUp();
     void applyMetadata(bool onlyIfFolderExists);
 
     /// Carries out one run at a time, so that two never write into the same tree. `begin` is
@@ -233,6 +240,8 @@ private:
     BackgroundAnswer<InspectedRoot> exportRootExists_;
     BackgroundAnswer<SourceAndReport> sourceLeadsToReport_;
     std::shared_ptr<const FileURL> choice_; ///< the chosen source, until its links are resolved
+    std::optional<ItemLookUp> nextLookUp_;
+    bool isLookingUp_ = false;
 
     /// The last member: its destructor waits for background work that uses the members above.
     BackgroundTasks tasks_;

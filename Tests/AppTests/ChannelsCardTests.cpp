@@ -540,6 +540,59 @@ TEST_F(ChannelsCardTest, aSlowFolderDoesNotHoldTheMenu) {
     EXPECT_TRUE(panels->asked.empty());
 }
 
+TEST_F(ChannelsCardTest, aFolderThatDoesNotAnswerKeepsOneLookUp) {
+    const auto path = folder.write("Kit A/Kick/notes.txt", "notes");
+    scan(drumKit());
+    auto* list = openList("ignoredFiles");
+    select(list, {0});
+    const auto gate = fileManager->holdInspection(path);
+    const auto openMenu = [&](const std::function<void(QMenu&)>& look) {
+        withMenu(list, QContextMenuEvent::Mouse, look);
+    };
+    openMenu([&](QMenu&) { EXPECT_TRUE(waitUntil([&] { return gate->isReached(); })); });
+    openMenu([](QMenu&) {});
+    openMenu([](QMenu&) {});
+    bool isEnabled = false;
+    openMenu([&](QMenu& menu) {
+        gate->open();
+        waitForWork();
+        isEnabled = entry(menu, showInFolder)->isEnabled();
+    });
+    EXPECT_TRUE(isEnabled);
+    EXPECT_EQ(gate->arrivals(), 2);
+}
+
+// Targets outside the scanned folder are listed by their names alone.
+TEST_F(ChannelsCardTest, offersNothingForANameThatMayMeanAnotherItem) {
+    const auto addOutside = [this](const std::string& name) {
+        folder.write("elsewhere/" + name, "notes");
+        std::filesystem::create_symlink("../../elsewhere/" + name, folder / "Kit A/Kick" / name);
+    };
+    drumKit();
+    for (const char* name : {"Kick sample.wav", "readme", "Breaks", "link.txt"})
+        addOutside(name);
+    const auto kick = folder / "Kit A/Kick/sample 1.wav";
+    std::filesystem::copy_file(kick, folder / "Kit A/Kick sample.wav"); // a sample
+    folder.write("Kit A/readme", "notes");                              // ignored itself
+    folder.createFolder("Kit A/Breaks");
+    std::filesystem::create_symlink("Kick/sample 1.wav", folder / "Kit A/link.txt");
+    folder.write("Kit A/top.txt", "notes");
+    scan(FileURL::directory(folder / "Kit A"));
+    auto* list = openList("ignoredFiles");
+    std::map<std::string, Entry> offers;
+    for (int row = 0; row < list->model()->rowCount(); ++row) {
+        select(list, {row});
+        offers[list->model()->index(row, 0).data().toString().toStdString()] =
+            choose(list, showInFolder);
+    }
+    EXPECT_EQ(offers, (std::map<std::string, Entry>{{"Breaks", Entry::disabled},
+                                                    {"Kick sample.wav", Entry::disabled},
+                                                    {"link.txt", Entry::disabled},
+                                                    {"readme", Entry::disabled},
+                                                    {"top.txt", Entry::enabled}}));
+    EXPECT_EQ(panels->asked, shown("Kit A/top.txt"));
+}
+
 TEST_F(ChannelsCardTest, marksTheRowWithTheFocus) {
     folder.write("Kit A/Kick/notes.txt", "notes");
     drumKit();

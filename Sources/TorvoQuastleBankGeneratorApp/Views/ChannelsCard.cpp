@@ -248,7 +248,8 @@ int ChannelsCard::spareHeightForLists() const {
 }
 
 void ChannelsCard::offerToShow(const QString& path, QAction* show) {
-    model_.findIgnoredItem(path.toStdString(), [this, show = QPointer(show)](const FileURL& item) {
+    model_.lookUpIgnoredItem(path.toStdString(), [this,
+                                                  show = QPointer(show)](const FileURL& item) {
         if (!show) // the menu has been closed
             return;
         connect(show, &QAction::triggered, this, [this, item] { model_.showIgnoredItem(item); });
