@@ -139,6 +139,19 @@ TEST_F(GeometryTest, cardsHaveOneGridOfWholePixels) {
     }
 }
 
+TEST_F(GeometryTest, theSingleCountHasThePlaceOfTheFirstDrum) {
+    scan(drumKit());
+    settle();
+    const QRect kick = place(showing<CountRow>().front());
+    for (const auto mode : {GenerationMode::loops, GenerationMode::stabs}) {
+        model.setGenerationMode(mode);
+        waitForWork();
+        settle();
+        ASSERT_EQ(showing<CountRow>().size(), 1U);
+        EXPECT_EQ(place(showing<CountRow>().front()), kick);
+    }
+}
+
 TEST_F(GeometryTest, rowsDoNotFloatInATallWindow) {
     scan(drumKit());
     const auto firstRow = [this](int height) {

@@ -92,6 +92,7 @@ ChannelsCard::ChannelsCard(AppModel& model, QWidget* parent)
     uniform->setHorizontalSpacing(MarloTheme::columnGap);
     uniform->addWidget(loopCount_, 0, 0);
     uniform->addWidget(stabCount_, 1, 0);
+    uniform->addWidget(new QWidget, 2, 1); // without it, the layout leaves no gap
     uniform->setRowStretch(2, 1);
     for (const int column : {0, 1})
         uniform->setColumnStretch(column, 1);
