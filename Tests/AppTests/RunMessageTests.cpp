@@ -267,6 +267,26 @@ TEST_F(RunMessageTest, theLinesOfAResultDoNotTouch) {
     EXPECT_LE(button("Show folder")->geometry().bottom(), counts->geometry().top());
 }
 
+TEST_F(RunMessageTest, theLinkHasTheBaselineOfTheMessage) {
+    const auto expectOneBaseline = [this](const char* message) {
+        settle();
+        const auto* words = label(QString::fromUtf8(message));
+        ASSERT_TRUE(words) << message;
+        const auto* link = button("Show folder");
+        const QFontMetrics small(MarloTheme::font(13, MarloTheme::FontCut::medium));
+        const int above = (link->height() - small.height()) / 2;
+        EXPECT_NEAR(words->mapTo(&view, QPoint()).y() + words->fontMetrics().ascent(),
+                    link->mapTo(&view, QPoint()).y() + above + small.ascent(), 1)
+            << message;
+    };
+    savedRun();
+    expectOneBaseline("Random banks created");
+    model.setSourceFolder(deviceFolder());
+    model.applyMetadataToExistingBank();
+    waitForWork();
+    expectOneBaseline("Metadata applied to 0 WAVs");
+}
+
 // A slow card takes long to forget the banks that were there, and to keep the last ones.
 TEST_F(RunMessageTest, movesWhileACardIsSlow) {
     const auto target = folder.createFolder("out/Kit A/QZT508");

@@ -9,7 +9,7 @@ namespace torvo::app {
 
 namespace {
 
-constexpr int verticalPadding = 4;
+constexpr int verticalPadding = 2;
 
 QFont linkFont() {
     return MarloTheme::font(13, MarloTheme::FontCut::medium);

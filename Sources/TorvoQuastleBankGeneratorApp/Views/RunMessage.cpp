@@ -139,7 +139,7 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     auto* top = new QHBoxLayout;
     top->setSpacing(columnSpacing);
     top->addLayout(result, 1);
-    top->addWidget(showFolder_);
+    top->addWidget(showFolder_, 0, Qt::AlignTop);
     auto* words = new QVBoxLayout;
     words->setSpacing(lineSpacing);
     words->addLayout(top);
