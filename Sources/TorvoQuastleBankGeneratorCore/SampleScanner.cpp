@@ -90,10 +90,11 @@ struct ClassifiedFile {
     std::optional<AudioFormatDetails> format = std::nullopt;
 };
 
-/// An ignored file and its position in the enumeration.
+/// An ignored file, smaller than an `IgnoredItem`, which has a copy of the reason.
 struct IgnoredFile {
-    IgnoredItem item;
-    std::size_t position = 0;
+    std::string path;
+    const char* reason = nullptr;
+    std::size_t position = 0; ///< in the enumeration
 };
 
 bool isHiddenOrSidecar(const FileURL& url) {
@@ -124,12 +125,12 @@ EnumeratedItem followed(const FileManager& fileManager, EnumeratedItem item) {
 /// enumeration, although files that had to be opened are added later.
 std::vector<IgnoredItem> sortedByPath(std::vector<IgnoredFile> files) {
     std::ranges::sort(files, [](const IgnoredFile& left, const IgnoredFile& right) {
-        return std::tie(left.item.path, left.position) < std::tie(right.item.path, right.position);
+        return std::tie(left.path, left.position) < std::tie(right.path, right.position);
     });
     std::vector<IgnoredItem> items;
     items.reserve(files.size());
     for (auto& file : files)
-        items.push_back(std::move(file.item));
+        items.push_back({std::move(file.path), file.reason});
     return items;
 }
 
@@ -208,7 +209,7 @@ public:
     }
 
     void ignore(const FileURL& url, const char* reason, std::size_t position) {
-        ignoredFiles_.push_back({{relativePathForDisplay(url, root_), reason}, position});
+        ignoredFiles_.push_back({relativePathForDisplay(url, root_), reason, position});
     }
 
     std::vector<IgnoredItem> takeIgnoredFiles() { return sortedByPath(std::move(ignoredFiles_)); }
