@@ -216,11 +216,14 @@ void AppModel::resetLoadedSourceState() {
 void AppModel::scanSourceFolder() {
     if (!sourceFolder_)
         return;
-    setScanState(Scanning{});
+    ScanState previous = replaceScanState(Scanning{});
     setRunState(Idle{});
     setCurrentDocument(nullptr);
     setLastJSONURL(std::nullopt);
-    tasks_.start([this, scanner = scanner_, folder = *sourceFolder_, mode = generationMode_] {
+    tasks_.start([this, previous = std::move(previous), scanner = scanner_, folder = *sourceFolder_,
+                  mode = generationMode_]() mutable {
+        // First, because two reports of a large library take much memory.
+        previous = Idle{};
         ScanState outcome = Idle{};
         try {
             outcome = Ready{std::make_shared<const ScanReport>(scanner.scan(folder, mode))};
@@ -238,13 +241,15 @@ void AppModel::generateBanks() {
         return;
     startRun([this, report = ready->report, seed = drawSeed(), mode = generationMode_,
               generator = generator_, exporter = exporter_, store = mappingStore_,
-              exportFolder = *exportFolder_, options = metadataOptions_]() -> Publication {
+              exportFolder = *exportFolder_, options = metadataOptions_]() mutable -> Publication {
         const GenerationTemplate& layout = generationTemplate(mode);
         const BankNameScheme naming(report->sourceFolder.lastPathComponent());
         auto recipes =
             generator.makeRecipes(report->buckets, mode, layout, targetBankCount, naming, seed);
         auto document = std::make_shared<const BankMappingDocument>(
             store.document(report->sourceFolder, mode, naming, layout, std::move(recipes)));
+        // A new scan may replace it before all banks are written.
+        report = nullptr;
         auto banks = writeBanks(exporter, std::move(document), exportFolder, options);
         return [this, banks = std::move(banks)] {
             setCurrentDocument(banks.completedExport.document);
@@ -341,10 +346,15 @@ void AppModel::setMetadataOptions(TorvoMetadataOptions options) {
     Q_EMIT metadataOptionsChanged();
 }
 
-void AppModel::setScanState(ScanState state) {
+AppModel::ScanState AppModel::replaceScanState(ScanState state) {
     ScanState previous = std::exchange(scanState_, std::move(state));
     inspectSource();
     Q_EMIT scanStateChanged();
+    return previous;
+}
+
+void AppModel::setScanState(ScanState state) {
+    ScanState previous = replaceScanState(std::move(state));
     // Freeing the report of a large library takes longer than a frame.
     if (std::holds_alternative<Ready>(previous))
         tasks_.start([previous = std::move(previous)] {});

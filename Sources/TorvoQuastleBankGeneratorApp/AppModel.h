@@ -194,6 +194,8 @@ private:
     void resetLoadedSourceState();
     void assignSourceFolder(std::optional<FileURL> folder);
     void assignGenerationMode(GenerationMode mode);
+    /// Returns the previous state, whose report must be freed in the background.
+    ScanState replaceScanState(ScanState state);
     void setScanState(ScanState state);
     void setRunState(RunState state, std::optional<FileURL> failedFile = std::nullopt,
                      std::optional<FileURL> writtenFolder = std::nullopt,

@@ -367,6 +367,20 @@ TEST_F(AppModelTest, laterEditsDoNotChangeARun) {
     EXPECT_EQ(completed()->summary.rootFolder.path(), first.path() / "Kit A/QZT508");
 }
 
+TEST_F(AppModelTest, aRunDoesNotKeepAReportThatANewScanHasReplaced) {
+    model.setExportFolder(outputFolder());
+    scan(drumKit());
+    const std::weak_ptr<const ScanReport> replaced = std::get<Ready>(model.scanState()).report;
+    const auto gate = preparer->holdBank(1);
+    model.generateBanks();
+    model.setGenerationMode(GenerationMode::loops);
+    ASSERT_TRUE(waitUntil([this] { return report() != nullptr; }));
+    EXPECT_TRUE(waitUntil([&] { return replaced.expired(); }));
+    EXPECT_TRUE(model.hasUnfinishedRun());
+    gate->open();
+    waitForWork();
+}
+
 TEST_F(AppModelTest, aFailedRunKeepsTheLastDocument) {
     savedRun();
     const auto document = model.currentDocument();
