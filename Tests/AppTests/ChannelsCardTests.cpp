@@ -273,6 +273,28 @@ TEST_F(ChannelsCardTest, aNewReportStartsAtItsTop) {
     EXPECT_EQ(bar->value(), 0);
 }
 
+// Opening must not take time for each row.
+TEST_F(ChannelsCardTest, opensALongListBeforeItsLastRowsHaveAPlace) {
+    auto items = std::make_shared<std::vector<IgnoredItem>>();
+    for (int index = 0; index < 50'000; ++index)
+        items->push_back({"notes " + std::to_string(index) + ".txt", "Unclassified sample"});
+    DisclosureSection files(QStringLiteral("IGNORED FILES"));
+    files.resize(400, 400);
+    files.setItems(items);
+    files.show();
+    files.setExpanded(true);
+    const QListView& list = *files.list();
+    const QModelIndex last = list.model()->index(list.model()->rowCount() - 1, 0);
+    EXPECT_TRUE(list.isVisible());
+    EXPECT_TRUE(list.visualRect(list.model()->index(0, 0)).isValid());
+    EXPECT_FALSE(list.visualRect(last).isValid());
+    EXPECT_TRUE(waitUntil([&] { return list.visualRect(last).isValid(); }));
+    settle();
+    const int rowHeight = list.visualRect(last).height();
+    EXPECT_EQ(list.verticalScrollBar()->maximum() + list.viewport()->height(),
+              list.model()->rowCount() * rowHeight);
+}
+
 TEST_F(ChannelsCardTest, anOpenListTakesSurplusHeight) {
     for (int index = 0; index < 60; ++index)
         folder.write("Kit A/Kick/notes " + std::to_string(index) + ".txt", "notes");

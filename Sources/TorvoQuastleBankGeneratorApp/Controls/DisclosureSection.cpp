@@ -40,8 +40,14 @@ QString kind(const std::string& reason) {
 /// "1,929 unclassified · 13 unsupported", the most frequent first.
 QString kinds(const std::vector<IgnoredItem>& items) {
     std::map<std::string, int, std::less<>> counts;
-    for (const IgnoredItem& item : items)
-        ++counts[item.reason];
+    auto last = counts.end();
+    for (const IgnoredItem& item : items) {
+        // Most items have the reason of the one before; a lookup for each of half a million takes
+        // longer than a frame.
+        if (last == counts.end() || last->first != item.reason)
+            last = counts.try_emplace(item.reason, 0).first;
+        ++last->second;
+    }
     std::vector<std::pair<std::string, int>> sorted(counts.begin(), counts.end());
     std::ranges::stable_sort(sorted, std::greater{}, &std::pair<std::string, int>::second);
     const QLocale english(QLocale::English, QLocale::UnitedStates);
