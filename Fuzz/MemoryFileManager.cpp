@@ -133,4 +133,8 @@ std::optional<std::uint64_t> MemoryFileManager::availableSpace(const fs::path&) 
     return std::nullopt;
 }
 
+bool MemoryFileManager::isMountPoint(const fs::path&) const {
+    return false;
+}
+
 } // namespace torvo::fuzz

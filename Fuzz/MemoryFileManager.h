@@ -36,6 +36,7 @@ public:
     bool volumeFlushCoversFiles(const std::filesystem::path& folder) const override;
     std::unique_ptr<FolderLock> lockFolder(const std::filesystem::path& folder) const override;
     std::optional<std::uint64_t> availableSpace(const std::filesystem::path& folder) const override;
+    bool isMountPoint(const std::filesystem::path& folder) const override;
 
 private:
     const std::shared_ptr<Bytes>& existing(const std::filesystem::path& path) const;
