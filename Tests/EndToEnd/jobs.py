@@ -60,11 +60,11 @@ class Run:
     def __init__(self, bench):
         self.bench = bench
         self.command = [bench.program, "--import", bench.document, "--out", bench.out]
-        self.reset()
+        robustness.run_successfully(self.command)
         self.reference = snapshot(bench.device, times=False)
 
     def reset(self):
-        robustness.run_successfully(self.command)
+        """Nothing: a run replaces the banks of the run before."""
 
     def check_disturbed(self, result):
         self.bench.check_source()

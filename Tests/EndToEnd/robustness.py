@@ -181,7 +181,9 @@ def traced_calls(command, calls, below):
 
 def injected(command, call, what, n):
     """Runs the command with `what` ("error=EIO", "signal=SIGKILL") at each thread's n-th call."""
-    return run(["strace", "-f", "-qq", "-o", "/dev/null", "-e", "trace=" + call,
+    # Stopping only at these calls takes two thirds of the time, but strace then delivers no signals.
+    filtered = ["--seccomp-bpf"] if what.startswith("error=") else []
+    return run(["strace"] + filtered + ["-f", "-qq", "-o", "/dev/null", "-e", "trace=" + call,
                 "-e", "inject=%s:%s:when=%d" % (call, what, n)] + command)
 
 
