@@ -74,12 +74,15 @@ QWidget* ContentView::makeScrolledColumn(AppModel& model) {
         model, this, [&model, modes] { modes->setSelection(model.generationMode()); },
         &AppModel::generationModeChanged);
 
+    auto* source = new SourceCard(model, drops_);
+    connect(&model, &AppModel::sourceFolderChanged, this, [this, source] { scrollUpTo(*source); });
+
     auto* content = new QWidget;
     column_ = new QVBoxLayout(content);
     column_->setSpacing(cardSpacing);
     column_->addWidget(new HeaderView(model));
     column_->addWidget(modes, 0, Qt::AlignLeft);
-    column_->addWidget(new SourceCard(model, drops_));
+    column_->addWidget(source);
     column_->addWidget(new ChannelsCard(model));
     column_->addWidget(new MetadataCard(model));
     column_->addStretch();
@@ -114,6 +117,12 @@ void ContentView::scrollToSection(const QWidget& section) {
     QScrollBar* const bar = scrollArea_->verticalScrollBar();
     const int lowest = std::max(bar->value(), bottom - scrollArea_->viewport()->height());
     bar->setValue(std::min(lowest, top - MarloTheme::grid));
+}
+
+void ContentView::scrollUpTo(const QWidget& card) {
+    const int top = card.mapTo(scrollArea_->widget(), QPoint()).y();
+    QScrollBar* const bar = scrollArea_->verticalScrollBar();
+    bar->setValue(std::min(bar->value(), top - cardSpacing));
 }
 
 QSize ContentView::sizeHint() const {

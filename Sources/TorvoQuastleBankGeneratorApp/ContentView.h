@@ -48,6 +48,8 @@ private:
     void bringIntoSight(QWidget* control);
     /// Scrolls no further than needed to show the section, or its beginning.
     void scrollToSection(const QWidget& section);
+    /// Does not scroll if the top edge of the card is in sight.
+    void scrollUpTo(const QWidget& card);
 
     FolderDrops drops_;
     FocusRing focusRing_{*this};

@@ -221,3 +221,27 @@ TEST_F(ContentViewTest, scrollsToAListThatTheUserOpens) {
     settle();
     EXPECT_EQ(bar->value(), 0);
 }
+
+TEST_F(ContentViewTest, showsAChosenSourceFromItsTop) {
+    const auto* area = view.findChild<QScrollArea*>();
+    auto* bar = area->verticalScrollBar();
+    const auto* heading = label(QStringLiteral("SOURCE"));
+    view.setMinimumSize(1, 1); // as on a small screen
+    view.resize(1366, 500);
+    settle();
+    bar->setValue(bar->maximum());
+    ASSERT_LT(heading->mapTo(area->viewport(), QPoint()).y(), 0);
+    EXPECT_TRUE(drop({url(drumKit().path())}));
+    waitForWork();
+    settle();
+    const auto* card = heading->parentWidget();
+    const int top = card->mapTo(area->viewport(), QPoint()).y();
+    EXPECT_GE(top, 0);
+    EXPECT_GT(bar->value(), 0); // the header is of less interest
+    EXPECT_TRUE(area->viewport()->rect().contains(QRect({card->x(), top}, card->size())));
+    // It does not scroll while the card is in sight.
+    bar->setValue(9);
+    scan(drumKit("Kit B"));
+    settle();
+    EXPECT_EQ(bar->value(), 9);
+}
