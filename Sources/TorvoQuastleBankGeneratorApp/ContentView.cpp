@@ -4,7 +4,7 @@
 #include "Binding.h"
 #include "Controls/DisclosureSection.h"
 #include "Controls/DropZone.h"
-#include "Controls/ScrollFade.h"
+#include "Controls/ScrollShadow.h"
 #include "Controls/ThreeWayModeToggle.h"
 #include "MarloTheme.h"
 #include "Views/ChannelsCard.h"
@@ -56,7 +56,7 @@ ContentView::ContentView(AppModel& model, QWidget* parent)
     layout->addWidget(scrollArea_, 1);
     layout->addWidget(makeFooter(model));
     layout->addWidget(makeStatus(model));
-    new ScrollFade(*scrollArea_);
+    new ScrollShadow(*scrollArea_);
     setMargins(sideMargin, sideMargin, 0);
     connect(&focusRing_, &FocusRing::moved, this, &ContentView::bringIntoSight);
     for (const auto* section : findChildren<DisclosureSection*>())
@@ -113,7 +113,7 @@ void ContentView::scrollToSection(const QWidget& section) {
     // The layouts give the opened section its height.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     const int top = section.mapTo(scrollArea_->widget(), QPoint()).y();
-    const int bottom = top + section.height() + ScrollFade::fadeHeight;
+    const int bottom = top + section.height() + ScrollShadow::shadowHeight;
     QScrollBar* const bar = scrollArea_->verticalScrollBar();
     const int lowest = std::max(bar->value(), bottom - scrollArea_->viewport()->height());
     bar->setValue(std::min(lowest, top - MarloTheme::grid));

@@ -1,7 +1,9 @@
 #include "Controls/ChannelToggleButton.h"
+#include "Controls/DisclosureHeader.h"
 #include "Controls/MarloButton.h"
 #include "Controls/Painting.h"
 #include "Controls/ProgressBar.h"
+#include "Controls/ScrollShadow.h"
 #include "Controls/ThreeWayModeToggle.h"
 #include "MarloTheme.h"
 #include "Support/Pixels.h"
@@ -11,6 +13,7 @@
 #include <QComboBox>
 #include <QListView>
 #include <QMenu>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QStyleOption>
 #include <gtest/gtest.h>
@@ -76,7 +79,7 @@ protected:
     QImage seen(const QWidget* widget) {
         return view.grab({widget->mapTo(&view, QPoint()), widget->size()}).toImage();
     }
-    /// Nothing is scrolled out of sight or lies under the fade at the lower edge.
+    /// Nothing is scrolled out of sight or lies in the shadow at the lower edge.
     void SetUp() override { view.resize(880, 1600); }
 };
 
@@ -111,6 +114,35 @@ TEST_F(ContrastTest, everyTextCanBeReadInEveryState) {
         });
     }
     EXPECT_GT(texts, 1000U);
+}
+
+TEST_F(ContrastTest, textsInTheShadowAtTheLowerEdgeCanBeRead) {
+    scan(drumKit());
+    view.setMinimumSize(1, 1); // as on a small screen
+    view.resize(880, 500);
+    settle();
+    const auto* area = view.findChild<QScrollArea*>();
+    auto* bar = area->verticalScrollBar();
+    const QRect shadow(0, area->height() - ScrollShadow::shadowHeight, area->width(),
+                       ScrollShadow::shadowHeight);
+    int texts = 0;
+    for (int position = 0; position < bar->maximum(); position += 3) {
+        bar->setValue(position);
+        for (auto* widget : area->findChildren<QWidget*>()) {
+            const QRect place(widget->mapTo(area, QPoint()), widget->size());
+            const auto* label = qobject_cast<QLabel*>(widget);
+            const bool hasText =
+                (label && !label->text().isEmpty()) || qobject_cast<DisclosureHeader*>(widget);
+            if (!hasText || !widget->isVisible() || !area->rect().contains(place) ||
+                !shadow.intersects(place))
+                continue;
+            ++texts;
+            EXPECT_GE(strongestContrast(seen(widget)), textRatio)
+                << widget->accessibleName().toStdString()
+                << (label ? label->text().toStdString() : std::string()) << " at " << position;
+        }
+    }
+    EXPECT_GT(texts, 40);
 }
 
 TEST_F(ContrastTest, buttonsCanBeReadUnlessTheDesignFixesTheirColours) {

@@ -8,14 +8,14 @@ class QScrollArea;
 
 namespace torvo::app {
 
-/// Fades out the lower edge of a scroll area while there is more content below.
-class ScrollFade final : public QWidget {
+/// A shadow on the lower edge of a scroll area while there is more content below.
+class ScrollShadow final : public QWidget {
     Q_OBJECT
 
 public:
-    static constexpr int fadeHeight = 4 * MarloTheme::grid;
+    static constexpr int shadowHeight = 3 * MarloTheme::grid;
 
-    explicit ScrollFade(QScrollArea& area);
+    explicit ScrollShadow(QScrollArea& area);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
