@@ -130,7 +130,7 @@ void AppModel::chooseSourceFolder(const FileURL& folder) {
         setSourceFolder(folder);
         return;
     }
-    choice_ = std::make_shared<const FileURL>(folder);
+    setChoice(std::make_shared<const FileURL>(folder));
     tasks_.start([this, choice = choice_, fileManager = fileManager_] {
         const FileURL resolved = resolvedSource(*fileManager, *choice);
         tasks_.postToMainThread([this, choice, resolved] {
@@ -325,9 +325,14 @@ AppModel::WrittenBanks AppModel::writeBanks(const BankExporter& exporter,
 
 void AppModel::assignSourceFolder(std::optional<FileURL> folder) {
     sourceFolder_ = std::move(folder);
-    choice_ = nullptr;
+    setChoice(nullptr);
     inspectFolders();
     Q_EMIT sourceFolderChanged();
+}
+
+void AppModel::setChoice(std::shared_ptr<const FileURL> choice) {
+    choice_ = std::move(choice);
+    Q_EMIT isResolvingSourceChanged();
 }
 
 void AppModel::setExportFolder(std::optional<FileURL> folder) {

@@ -101,6 +101,8 @@ public:
     /// Asks the file system, which may not answer for a long time; `exportRootExists` does not.
     bool canApplyExistingBankMetadata() const;
     bool canClearSource() const;
+    /// Whether the links of a chosen source are being resolved.
+    bool isResolvingSource() const { return choice_ != nullptr; }
     bool isRunning() const { return std::holds_alternative<Running>(runState_); }
     /// Whether a run is in progress or waiting. `runState` may show something else: a new scan or a
     /// document that could not be saved replaces it there.
@@ -154,6 +156,7 @@ public:
 
 Q_SIGNALS:
     void sourceFolderChanged();
+    void isResolvingSourceChanged();
     void exportFolderChanged();
     void generationModeChanged();
     void metadataOptionsChanged();
@@ -193,6 +196,7 @@ private:
 
     void resetLoadedSourceState();
     void assignSourceFolder(std::optional<FileURL> folder);
+    void setChoice(std::shared_ptr<const FileURL> choice);
     void assignGenerationMode(GenerationMode mode);
     /// Returns the previous state, whose report must be freed in the background.
     ScanState replaceScanState(ScanState state);

@@ -5,6 +5,7 @@
 #include "WavFixture.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QTest>
@@ -184,6 +185,35 @@ TEST_F(SourceCardTest, aSlowShareBlocksNothing) {
     fourth->open();
     waitForWork();
     EXPECT_FALSE(model.sourceFolder());
+}
+
+TEST_F(SourceCardTest, aSlowShareMakesTheCursorBusy) {
+    const auto isBusy = [] {
+        const QCursor* cursor = QApplication::overrideCursor();
+        return cursor && cursor->shape() == Qt::BusyCursor;
+    };
+    const auto choose = [this](const FileURL& source) {
+        const auto gate = fileManager->holdInspection(source.path());
+        model.chooseSourceFolder(source);
+        return gate;
+    };
+    const auto first = choose(drumKit());
+    EXPECT_FALSE(isBusy()); // only after a moment
+    EXPECT_TRUE(waitUntil(isBusy));
+    // Another choice keeps it busy, and one answer is enough to end it.
+    const auto second = choose(drumKit("Kit B"));
+    first->open();
+    EXPECT_TRUE(isBusy());
+    second->open();
+    waitForWork();
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    // What the user does meanwhile ends it, too.
+    const auto third = choose(drumKit());
+    EXPECT_TRUE(waitUntil(isBusy));
+    press(button("CLEAR"));
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    third->open();
+    waitForWork();
 }
 
 // The name decides between stamping and scanning, so it is not resolved.

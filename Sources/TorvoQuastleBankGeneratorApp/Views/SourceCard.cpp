@@ -88,6 +88,9 @@ SourceCard::SourceCard(AppModel& model, FolderDrops& drops, QWidget* parent)
         },
         &AppModel::sourceFolderChanged, &AppModel::currentDocumentChanged,
         &AppModel::generationModeChanged);
+    bind(
+        model, this, [this] { busyCursor_.setBusy(model_.isResolvingSource()); },
+        &AppModel::isResolvingSourceChanged);
 }
 
 void SourceCard::chooseFolder() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Controls/BusyCursor.h"
 #include "Controls/Card.h"
 
 namespace torvo::app {
@@ -18,6 +19,7 @@ private:
     void chooseFolder();
 
     AppModel& model_;
+    BusyCursor busyCursor_; ///< while a slow share keeps a chosen folder waiting
 };
 
 } // namespace torvo::app
