@@ -187,6 +187,21 @@ TEST_F(ContrastTest, buttonsCanBeReadUnlessTheDesignFixesTheirColours) {
     }
 }
 
+TEST_F(ContrastTest, aDisabledMainButtonHasAnEdge) {
+    const auto edge = [this] {
+        const QRect place(mainButton()->mapTo(&view, QPoint()), mainButton()->size());
+        const QImage around = view.grab(place.adjusted(-3, -3, 3, 3)).toImage();
+        const int middle = around.height() / 2;
+        EXPECT_PIXEL(around, 1, middle, MarloTheme::panel);
+        return around.pixelColor(2, middle);
+    };
+    ASSERT_FALSE(mainButton()->isEnabled());
+    EXPECT_GE(contrast(edge(), MarloTheme::panel), shapeRatio);
+    prepareRun();
+    ASSERT_TRUE(mainButton()->isEnabled());
+    EXPECT_EQ(edge(), MarloTheme::panel);
+}
+
 TEST_F(ContrastTest, everyRowOfAMenuCanBeRead) {
     QMenu menu;
     menu.addAction(QStringLiteral("Import JSON…"));

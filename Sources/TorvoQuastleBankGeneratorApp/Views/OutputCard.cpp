@@ -11,6 +11,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 
 namespace torvo::app {
 
@@ -107,6 +108,7 @@ void OutputCard::render() {
     choose_->setVisible(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
     main_->setEnabled(enabled);
+    update(); // the edge around it
     // Intended: the same hint for every reason.
     main_->setToolTip(updating || enabled ? QString() : tr("Choose an output folder above!"));
 
@@ -136,6 +138,16 @@ void OutputCard::startMainAction() {
         model_.applyMetadataIfFolderExists();
     else
         model_.generateBanks();
+}
+
+void OutputCard::paintEvent(QPaintEvent* event) {
+    Card::paintEvent(event);
+    if (main_->isEnabled())
+        return;
+    // The fixed colours of a disabled button are hardly visible on the card.
+    QPainter painter(this);
+    paintRoundedRect(painter, QRectF(main_->geometry()).adjusted(-1, -1, 1, 1),
+                     MarloButtonStyle::cornerRadius + 1, Qt::transparent, outlineColor);
 }
 
 bool OutputCard::event(QEvent* event) {
