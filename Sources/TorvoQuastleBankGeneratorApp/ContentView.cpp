@@ -22,6 +22,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace torvo::app {
 
@@ -75,7 +76,12 @@ QWidget* ContentView::makeScrolledColumn(AppModel& model) {
         &AppModel::generationModeChanged);
 
     auto* source = new SourceCard(model, drops_);
-    connect(&model, &AppModel::sourceFolderChanged, this, [this, source] { scrollUpTo(*source); });
+    // Choosing the same folder again scans it again, and nothing else moves.
+    connect(&model, &AppModel::sourceFolderChanged, this,
+            [this, &model, source, shown = model.sourceFolder()]() mutable {
+                if (std::exchange(shown, model.sourceFolder()) != model.sourceFolder())
+                    scrollUpTo(*source);
+            });
 
     auto* content = new QWidget;
     column_ = new QVBoxLayout(content);

@@ -239,6 +239,11 @@ TEST_F(ContentViewTest, showsAChosenSourceFromItsTop) {
     EXPECT_GE(top, 0);
     EXPECT_GT(bar->value(), 0); // the header is of less interest
     EXPECT_TRUE(area->viewport()->rect().contains(QRect({card->x(), top}, card->size())));
+    // The same folder is not shown again.
+    bar->setValue(bar->maximum());
+    scan(drumKit());
+    settle();
+    EXPECT_EQ(bar->value(), bar->maximum());
     // It does not scroll while the card is in sight.
     bar->setValue(9);
     scan(drumKit("Kit B"));
