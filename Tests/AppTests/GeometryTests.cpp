@@ -1,6 +1,7 @@
 #include "Controls/Card.h"
 #include "Controls/ChannelToggleButton.h"
 #include "Controls/CountRow.h"
+#include "Controls/LinkButton.h"
 #include "MarloTheme.h"
 #include "Support/WindowStates.h"
 #include "Views/RunMessage.h"
@@ -89,6 +90,21 @@ TEST_F(GeometryTest, everythingIsOnTheScreenInEveryState) {
                     << button->accessibleName().toStdString();
         }
     });
+}
+
+TEST_F(GeometryTest, everyLinkIsHighEnoughToBeHit) {
+    view.resize(880, 956);
+    std::set<std::string> links;
+    inEveryState([&](const std::string& state) {
+        for (const auto* link : showing<LinkButton>()) {
+            links.insert(link->text().toStdString());
+            const QRect area = place(link);
+            EXPECT_GE(area.height(), 24) << state;
+            for (const int y : {area.top(), area.bottom()})
+                EXPECT_EQ(view.childAt(area.center().x(), y), link) << state;
+        }
+    });
+    EXPECT_EQ(links, (std::set<std::string>{"Halvorine", "Show folder"}));
 }
 
 TEST_F(GeometryTest, theNaturalHeightShowsEverythingInEveryState) {

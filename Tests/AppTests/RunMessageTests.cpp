@@ -287,6 +287,18 @@ TEST_F(RunMessageTest, theLinkHasTheBaselineOfTheMessage) {
     expectOneBaseline("Metadata applied to 0 WAVs");
 }
 
+TEST_F(RunMessageTest, theLinkMovesNoMessage) {
+    model.setSourceFolder(deviceFolder());
+    model.applyMetadataToExistingBank();
+    waitForWork();
+    settle();
+    ASSERT_TRUE(button("Show folder"));
+    const auto* words = label(QStringLiteral("Metadata applied to 0 WAVs"));
+    ASSERT_TRUE(words);
+    EXPECT_NEAR(words->y() + words->fontMetrics().height() / 2, words->parentWidget()->height() / 2,
+                1);
+}
+
 // A slow card takes long to forget the banks that were there, and to keep the last ones.
 TEST_F(RunMessageTest, movesWhileACardIsSlow) {
     const auto target = folder.createFolder("out/Kit A/QZT508");

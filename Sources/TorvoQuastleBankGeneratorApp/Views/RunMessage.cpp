@@ -139,7 +139,9 @@ RunMessage::RunMessage(AppModel& model, QWidget* parent)
     auto* top = new QHBoxLayout;
     top->setSpacing(columnSpacing);
     top->addLayout(result, 1);
-    top->addWidget(showFolder_, 0, Qt::AlignTop);
+    QLayout* const link = showFolder_->inLine();
+    top->addLayout(link);
+    top->setAlignment(link, Qt::AlignTop);
     auto* words = new QVBoxLayout;
     words->setSpacing(lineSpacing);
     words->addLayout(top);
