@@ -1,4 +1,5 @@
 #include "Controls/PanelIcons.h"
+#include "MarloTheme.h"
 #include "QtPanels.h"
 #include "Support/ModalWatcher.h"
 #include "TemporaryFolder.h"
@@ -7,6 +8,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QImage>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
@@ -193,6 +195,22 @@ TEST(QtPanels, returnsToThePanelWhenAFileIsNotToBeReplaced) {
     EXPECT_EQ(picked->path(), folder / "old.json");
     EXPECT_EQ(user.questions(),
               (std::vector{questionAbout("old.json"), questionAbout("old.json")}));
+}
+
+TEST(QtPanels, picturesOfSelectedRowsHaveTheColourOfTheirTexts) {
+    for (const auto picture : {QStyle::SP_DirIcon, QStyle::SP_FileIcon, QStyle::SP_DriveHDIcon}) {
+        const QImage shown = panelIcon(picture).pixmap(QSize(16, 16), QIcon::Selected).toImage();
+        int opaque = 0;
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x) {
+                if (shown.pixelColor(x, y).alpha() < 255)
+                    continue;
+                ++opaque;
+                EXPECT_EQ(shown.pixelColor(x, y), MarloTheme::surface);
+            }
+        }
+        EXPECT_GT(opaque, 0);
+    }
 }
 
 TEST(QtPanels, opensOneJSONFile) {

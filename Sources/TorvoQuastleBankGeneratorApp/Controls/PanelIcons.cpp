@@ -119,6 +119,12 @@ QIcon panelIcon(QStyle::StandardPixmap picture) {
             return {};
         painter.end();
         icon.addPixmap(pixmap);
+        // The colour of the text of a selected row.
+        QPainter selected(&pixmap);
+        selected.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        selected.fillRect(pixmap.rect(), MarloTheme::surface);
+        selected.end();
+        icon.addPixmap(pixmap, QIcon::Selected);
     }
     return icon;
 }
