@@ -10,6 +10,7 @@
 #include "Controls/Painting.h"
 #include "Controls/PanelIcons.h"
 #include "Controls/PopupPainting.h"
+#include "Controls/ToolTipPlace.h"
 #include "MarloTheme.h"
 
 #include <QComboBox>
@@ -155,6 +156,7 @@ void MarloStyle::polish(QWidget* widget) {
             new FocusRing(*dialog);
     } else if (qobject_cast<QMenu*>(widget) || widget->inherits("QTipLabel")) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
+        widget->installEventFilter(this);
     } else if (auto* box = qobject_cast<QComboBox*>(widget)) {
         box->setItemDelegate(new ComboItemDelegate(box));
         // Must happen before the popup's native window exists, which cannot become translucent
@@ -174,6 +176,12 @@ bool MarloStyle::eventFilter(QObject* watched, QEvent* event) {
             popup->setMask(popupMask(popup->rect()));
         else if (event->type() == QEvent::Hide)
             endHover(*popup->parentWidget());
+    } else if (watched->inherits("QTipLabel")) {
+        auto* toolTip = static_cast<QWidget*>(watched);
+        if (event->type() == QEvent::Show)
+            placeToolTip(*toolTip);
+        else if (event->type() == QEvent::Move)
+            followMove(*toolTip);
     }
     return QProxyStyle::eventFilter(watched, event);
 }

@@ -1,6 +1,7 @@
 #include "Controls/ComboItemDelegate.h"
 #include "Controls/MarloButton.h"
 #include "Controls/PopupPainting.h"
+#include "Controls/ToolTipPlace.h"
 #include "MarloTheme.h"
 #include "Support/AppFixture.h"
 #include "Support/Pixels.h"
@@ -193,4 +194,21 @@ TEST(MarloStyle, highlightsTheMenuSelectedByKeyboard) {
     QTest::keyClick(&bar, Qt::Key_Right);
     EXPECT_FALSE(marked(0));
     EXPECT_TRUE(marked(1));
+}
+
+TEST(MarloStyle, toolTipsStayInTheWindow) {
+    const QRect window(0, 0, 880, 1000);
+    struct Row {
+        const char* name;
+        QRect toolTip;
+        QPoint place;
+    };
+    for (const Row& row :
+         {Row{"in the middle", {300, 400, 200, 60}, {300, 400}},
+          Row{"touches the lower edge", {300, 940, 200, 60}, {300, 940}},
+          Row{"below", {300, 941, 200, 60}, {300, 857}},
+          Row{"right", {700, 400, 200, 60}, {680, 400}}, Row{"left", {-9, 400, 200, 60}, {0, 400}},
+          Row{"wider than the window", {300, 400, 900, 60}, {0, 400}},
+          Row{"higher than the window", {300, 400, 200, 1200}, {300, 0}}})
+        EXPECT_EQ(toolTipPosition(row.toolTip, window), row.place) << row.name;
 }
