@@ -2,6 +2,7 @@
 
 #include "IgnoredItemLookUp.h"
 #include "Models/Device.h"
+#include "Platform/FreedMemory.h"
 #include "SourceFolder.h"
 
 #include <QRandomGenerator>
@@ -51,6 +52,12 @@ bool isAtTopOfVolume(const FileManager& fileManager, const FileURL& folder) {
     } catch (const FileError&) {
         return false;
     }
+}
+
+/// Frees the report that the state may hold.
+void freeReport(AppModel::ScanState& state) {
+    state = AppModel::Idle{};
+    returnFreedMemory();
 }
 
 } // namespace
@@ -223,13 +230,14 @@ void AppModel::scanSourceFolder() {
     tasks_.start([this, previous = std::move(previous), scanner = scanner_, folder = *sourceFolder_,
                   mode = generationMode_]() mutable {
         // First, because two reports of a large library take much memory.
-        previous = Idle{};
+        freeReport(previous);
         ScanState outcome = Idle{};
         try {
             outcome = Ready{std::make_shared<const ScanReport>(scanner.scan(folder, mode))};
         } catch (...) {
             outcome = Failed{userFacingDescription(std::current_exception())};
         }
+        returnFreedMemory();
         tasks_.postToMainThread(
             [this, outcome = std::move(outcome)]() mutable { setScanState(std::move(outcome)); });
     });
@@ -362,7 +370,7 @@ void AppModel::setScanState(ScanState state) {
     ScanState previous = replaceScanState(std::move(state));
     // Freeing the report of a large library takes longer than a frame.
     if (std::holds_alternative<Ready>(previous))
-        tasks_.start([previous = std::move(previous)] {});
+        tasks_.start([previous = std::move(previous)]() mutable { freeReport(previous); });
 }
 
 void AppModel::setRunState(RunState state, std::optional<FileURL> failedFile,

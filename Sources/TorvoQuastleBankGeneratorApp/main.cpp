@@ -1,3 +1,4 @@
+#include "Platform/FreedMemory.h"
 #include "TorvoQuastleBankGeneratorApp.h"
 
 #include <QApplication>
@@ -34,6 +35,7 @@ void reportMissingDisplayInsteadOfAborting(QtMsgType type, const QMessageLogCont
 } // namespace
 
 int main(int argc, char** argv) {
+    torvo::alwaysReturnLargeBlocks();
     if (!hasDisplay()) {
         reportMissingDisplay();
         return EXIT_FAILURE;

@@ -78,6 +78,13 @@ def ask_to_close(display_name, window):
     check(sent, f"window {window} was not asked to close")
 
 
+def resident_megabytes(pid):
+    """What a process has in memory now, and the most that it ever had."""
+    with open(f"/proc/{pid}/status", encoding="ascii") as file:
+        sizes = {line.split(":")[0]: line.split()[1] for line in file if line.startswith("Vm")}
+    return int(sizes["VmRSS"]) / 1024, int(sizes["VmHWM"]) / 1024
+
+
 class Desktop:
     """`folder` is a temporary folder, removed with the desktop."""
 
