@@ -312,7 +312,9 @@ public:
 
     void createDirectory(const fs::path& path) const override {
         std::error_code code;
-        fs::create_directories(path, code);
+        // The parent usually exists; create_directories() would check it first.
+        if (fs::create_directory(path, code); code)
+            fs::create_directories(path, code);
         if (code)
             throw FileError(FileOperation::createFolder, path, code);
     }
