@@ -19,10 +19,8 @@ namespace {
 const FileURL source(std::filesystem::path("/in/sample.wav"));
 const FileURL destination(std::filesystem::path("/out/sample.wav"));
 
-void stamp(const MemoryFileManager& files) {
-    const auto file = files.open(destination.path(), OpenMode::update);
-    TorvoWAVMetadataWriter().updateBusyChunk(*file, {}, 1);
-    file->close();
+FileEdit stamp(const ByteSource& bytes) {
+    return TorvoWAVMetadataWriter().busyChunkEdit(bytes, {}, 1);
 }
 
 void checkConverted(const MemoryFileManager& files) {
@@ -31,7 +29,9 @@ void checkConverted(const MemoryFileManager& files) {
     const auto found = findDataChunk(MemoryByteSource(*bytes));
     require(std::holds_alternative<RiffChunk>(found), "a converted file has a data chunk");
     const auto& data = std::get<RiffChunk>(found);
-    require(data.payloadEnd() == bytes->size(), "the header tells the size of the file");
+    constexpr std::size_t stampSize = 1944;
+    require(data.payloadEnd() + stampSize == bytes->size(),
+            "the header tells the size of the file");
     require(data.payloadSize % 2 == 0, "whole frames");
 }
 
@@ -55,20 +55,18 @@ void prepareAnything(std::span<const std::byte> bytes) {
     SampleCandidate sample{source, ChannelRole::kick, "sample",
                            AudioCompatibilityEvaluator{}.compatibility(*details), *details};
     if (std::holds_alternative<CompatibleWav>(sample.compatibility)) {
-        preparer.prepare(sample, destination);
-        stamp(*files);
+        preparer.prepare(sample, destination, stamp);
         // Converting a compatible file must be safe as well.
         sample.compatibility = RequiresConversion{"any"};
     }
     try {
-        preparer.prepare(sample, destination);
+        preparer.prepare(sample, destination, stamp);
     } catch (const GenerationError&) {
         return;
     } catch (const std::bad_alloc&) {
         return;
     }
     checkConverted(*files);
-    stamp(*files);
 }
 
 } // namespace

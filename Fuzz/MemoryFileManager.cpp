@@ -1,6 +1,7 @@
 #include "MemoryFileManager.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 
 namespace torvo::fuzz {
@@ -15,8 +16,8 @@ constexpr std::size_t maxFileSize = std::size_t{8} * 1024 * 1024; // bytes
 
 class MemoryFile final : public File {
 public:
-    explicit MemoryFile(std::shared_ptr<MemoryFileManager::Bytes> bytes)
-        : bytes_(std::move(bytes)) {}
+    MemoryFile(fs::path path, std::shared_ptr<MemoryFileManager::Bytes> bytes)
+        : path_(std::move(path)), bytes_(std::move(bytes)) {}
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
         if (offset >= bytes_->size())
@@ -27,22 +28,36 @@ public:
         return count;
     }
 
-    void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
-        const auto end = static_cast<std::size_t>(offset) + bytes.size();
-        if (end > maxFileSize)
-            throw FileError(FileOperation::write, "/card", ENOSPC);
-        if (end > bytes_->size())
-            bytes_->resize(end);
-        std::ranges::copy(bytes, bytes_->begin() + static_cast<std::ptrdiff_t>(offset));
+    void writeParts(std::uint64_t offset, std::span<const Bytes> parts) override {
+        for (const auto& part : parts) {
+            const auto end = static_cast<std::size_t>(offset) + part.size();
+            if (end > maxFileSize)
+                throw FileError(FileOperation::write, path_, ENOSPC);
+            if (end > bytes_->size())
+                bytes_->resize(end);
+            std::ranges::copy(part, bytes_->begin() + static_cast<std::ptrdiff_t>(offset));
+            offset += part.size();
+        }
     }
 
+    void copyFrom(const File& source, const FileEdit& edit) override {
+        std::vector<std::byte> content(static_cast<std::size_t>(source.size()));
+        source.read(0, content);
+        const auto all = std::span(content);
+        const auto rest = static_cast<std::size_t>(edit.offset + edit.replacedSize);
+        writeParts(0, std::array<Bytes, 3>{all.first(static_cast<std::size_t>(edit.offset)),
+                                           edit.bytes, all.subspan(rest)});
+    }
+
+    fs::path path() const override { return path_; }
+    std::optional<int> descriptor() const override { return std::nullopt; }
     std::uint64_t size() const override { return bytes_->size(); }
-    void resize(std::uint64_t size) override { bytes_->resize(size); }
     void setPermissions(fs::perms) override {}
     void flush() override {}
     void close() override {}
 
 private:
+    fs::path path_;
     std::shared_ptr<MemoryFileManager::Bytes> bytes_;
 };
 
@@ -99,10 +114,6 @@ void MemoryFileManager::removeItem(const fs::path& path) const {
     files_.erase(path);
 }
 
-void MemoryFileManager::copyItem(const fs::path& source, const fs::path& destination) const {
-    files_[destination] = std::make_shared<Bytes>(*existing(source));
-}
-
 void MemoryFileManager::replaceItem(const fs::path& destination, const fs::path& source) const {
     files_[destination] = existing(source);
     files_.erase(source);
@@ -112,7 +123,7 @@ std::unique_ptr<File> MemoryFileManager::open(const fs::path& path, OpenMode mod
     const bool isNew = mode == OpenMode::create || mode == OpenMode::createUnique;
     if (isNew)
         files_[path] = std::make_shared<Bytes>();
-    return std::make_unique<MemoryFile>(existing(path));
+    return std::make_unique<MemoryFile>(path, existing(path));
 }
 
 bool MemoryFileManager::flushDirectory(const fs::path&) const {

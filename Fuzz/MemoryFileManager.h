@@ -26,8 +26,6 @@ public:
     contentsOfDirectory(const std::filesystem::path& path) const override;
     void createDirectory(const std::filesystem::path& path) const override;
     void removeItem(const std::filesystem::path& path) const override;
-    void copyItem(const std::filesystem::path& source,
-                  const std::filesystem::path& destination) const override;
     void replaceItem(const std::filesystem::path& destination,
                      const std::filesystem::path& source) const override;
     std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;

@@ -36,9 +36,17 @@ bool willBeCopied(const AudioFormatDetails& details, const ByteSource& bytes) {
            isStampable(bytes);
 }
 
-bool isStampableFile(const FileManager& fileManager, const FileURL& url) {
-    const auto file = fileManager.open(url.path(), OpenMode::read);
-    return isStampable(FileByteSource(*file));
+/// Copies the file. Returns false, without having written anything, when it is not stampable.
+bool copyStampable(const FileManager& fileManager, const FileURL& sourceURL,
+                   const FileURL& destinationURL, const SampleEdit& edit) {
+    const auto source = fileManager.open(sourceURL.path(), OpenMode::read);
+    const FileByteSource bytes(*source);
+    if (!isStampable(bytes))
+        return false;
+    const auto destination = fileManager.open(destinationURL.path(), OpenMode::createUnique);
+    destination->copyFrom(*source, edit ? edit(bytes) : FileEdit{});
+    destination->close();
+    return true;
 }
 
 } // namespace
@@ -99,15 +107,14 @@ AVAudioSamplePreparer::AVAudioSamplePreparer(std::shared_ptr<const FileManager> 
     : fileManager_(std::move(fileManager)) {}
 
 SamplePreparationMode AVAudioSamplePreparer::prepare(const SampleCandidate& sample,
-                                                     const FileURL& destinationURL) const {
+                                                     const FileURL& destinationURL,
+                                                     const SampleEdit& edit) const {
     removeExisting(*fileManager_, destinationURL);
-    if (std::holds_alternative<RequiresConversion>(sample.compatibility) ||
-        !isStampableFile(*fileManager_, sample.sourceURL)) {
-        convertFile(*fileManager_, sample.sourceURL, destinationURL);
-        return SamplePreparationMode::converted;
-    }
-    fileManager_->copyItem(sample.sourceURL.path(), destinationURL.path());
-    return SamplePreparationMode::copied;
+    if (std::holds_alternative<CompatibleWav>(sample.compatibility) &&
+        copyStampable(*fileManager_, sample.sourceURL, destinationURL, edit))
+        return SamplePreparationMode::copied;
+    convertFile(*fileManager_, sample.sourceURL, destinationURL, edit);
+    return SamplePreparationMode::converted;
 }
 
 std::shared_ptr<const ConvertedFile>

@@ -5,6 +5,7 @@
 #include "Platform/SystemFileManager.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <stop_token>
 #include <vector>
@@ -40,6 +41,11 @@ struct AudioCompatibilityEvaluator {
     SampleCompatibility compatibility(const AudioFormatDetails& details) const;
 };
 
+class ByteSource;
+
+/// Chooses the edit with which a sample is written, given the bytes that are written without it.
+using SampleEdit = std::function<FileEdit(const ByteSource& bytes)>;
+
 /// How `prepare` wrote a sample.
 enum class SamplePreparationMode { copied, converted };
 
@@ -51,14 +57,17 @@ class AudioFilePreparing {
 public:
     virtual ~AudioFilePreparing() = default;
 
-    /// Writes the sample to the destination, replacing any existing item. Throws `GenerationError`
-    /// or `FileError`; a partial file may then remain.
+    /// Writes the sample to the destination, replacing any existing item. An `edit` is applied
+    /// while the file is written, so that the card is not asked for it a second time. Throws
+    /// `GenerationError`, `FileError` or the error of `edit`; a partial file may then remain.
     virtual SamplePreparationMode prepare(const SampleCandidate& sample,
-                                          const FileURL& destinationURL) const = 0;
+                                          const FileURL& destinationURL,
+                                          const SampleEdit& edit = {}) const = 0;
 
-    /// Converts a sample in memory and returns the file that `prepare` would write. Null when it
-    /// would exceed `maxSize` bytes, when `stop` was requested, or when this preparer cannot
-    /// convert in memory. Throws the errors that `prepare` throws for the source. Thread-safe.
+    /// Converts a sample in memory and returns the file that `prepare` would write without an edit.
+    /// Null when it would exceed `maxSize` bytes, when `stop` was requested, or when this preparer
+    /// cannot convert in memory. Throws the errors that `prepare` throws for the source.
+    /// Thread-safe.
     virtual std::shared_ptr<const ConvertedFile> convertedFile(const SampleCandidate& sample,
                                                                std::size_t maxSize,
                                                                const std::stop_token& stop) const;
@@ -71,8 +80,8 @@ class AVAudioSamplePreparer final : public AudioFilePreparing {
 public:
     explicit AVAudioSamplePreparer(
         std::shared_ptr<const FileManager> fileManager = systemFileManager());
-    SamplePreparationMode prepare(const SampleCandidate& sample,
-                                  const FileURL& destinationURL) const override;
+    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL& destinationURL,
+                                  const SampleEdit& edit = {}) const override;
     std::shared_ptr<const ConvertedFile> convertedFile(const SampleCandidate& sample,
                                                        std::size_t maxSize,
                                                        const std::stop_token& stop) const override;

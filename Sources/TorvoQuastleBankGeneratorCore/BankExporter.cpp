@@ -150,20 +150,28 @@ private:
         ++preparedSamples_;
     }
 
-    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL& destination) {
+    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL& destination,
+                                  const SampleEdit& stamp) {
         if (std::holds_alternative<CompatibleWav>(sample.compatibility))
-            return preparer_->prepare(sample, destination);
+            return preparer_->prepare(sample, destination, stamp);
         removeExisting(fileManager_, destination);
         const auto converted = conversions_.take(preparedSamples_);
         if (!converted)
-            return preparer_->prepare(sample, destination);
-        ConvertedFileWriter(fileManager_, destination).writeWhole(*converted);
+            return preparer_->prepare(sample, destination, stamp);
+        ConvertedFileWriter(fileManager_, destination).writeWhole(*converted, stamp);
         return SamplePreparationMode::converted;
     }
 
     void writeStamped(const SampleCandidate& sample, std::int64_t channel,
                       const FileURL& destination) {
-        switch (prepare(sample, destination)) {
+        const auto stamp = [&](const ByteSource& bytes) {
+            FileEdit edit;
+            withFileInErrors(destination.path(), [&] {
+                edit = metadataWriter_.busyChunkEdit(bytes, job_.metadataOptions, channel);
+            });
+            return edit;
+        };
+        switch (prepare(sample, destination, stamp)) {
         case SamplePreparationMode::copied:
             ++summary_.copiedFiles;
             break;
@@ -171,11 +179,6 @@ private:
             ++summary_.convertedFiles;
             break;
         }
-        const auto file = fileManager_.open(destination.path(), OpenMode::update);
-        withFileInErrors(destination.path(), [&] {
-            metadataWriter_.updateBusyChunk(*file, job_.metadataOptions, channel);
-        });
-        file->close();
     }
 
     const FileManager& fileManager_;

@@ -1,6 +1,5 @@
 #include "TorvoMetadata.h"
 
-#include "AudioSupport/RiffChunks.h"
 #include "Models/Device.h"
 #include "Models/GenerationError.h"
 #include "Platform/FileOperations.h"
@@ -138,13 +137,6 @@ std::optional<RiffChunk> findBusyChunk(const ByteSource& bytes) {
     return std::nullopt;
 }
 
-/// Replaces `replacedSize` bytes at `offset` with `bytes`.
-struct Edit {
-    std::uint64_t offset = 0;
-    std::uint64_t replacedSize = 0;
-    std::vector<std::byte> bytes;
-};
-
 std::vector<std::byte> makeBusyChunk(const Payload& payload) {
     std::vector<std::byte> chunk(RiffChunk::headerSize + payload.size());
     std::ranges::copy(std::as_bytes(std::span(std::string_view("busy"))), chunk.begin());
@@ -166,50 +158,6 @@ RiffChunk dataChunk(const ByteSource& bytes) {
         break;
     }
     throw GenerationError::exportFailed("WAV data chunk not found.");
-}
-
-/// Intended: the RIFF size is not updated when the file grows. The device ignores it, and files
-/// stamped by earlier versions keep the same bytes.
-Edit busyChunkEdit(const ByteSource& bytes, const TorvoMetadataOptions& options,
-                   std::optional<std::int64_t> channel) {
-    const auto data = dataChunk(bytes);
-    const auto busy = findBusyChunk(bytes);
-    const bool hasFullPayload = busy && busy->payloadSize == payloadSize;
-
-    Payload payload;
-    if (hasFullPayload) {
-        payload.resize(payloadSize);
-        bytes.read(busy->payloadOffset(), payload);
-    }
-    // Keep the sizes and the channel of a payload that has the device's signature.
-    if (!hasFullPayload || readUInt32(wordAt(payload, offsets::signature)) != payloadSignature)
-        payload = freshPayload(data.payloadSize, channel);
-    writeSettings(payload, options, channel);
-
-    if (hasFullPayload)
-        return {busy->payloadOffset(), payloadSize, std::move(payload)};
-    // Intended: the pad byte of an old payload with an odd size is kept.
-    if (busy)
-        return {busy->headerOffset, busy->payloadEnd() - busy->headerOffset,
-                makeBusyChunk(payload)};
-    return {bytes.size(), 0, makeBusyChunk(payload)};
-}
-
-/// Copies `size` bytes of a file from `offset` on, in blocks, because a recording may be larger
-/// than the available memory.
-void copyBytes(const ByteSource& source, std::uint64_t offset, std::uint64_t size,
-               const FileURL& file, File& destination, std::uint64_t destinationOffset) {
-    constexpr std::uint64_t maxPieceSize = std::uint64_t{1} << 20U;
-    std::vector<std::byte> piece(static_cast<std::size_t>(std::min(size, maxPieceSize)));
-    for (std::uint64_t done = 0; done < size;) {
-        const auto part = std::span(piece).first(
-            static_cast<std::size_t>(std::min<std::uint64_t>(size - done, piece.size())));
-        // The file was truncated after it was opened.
-        if (source.read(offset + done, part) < part.size())
-            throw FileError(FileOperation::read, file.path(), EIO);
-        destination.write(destinationOffset + done, part);
-        done += part.size();
-    }
 }
 
 /// Whether the item is a regular file or a link to one. A folder may be named "x.wav".
@@ -279,17 +227,12 @@ void TorvoWAVMetadataWriter::rewrite(const FileURL& file, const TorvoMetadataOpt
                                      const Replace& replace) const {
     const auto status = fileManager_->status(file.path());
     const auto original = fileManager_->open(file.path(), OpenMode::read);
-    const FileByteSource source(*original);
-    Edit edit;
-    withFileInErrors(file.path(), [&] { edit = busyChunkEdit(source, options, channel); });
-    const auto write = [&](File& stamped) {
-        const auto replacedEnd = edit.offset + edit.replacedSize;
-        copyBytes(source, 0, edit.offset, file, stamped, 0);
-        stamped.write(edit.offset, edit.bytes);
-        copyBytes(source, replacedEnd, source.size() - replacedEnd, file, stamped,
-                  edit.offset + edit.bytes.size());
-    };
-    replace(file.path(), write, status ? std::optional(status->permissions) : std::nullopt);
+    FileEdit edit;
+    withFileInErrors(file.path(),
+                     [&] { edit = busyChunkEdit(FileByteSource(*original), options, channel); });
+    replace(
+        file.path(), [&](File& stamped) { stamped.copyFrom(*original, edit); },
+        status ? std::optional(status->permissions) : std::nullopt);
 }
 
 void TorvoWAVMetadataWriter::updateBusyChunk(std::vector<std::byte>& bytes,
@@ -304,20 +247,32 @@ void TorvoWAVMetadataWriter::updateBusyChunk(std::vector<std::byte>& bytes,
     bytes.insert(position, middle, edit.bytes.end());
 }
 
-void TorvoWAVMetadataWriter::updateBusyChunk(File& file, const TorvoMetadataOptions& options,
-                                             std::optional<std::int64_t> channel) const {
-    const FileByteSource source(file);
-    auto edit = busyChunkEdit(source, options, channel);
-    if (edit.replacedSize != edit.bytes.size()) {
-        const auto tailOffset = edit.offset + edit.replacedSize;
-        std::vector<std::byte> tail(source.size() - tailOffset);
-        source.read(tailOffset, tail);
-        edit.bytes.insert(edit.bytes.end(), tail.begin(), tail.end());
-        const auto newSize = edit.offset + edit.bytes.size();
-        if (newSize < source.size())
-            file.resize(newSize);
+FileEdit TorvoWAVMetadataWriter::busyChunkEdit(const ByteSource& bytes,
+                                               const TorvoMetadataOptions& options,
+                                               std::optional<std::int64_t> channel) const {
+    const auto data = dataChunk(bytes);
+    const auto busy = findBusyChunk(bytes);
+    const bool hasFullPayload = busy && busy->payloadSize == payloadSize;
+
+    Payload payload;
+    if (hasFullPayload) {
+        payload.resize(payloadSize);
+        bytes.read(busy->payloadOffset(), payload);
     }
-    file.write(edit.offset, edit.bytes);
+    // Keep the sizes and the channel of a payload that has the device's signature.
+    if (!hasFullPayload || readUInt32(wordAt(payload, offsets::signature)) != payloadSignature)
+        payload = freshPayload(data.payloadSize, channel);
+    writeSettings(payload, options, channel);
+
+    // Intended: the RIFF size is not updated when the file grows. The device ignores it, and files
+    // stamped by earlier versions keep the same bytes.
+    if (hasFullPayload)
+        return {busy->payloadOffset(), payloadSize, std::move(payload)};
+    // Intended: the pad byte of an old payload with an odd size is kept.
+    if (busy)
+        return {busy->headerOffset, busy->payloadEnd() - busy->headerOffset,
+                makeBusyChunk(payload)};
+    return {bytes.size(), 0, makeBusyChunk(payload)};
 }
 
 std::optional<std::int64_t> channelNumber(const FileURL& file) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioSupport/RiffChunks.h"
 #include "Models/TorvoMetadataOptions.h"
 #include "Platform/FileURL.h"
 #include "Platform/SystemFileManager.h"
@@ -37,10 +38,9 @@ public:
     void updateBusyChunk(std::vector<std::byte>& bytes, const TorvoMetadataOptions& options,
                          std::optional<std::int64_t> channel) const;
 
-    /// Applies the same change in place, without a temporary file. Use it only for a file that the
-    /// export has just created, because a failure may leave the file incomplete.
-    void updateBusyChunk(File& file, const TorvoMetadataOptions& options,
-                         std::optional<std::int64_t> channel) const;
+    /// The same change, for a file that is about to be written.
+    FileEdit busyChunkEdit(const ByteSource& bytes, const TorvoMetadataOptions& options,
+                           std::optional<std::int64_t> channel) const;
 
 private:
     using Replace = std::function<void(const std::filesystem::path& file,

@@ -24,7 +24,8 @@ class CountingPreparer final : public AudioFilePreparing {
 public:
     explicit CountingPreparer(std::size_t fileSize) : fileSize_(fileSize) {}
 
-    SamplePreparationMode prepare(const SampleCandidate&, const FileURL&) const override {
+    SamplePreparationMode prepare(const SampleCandidate&, const FileURL&,
+                                  const SampleEdit& = {}) const override {
         return SamplePreparationMode::converted;
     }
 

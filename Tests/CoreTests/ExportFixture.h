@@ -32,6 +32,13 @@ struct ExportFixture {
             job, [&](const ProgressUpdate& update) { updates.push_back(update); });
     }
 
+    /// Copies and converts as the program does.
+    ExportSummary runForReal(std::shared_ptr<const FileManager> fileManager = systemFileManager()) {
+        return BankExporter(fileManager, std::make_shared<AVAudioSamplePreparer>(fileManager),
+                            TorvoWAVMetadataWriter(fileManager))
+            .exportBanks(job);
+    }
+
     SampleCandidate sample(const std::string& displayName) const {
         return sampleAt(source, displayName);
     }

@@ -1,4 +1,5 @@
 #include "FileKinds.h"
+#include "ForwardingFileManager.h"
 #include "Thrown.h"
 
 #include <gmock/gmock.h>
@@ -139,29 +140,79 @@ TEST(FileManager, removesItemsButNeverLinkTargets) {
     EXPECT_THAT(files().contentsOfDirectory(kinds.folder.path()), IsEmpty());
 }
 
-TEST(FileManager, copiesToANewFileWithDefaultPermissions) {
-    const FileKinds kinds;
-    std::string content(700'001, 'a');
-    for (std::size_t i = 0; i < content.size(); ++i)
-        content[i] = static_cast<char>(i * 7 + i / 251);
-    const auto source = kinds.folder.write("source", content);
-    fs::permissions(source, fs::perms(0400));
-    files().copyItem(source, kinds.folder / "copy");
-    EXPECT_TRUE(textOf(kinds.folder / "copy") == content);
-    EXPECT_EQ(fs::status(kinds.folder / "copy").permissions(), ordinaryFilePermissions());
-    files().copyItem(kinds.fileLink, kinds.folder / "copy of link");
-    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(kinds.folder / "copy of link")));
-    EXPECT_EQ(textOf(kinds.folder / "copy of link"), "12345");
+void copyFile(const File& source, const fs::path& destination, const FileEdit& edit = {}) {
+    const auto copy = files().open(destination, OpenMode::createUnique);
+    copy->copyFrom(source, edit);
+    copy->close();
+}
 
-    EXPECT_EQ(codeOf([&] { files().copyItem(kinds.file, source); }), std::errc::file_exists);
-    EXPECT_EQ(codeOf([&] { files().copyItem(kinds.directory, kinds.folder / "x"); }),
-              std::errc::is_a_directory);
-    EXPECT_EQ(codeOf([&] { files().copyItem(kinds.pipe, kinds.folder / "x"); }),
-              std::errc::invalid_argument)
-        << "copying a pipe must not block";
-    EXPECT_EQ(codeOf([&] { files().copyItem(kinds.file, kinds.folder / "missing/x"); }),
-              std::errc::no_such_file_or_directory);
-    EXPECT_FALSE(fs::exists(kinds.folder / "x"));
+std::string longText(std::size_t size) {
+    std::string text(size, 'a');
+    for (std::size_t i = 0; i < text.size(); ++i)
+        text[i] = static_cast<char>(i * 7 + i / 251);
+    return text;
+}
+
+/// A file that the kernel cannot copy: the program reads and writes its bytes.
+class FileWithoutDescriptor final : public ForwardingFile {
+public:
+    using ForwardingFile::ForwardingFile;
+    std::optional<int> descriptor() const override { return std::nullopt; }
+};
+
+TEST(FileManager, copiesToANewFileWithDefaultPermissions) {
+    const TemporaryFolder folder;
+    const auto content = longText(700'001);
+    const auto source = folder.write("source", content);
+    fs::permissions(source, fs::perms(0400));
+    copyFile(*files().open(source, OpenMode::read), folder / "copy");
+    EXPECT_TRUE(textOf(folder / "copy") == content);
+    EXPECT_EQ(fs::status(folder / "copy").permissions(), ordinaryFilePermissions());
+}
+
+TEST(FileManager, copiesWithAnEdit) {
+    struct Row {
+        const char* name;
+        std::size_t offset;
+        std::size_t replacedSize;
+        std::size_t insertedSize;
+    };
+    // Blocks of 256 KiB are copied at a time.
+    constexpr std::size_t size = 700'001;
+    constexpr std::size_t block = std::size_t{256} * 1024;
+    for (const auto& row :
+         {Row{"nothing", 0, 0, 0}, Row{"appended", size, 0, 1944},
+          Row{"the end replaced", size - 10, 10, 1944},
+          Row{"the middle overwritten", 300'000, 1936, 1936},
+          Row{"the middle longer", block, 100, 5000},
+          Row{"the middle shorter", 2 * block - 1, 5000, 100},
+          Row{"the middle removed", 300'000, 5000, 0}, Row{"inserted at the beginning", 0, 0, 7},
+          Row{"everything replaced", 0, size, 5}}) {
+        const TemporaryFolder folder;
+        const auto content = longText(size);
+        const auto source = folder.write("source", content);
+        const std::string inserted(row.insertedSize, '!');
+        const FileEdit edit{row.offset, row.replacedSize, bytes(inserted)};
+        auto expected = content;
+        expected.replace(row.offset, row.replacedSize, inserted);
+        copyFile(*files().open(source, OpenMode::read), folder / "copy", edit);
+        EXPECT_TRUE(textOf(folder / "copy") == expected) << row.name;
+        copyFile(FileWithoutDescriptor(files().open(source, OpenMode::read)), folder / "read",
+                 edit);
+        EXPECT_TRUE(textOf(folder / "read") == expected) << row.name << ", without a descriptor";
+        EXPECT_TRUE(textOf(source) == content) << row.name;
+    }
+}
+
+TEST(FileManager, doesNotCopyAFileThatHasBecomeSmaller) {
+    const TemporaryFolder folder;
+    const auto path = folder.write("source", longText(1000));
+    const auto source = files().open(path, OpenMode::read);
+    fs::resize_file(path, 500);
+    const auto error = thrown<FileError>([&] { copyFile(*source, folder / "copy"); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->operation(), FileOperation::read);
+    EXPECT_EQ(error->path(), path);
 }
 
 /// A new folder on a different volume.
@@ -183,7 +234,7 @@ TEST(FileManager, copiesAcrossVolumes) {
     const TemporaryFolder folder;
     const auto elsewhere = folderElsewhere(folder);
     const std::string content(600'000, 'x');
-    files().copyItem(folder.write("source", content), elsewhere / "copy");
+    copyFile(*files().open(folder.write("source", content), OpenMode::read), elsewhere / "copy");
     const bool same = textOf(elsewhere / "copy") == content;
     fs::remove_all(elsewhere);
     EXPECT_TRUE(same);
@@ -203,15 +254,17 @@ TEST(FileManager, replacesAtomically) {
 
 TEST(FileManager, opensRegularFilesOnly) {
     const FileKinds kinds;
-    for (const auto mode : {OpenMode::read, OpenMode::update}) {
-        EXPECT_EQ(codeOf([&] { files().open(kinds.file, mode); }), std::error_code());
-        EXPECT_EQ(codeOf([&] { files().open(kinds.fileLink, mode); }), std::error_code());
-        EXPECT_EQ(codeOf([&] { files().open(kinds.directory, mode); }), std::errc::is_a_directory);
-        EXPECT_EQ(codeOf([&] { files().open(kinds.pipe, mode); }), std::errc::invalid_argument);
-        EXPECT_EQ(codeOf([&] { files().open("/dev/zero", mode); }), std::errc::invalid_argument);
-        EXPECT_EQ(codeOf([&] { files().open(kinds.deadLink, mode); }),
-                  std::errc::no_such_file_or_directory);
-    }
+    EXPECT_EQ(codeOf([&] { files().open(kinds.file, OpenMode::read); }), std::error_code());
+    EXPECT_EQ(codeOf([&] { files().open(kinds.fileLink, OpenMode::read); }), std::error_code());
+    EXPECT_EQ(codeOf([&] { files().open(kinds.directory, OpenMode::read); }),
+              std::errc::is_a_directory);
+    EXPECT_EQ(codeOf([&] { files().open(kinds.pipe, OpenMode::read); }),
+              std::errc::invalid_argument)
+        << "opening a pipe must not block";
+    EXPECT_EQ(codeOf([&] { files().open("/dev/zero", OpenMode::read); }),
+              std::errc::invalid_argument);
+    EXPECT_EQ(codeOf([&] { files().open(kinds.deadLink, OpenMode::read); }),
+              std::errc::no_such_file_or_directory);
     EXPECT_EQ(codeOf([&] { files().open(kinds.file, OpenMode::createUnique); }),
               std::errc::file_exists);
     EXPECT_EQ(codeOf([&] { files().open(kinds.folder / "missing/x", OpenMode::create); }),
@@ -220,8 +273,9 @@ TEST(FileManager, opensRegularFilesOnly) {
 }
 
 TEST(FileManager, readsAndWritesAtOffsets) {
-    const FileKinds kinds;
-    const auto file = files().open(kinds.file, OpenMode::update);
+    const TemporaryFolder folder;
+    const auto file = files().open(folder / "file", OpenMode::createUnique);
+    file->write(0, bytes("12345"));
     std::array<std::byte, 4> four{};
     EXPECT_EQ(file->read(1, four), 4U);
     EXPECT_EQ(four[0], std::byte{'2'});
@@ -231,16 +285,15 @@ TEST(FileManager, readsAndWritesAtOffsets) {
     EXPECT_EQ(file->size(), 5U);
     file->write(4, bytes("!?"));
     EXPECT_EQ(file->size(), 6U);
-    file->resize(3);
-    EXPECT_EQ(file->size(), 3U);
-    file->write(5, bytes("x"));
+    const auto word = bytes("abc");
+    file->writeParts(8, std::array<File::Bytes, 4>{word, {}, std::span(word).first(1), {}});
+    file->writeParts(100, {});
+    EXPECT_EQ(file->size(), 12U);
     file->flush();
     file->close();
-    EXPECT_EQ(textOf(kinds.file), std::string("123\0\0x", 6));
-    EXPECT_EQ(codeOf([&] { files().open(kinds.file, OpenMode::read)->write(0, bytes("x")); }),
+    EXPECT_EQ(textOf(folder / "file"), std::string("1234!?\0\0abca", 12));
+    EXPECT_EQ(codeOf([&] { files().open(folder / "file", OpenMode::read)->write(0, word); }),
               std::errc::bad_file_descriptor);
-    EXPECT_NE(codeOf([&] { files().open(kinds.file, OpenMode::read)->resize(0); }),
-              std::error_code());
 }
 
 TEST(FileManager, createsFilesWithDefaultPermissions) {

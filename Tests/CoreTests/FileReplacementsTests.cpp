@@ -103,9 +103,9 @@ TEST_F(FileReplacementsTest, commitsWhenThereAreManyFiles) {
 
 TEST_F(FileReplacementsTest, commitsWhenTheFilesAreLarge) {
     FileReplacements replacements(files);
+    const auto writeSparse = [](File& file) { file.write((40U << 20U) - 1, bytes("x")); };
     for (const char* name : {"a", "b", "c"})
-        replacements.add(
-            folder.write(name, "old"), [](File& file) { file.resize(40U << 20U); }, std::nullopt);
+        replacements.add(folder.write(name, "old"), writeSparse, std::nullopt);
     EXPECT_THAT(flushesAndRenames(),
                 ElementsAre("flushVolume .", "replaceItem a", "replaceItem b"));
 }

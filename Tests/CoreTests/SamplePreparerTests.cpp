@@ -190,7 +190,7 @@ TEST(SamplePreparer, propagatesFileManagerErrors) {
     const AVAudioSamplePreparer cannotRemove(
         std::make_shared<const ForwardingFileManager>(failing("removeItem", EACCES)));
     const AVAudioSamplePreparer cannotCopy(
-        std::make_shared<const ForwardingFileManager>(failing("copyItem", EACCES)));
+        std::make_shared<const ForwardingFileManager>(failing("copyFrom", EACCES)));
     const FileURL present(folder.write("b.wav", "old"));
     EXPECT_THROW(cannotRemove.prepare(sampleToCopy(source), present), FileError);
     EXPECT_THROW(cannotRemove.prepare(sampleToConvert(source), present), FileError);

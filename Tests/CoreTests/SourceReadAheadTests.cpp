@@ -22,7 +22,8 @@ constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
 /// Accepts every sample and fails for those called "broken".
 class PreparerOfNames final : public AudioFilePreparing {
 public:
-    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL&) const override {
+    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL&,
+                                  const SampleEdit& = {}) const override {
         if (sample.displayName == "broken")
             throw GenerationError::exportFailed("broken");
         return SamplePreparationMode::copied;

@@ -24,11 +24,19 @@ namespace {
 using ::testing::ElementsAre;
 
 /// The calls that change something or wait for the medium; "status" checks the volume.
-const std::vector<std::string> writing{
-    "open createUnique", "open update", "write",           "resize",
-    "setPermissions",    "flush",       "close",           "replaceItem",
-    "removeItem",        "copyItem",    "createDirectory", "flushDirectory",
-    "flushVolume",       "open create", "status"};
+const std::vector<std::string> writing{"open createUnique",
+                                       "open create",
+                                       "write",
+                                       "copyFrom",
+                                       "setPermissions",
+                                       "flush",
+                                       "close",
+                                       "replaceItem",
+                                       "removeItem",
+                                       "createDirectory",
+                                       "flushDirectory",
+                                       "flushVolume",
+                                       "status"};
 
 /// A file system of which it is known or unknown whether a flush of the volume covers its files.
 class KnownFileManager final : public ForwardingFileManager {
@@ -53,10 +61,10 @@ TEST(WriteOrder, flushesStampedFilesTogetherBeforeItRenamesThem) {
     EXPECT_EQ(writer.apply({}, folder.url()), 2);
     EXPECT_THAT(log->described(folder.path(), writing),
                 ElementsAre("status .", "status 1/a.wav", "status 1", "open createUnique 1/.tmp",
-                            "write 1/.tmp", "write 1/.tmp", "close 1/.tmp", "status 2/b.wav",
-                            "status 2", "open createUnique 2/.tmp", "write 2/.tmp", "write 2/.tmp",
-                            "close 2/.tmp", "flushVolume 1", "replaceItem 1/a.wav",
-                            "replaceItem 2/b.wav", "flushVolume .", "status ."));
+                            "copyFrom 1/.tmp", "close 1/.tmp", "status 2/b.wav", "status 2",
+                            "open createUnique 2/.tmp", "copyFrom 2/.tmp", "close 2/.tmp",
+                            "flushVolume 1", "replaceItem 1/a.wav", "replaceItem 2/b.wav",
+                            "flushVolume .", "status ."));
 }
 
 TEST(WriteOrder, flushesEachStampedFileWhereAFlushOfTheVolumeMayMissIt) {
@@ -69,11 +77,10 @@ TEST(WriteOrder, flushesEachStampedFileWhereAFlushOfTheVolumeMayMissIt) {
     EXPECT_EQ(writer.apply({}, folder.url()), 2);
     EXPECT_THAT(log->described(folder.path(), writing),
                 ElementsAre("status .", "status 1/a.wav", "status 1", "open createUnique 1/.tmp",
-                            "write 1/.tmp", "write 1/.tmp", "flush 1/.tmp", "close 1/.tmp",
+                            "copyFrom 1/.tmp", "flush 1/.tmp", "close 1/.tmp",
                             "replaceItem 1/a.wav", "status 2/b.wav", "status 2",
-                            "open createUnique 2/.tmp", "write 2/.tmp", "write 2/.tmp",
-                            "flush 2/.tmp", "close 2/.tmp", "replaceItem 2/b.wav", "flushVolume .",
-                            "status ."));
+                            "open createUnique 2/.tmp", "copyFrom 2/.tmp", "flush 2/.tmp",
+                            "close 2/.tmp", "replaceItem 2/b.wav", "flushVolume .", "status ."));
 }
 
 TEST(WriteOrder, reportsAFailedCloseOfAStamp) {

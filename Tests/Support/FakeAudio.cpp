@@ -1,11 +1,15 @@
 #include "FakeAudio.h"
 
+#include "AudioSupport/RiffChunks.h"
 #include "Models/GenerationError.h"
+#include "Platform/FileOperations.h"
 #include "Platform/SystemFileManager.h"
 #include "TemporaryFolder.h"
 #include "WavFixture.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 #include <string>
 
 namespace torvo::test {
@@ -32,20 +36,21 @@ std::vector<fs::path> FakeInspector::inspected() const {
 }
 
 SamplePreparationMode FakePreparer::prepare(const SampleCandidate& sample,
-                                            const FileURL& destinationURL) const {
+                                            const FileURL& destinationURL,
+                                            const SampleEdit& edit) const {
     calls_.push_back({sample.sourceURL, destinationURL});
     if (beforePreparing)
         beforePreparing(calls_.back());
-    if (std::holds_alternative<CompatibleWav>(sample.compatibility)) {
-        if (systemFileManager()->linkStatus(destinationURL.path()))
-            systemFileManager()->removeItem(destinationURL.path());
-        systemFileManager()->copyItem(sample.sourceURL.path(), destinationURL.path());
-        return SamplePreparationMode::copied;
-    }
+    const bool isCopy = std::holds_alternative<CompatibleWav>(sample.compatibility);
+    const auto content =
+        isCopy ? readFile(*systemFileManager(), sample.sourceURL.path()) : convertedBytes();
+    const auto [offset, replacedSize, inserted] = edit(MemoryByteSource(content));
+    const auto rest = std::span(content).subspan(offset + replacedSize);
     const auto file = systemFileManager()->open(destinationURL.path(), OpenMode::create);
-    file->write(0, convertedBytes());
+    file->writeParts(0,
+                     std::array<File::Bytes, 3>{std::span(content).first(offset), inserted, rest});
     file->close();
-    return SamplePreparationMode::converted;
+    return isCopy ? SamplePreparationMode::copied : SamplePreparationMode::converted;
 }
 
 std::vector<std::byte> FakePreparer::convertedBytes() {

@@ -31,8 +31,8 @@ public:
         friend bool operator==(const Call&, const Call&) = default;
     };
 
-    SamplePreparationMode prepare(const SampleCandidate& sample,
-                                  const FileURL& destinationURL) const override;
+    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL& destinationURL,
+                                  const SampleEdit& edit = {}) const override;
 
     /// Called before each preparation; its exceptions make the preparation fail.
     std::function<void(const Call&)> beforePreparing;

@@ -1,7 +1,5 @@
 #include "FaultyFileManager.h"
 
-#include "Platform/FileOperations.h"
-
 #include <utility>
 
 namespace torvo::test {
@@ -12,16 +10,28 @@ namespace {
 
 class FaultyFile final : public ForwardingFile {
 public:
-    FaultyFile(std::unique_ptr<File> behind, const fs::path& path, const FileHook& hook,
-               std::shared_ptr<FaultPlan> plan)
-        : ForwardingFile(std::move(behind), path, hook), plan_(std::move(plan)) {}
+    FaultyFile(std::unique_ptr<File> behind, const FileHook& hook, std::shared_ptr<FaultPlan> plan)
+        : ForwardingFile(std::move(behind), hook), plan_(std::move(plan)) {}
 
-    void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
+    void writeParts(std::uint64_t offset, std::span<const Bytes> parts) override {
         if (plan_->countsAndFails(FileOperation::write, path())) {
-            behind().write(offset, bytes.first(bytes.size() / 2));
+            std::vector<std::byte> bytes;
+            for (const auto& part : parts)
+                bytes.insert(bytes.end(), part.begin(), part.end());
+            behind().write(offset, std::span(bytes).first(bytes.size() / 2));
             throw FileError(FileOperation::write, path(), plan_->errorNumber());
         }
-        behind().write(offset, bytes);
+        behind().writeParts(offset, parts);
+    }
+
+    void copyFrom(const File& source, const FileEdit& edit) override {
+        if (plan_->countsAndFails(FileOperation::copy, path())) {
+            std::vector<std::byte> firstHalf(source.size() / 2);
+            source.read(0, firstHalf);
+            behind().write(0, firstHalf);
+            throw FileError(FileOperation::copy, path(), plan_->errorNumber());
+        }
+        behind().copyFrom(source, edit);
     }
 
     void flush() override { plan_->check(FileOperation::flush, path()); }
@@ -29,14 +39,6 @@ public:
 private:
     std::shared_ptr<FaultPlan> plan_;
 };
-
-void copyFirstHalf(const FileManager& fileManager, const fs::path& source,
-                   const fs::path& destination) {
-    const auto bytes = readFile(fileManager, source);
-    const auto file = fileManager.open(destination, OpenMode::createUnique);
-    file->write(0, std::span(bytes).first(bytes.size() / 2));
-    file->close();
-}
 
 } // namespace
 
@@ -68,17 +70,8 @@ FaultyFileManager::FaultyFileManager(std::shared_ptr<const FileManager> behind,
           [plan](const FileCall& call) { plan->check(call.operation, call.path); }),
       plan_(plan) {}
 
-void FaultyFileManager::copyItem(const fs::path& source, const fs::path& destination) const {
-    if (plan_->countsAndFails(FileOperation::copy, destination)) {
-        copyFirstHalf(behind(), source, destination);
-        throw FileError(FileOperation::copy, destination, plan_->errorNumber());
-    }
-    behind().copyItem(source, destination);
-}
-
-std::unique_ptr<File> FaultyFileManager::wrapped(std::unique_ptr<File> file,
-                                                 const fs::path& path) const {
-    return std::make_unique<FaultyFile>(std::move(file), path, hook(), plan_);
+std::unique_ptr<File> FaultyFileManager::wrapped(std::unique_ptr<File> file) const {
+    return std::make_unique<FaultyFile>(std::move(file), hook(), plan_);
 }
 
 bool FaultyFileManager::flushDirectory(const fs::path& path) const {

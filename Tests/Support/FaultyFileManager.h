@@ -45,24 +45,21 @@ private:
     std::vector<FileError> faults_;
 };
 
-/// Injects faults between the program and the disk. A failing write has written its first half, and
-/// a file is closed even when `close` fails. Flushes are counted and may fail, but do not wait for
-/// the medium: no test here covers a power cut, and a sweep flushes thousands of times. Asking for
-/// the available space never fails.
+/// Injects faults between the program and the disk. A failing write or copy has written its first
+/// half, and a file is closed even when `close` fails. Flushes are counted and may fail, but do not
+/// wait for the medium: no test here covers a power cut, and a sweep flushes thousands of times.
+/// Asking for the available space never fails.
 class FaultyFileManager final : public ForwardingFileManager {
 public:
     FaultyFileManager(std::shared_ptr<const FileManager> behind,
                       const std::shared_ptr<FaultPlan>& plan);
 
-    void copyItem(const std::filesystem::path& source,
-                  const std::filesystem::path& destination) const override;
     bool flushDirectory(const std::filesystem::path& path) const override;
     void flushVolume(const std::filesystem::path& path) const override;
     std::optional<std::uint64_t> availableSpace(const std::filesystem::path& folder) const override;
 
 protected:
-    std::unique_ptr<File> wrapped(std::unique_ptr<File> file,
-                                  const std::filesystem::path& path) const override;
+    std::unique_ptr<File> wrapped(std::unique_ptr<File> file) const override;
 
 private:
     std::shared_ptr<FaultPlan> plan_;

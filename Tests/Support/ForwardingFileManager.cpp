@@ -12,8 +12,6 @@ const char* nameOf(OpenMode mode) {
     switch (mode) {
     case OpenMode::read:
         return "open read";
-    case OpenMode::update:
-        return "open update";
     case OpenMode::create:
         return "open create";
     case OpenMode::createUnique:
@@ -31,13 +29,13 @@ FileHook failing(const std::string& function, int errorNumber) {
     };
 }
 
-ForwardingFile::ForwardingFile(std::unique_ptr<File> behind, fs::path path, FileHook hook)
-    : behind_(std::move(behind)), path_(std::move(path)), hook_(std::move(hook)) {}
+ForwardingFile::ForwardingFile(std::unique_ptr<File> behind, FileHook hook)
+    : behind_(std::move(behind)), hook_(std::move(hook)) {}
 
 void ForwardingFile::callHook(const char* function, FileOperation operation, std::uint64_t offset,
                               std::size_t size) const {
     if (hook_)
-        hook_({function, path_, operation, {}, offset, size});
+        hook_({function, path(), operation, offset, size});
 }
 
 std::size_t ForwardingFile::read(std::uint64_t offset, std::span<std::byte> bytes) const {
@@ -45,19 +43,30 @@ std::size_t ForwardingFile::read(std::uint64_t offset, std::span<std::byte> byte
     return behind_->read(offset, bytes);
 }
 
-void ForwardingFile::write(std::uint64_t offset, std::span<const std::byte> bytes) {
-    callHook("write", FileOperation::write, offset, bytes.size());
-    behind_->write(offset, bytes);
+void ForwardingFile::writeParts(std::uint64_t offset, std::span<const Bytes> parts) {
+    std::size_t size = 0;
+    for (const auto& part : parts)
+        size += part.size();
+    callHook("write", FileOperation::write, offset, size);
+    behind_->writeParts(offset, parts);
+}
+
+void ForwardingFile::copyFrom(const File& source, const FileEdit& edit) {
+    callHook("copyFrom", FileOperation::copy);
+    behind_->copyFrom(source, edit);
+}
+
+fs::path ForwardingFile::path() const {
+    return behind_->path();
+}
+
+std::optional<int> ForwardingFile::descriptor() const {
+    return behind_->descriptor();
 }
 
 std::uint64_t ForwardingFile::size() const {
     callHook("size", FileOperation::inspect);
     return behind_->size();
-}
-
-void ForwardingFile::resize(std::uint64_t size) {
-    callHook("resize", FileOperation::write);
-    behind_->resize(size);
 }
 
 void ForwardingFile::setPermissions(fs::perms permissions) {
@@ -83,9 +92,9 @@ ForwardingFileManager::ForwardingFileManager(FileHook hook)
     : ForwardingFileManager(systemFileManager(), std::move(hook)) {}
 
 void ForwardingFileManager::callHook(const char* function, FileOperation operation,
-                                     const fs::path& path, const fs::path& source) const {
+                                     const fs::path& path) const {
     if (hook_)
-        hook_({function, path, operation, source});
+        hook_({function, path, operation});
 }
 
 std::optional<FileStatus> ForwardingFileManager::linkStatus(const fs::path& path) const {
@@ -123,25 +132,19 @@ void ForwardingFileManager::removeItem(const fs::path& path) const {
     behind_->removeItem(path);
 }
 
-void ForwardingFileManager::copyItem(const fs::path& source, const fs::path& destination) const {
-    callHook("copyItem", FileOperation::copy, destination, source);
-    behind_->copyItem(source, destination);
-}
-
 void ForwardingFileManager::replaceItem(const fs::path& destination, const fs::path& source) const {
-    callHook("replaceItem", FileOperation::replace, destination, source);
+    callHook("replaceItem", FileOperation::replace, destination);
     behind_->replaceItem(destination, source);
 }
 
 std::unique_ptr<File> ForwardingFileManager::open(const fs::path& path, OpenMode mode) const {
     callHook(nameOf(mode), mode == OpenMode::read ? FileOperation::read : FileOperation::write,
              path);
-    return wrapped(behind_->open(path, mode), path);
+    return wrapped(behind_->open(path, mode));
 }
 
-std::unique_ptr<File> ForwardingFileManager::wrapped(std::unique_ptr<File> file,
-                                                     const fs::path& path) const {
-    return hook_ ? std::make_unique<ForwardingFile>(std::move(file), path, hook_) : std::move(file);
+std::unique_ptr<File> ForwardingFileManager::wrapped(std::unique_ptr<File> file) const {
+    return hook_ ? std::make_unique<ForwardingFile>(std::move(file), hook_) : std::move(file);
 }
 
 bool ForwardingFileManager::flushDirectory(const fs::path& path) const {

@@ -14,11 +14,11 @@ namespace torvo::test {
 /// One call of a file manager or of a file that it opened.
 struct FileCall {
     /// The function's name; for `open` the name of the mode ("read", "update", "create",
-    /// "createUnique") is added: "open update". A file's own `read` is "read".
+    /// "createUnique") is added: "open create". A file's own `read` is "read", its `writeParts`
+    /// "write".
     std::string function;
-    std::filesystem::path path;                    ///< of a copy or a replacement: the destination
+    std::filesystem::path path;                    ///< of a replacement: the destination
     FileOperation operation = FileOperation::read; ///< that the `FileError` of a failure names
-    std::filesystem::path source = {};             ///< of a copy or a replacement
     std::uint64_t offset = 0;                      ///< of a file's `read` or `write`
     std::size_t size = 0;                          ///< of a file's `read` or `write`, in bytes
 };
@@ -33,27 +33,26 @@ FileHook failing(const std::string& function, int errorNumber);
 /// Forwards every call to another file. Derived classes override some of them.
 class ForwardingFile : public File {
 public:
-    explicit ForwardingFile(std::unique_ptr<File> behind, std::filesystem::path path = {},
-                            FileHook hook = {});
+    explicit ForwardingFile(std::unique_ptr<File> behind, FileHook hook = {});
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override;
-    void write(std::uint64_t offset, std::span<const std::byte> bytes) override;
+    void writeParts(std::uint64_t offset, std::span<const Bytes> parts) override;
+    void copyFrom(const File& source, const FileEdit& edit) override;
+    std::filesystem::path path() const override;
+    std::optional<int> descriptor() const override;
     std::uint64_t size() const override;
-    void resize(std::uint64_t size) override;
     void setPermissions(std::filesystem::perms permissions) override;
     void flush() override;
     void close() override;
 
 protected:
     File& behind() const { return *behind_; }
-    const std::filesystem::path& path() const { return path_; }
 
 private:
     void callHook(const char* function, FileOperation operation, std::uint64_t offset = 0,
                   std::size_t size = 0) const;
 
     std::unique_ptr<File> behind_;
-    std::filesystem::path path_;
     FileHook hook_;
 };
 
@@ -74,8 +73,6 @@ public:
     contentsOfDirectory(const std::filesystem::path& path) const override;
     void createDirectory(const std::filesystem::path& path) const override;
     void removeItem(const std::filesystem::path& path) const override;
-    void copyItem(const std::filesystem::path& source,
-                  const std::filesystem::path& destination) const override;
     void replaceItem(const std::filesystem::path& destination,
                      const std::filesystem::path& source) const override;
     std::unique_ptr<File> open(const std::filesystem::path& path, OpenMode mode) const override;
@@ -90,12 +87,11 @@ protected:
     const FileManager& behind() const { return *behind_; }
     const FileHook& hook() const { return hook_; }
     /// The file that `open` returns for one of the file manager behind.
-    virtual std::unique_ptr<File> wrapped(std::unique_ptr<File> file,
-                                          const std::filesystem::path& path) const;
+    virtual std::unique_ptr<File> wrapped(std::unique_ptr<File> file) const;
 
 private:
-    void callHook(const char* function, FileOperation operation, const std::filesystem::path& path,
-                  const std::filesystem::path& source = {}) const;
+    void callHook(const char* function, FileOperation operation,
+                  const std::filesystem::path& path) const;
 
     std::shared_ptr<const FileManager> behind_;
     FileHook hook_;

@@ -11,16 +11,13 @@ namespace {
 /// Whether the call needs an entry of the folder of its path.
 bool usesEntry(const FileCall& call) {
     return call.function == "createDirectory" || call.function == "removeItem" ||
-           call.function == "copyItem" || call.function == "replaceItem" ||
-           call.function.starts_with("open ");
+           call.function == "replaceItem" || call.function.starts_with("open ");
 }
 
 } // namespace
 
 LockedFolderFileManager::LockedFolderFileManager(const fs::path& locked)
     : ForwardingFileManager([locked](const FileCall& call) {
-          if (call.function == "copyItem" && call.source.parent_path() == locked)
-              throw FileError(FileOperation::read, call.source, EACCES);
           if (usesEntry(call) ? call.path.parent_path() == locked
                               : call.function == "contentsOfDirectory" && call.path == locked)
               throw FileError(call.operation, call.path, EACCES);

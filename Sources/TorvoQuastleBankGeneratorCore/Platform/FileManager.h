@@ -39,20 +39,39 @@ struct DirectoryEntry {
     FileKind kind = FileKind::regular;
 };
 
+/// Replaces `replacedSize` bytes at `offset` with `bytes`. The default changes nothing.
+struct FileEdit {
+    std::uint64_t offset = 0;
+    std::uint64_t replacedSize = 0;
+    std::vector<std::byte> bytes = {};
+};
+
 /// An open regular file. Every function throws `FileError` on failure; reaching end of file is not
 /// an error.
 class File {
 public:
+    using Bytes = std::span<const std::byte>;
+
     virtual ~File() = default;
 
     /// Reads into `bytes`, starting at `offset`. Returns the number of bytes read, which is smaller
     /// than the buffer only at end of file.
     virtual std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const = 0;
     /// Writes all of `bytes` at `offset`.
-    virtual void write(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+    void write(std::uint64_t offset, Bytes bytes) { writeParts(offset, std::span(&bytes, 1)); }
+    /// Writes the parts one after the other, starting at `offset`, in one request: on a slow card a
+    /// request costs more than the bytes of a small part.
+    virtual void writeParts(std::uint64_t offset, std::span<const Bytes> parts) = 0;
+    /// Writes the contents of `source` with an edit into this empty file. File systems that share
+    /// blocks between files share those of the source. Throws when the source has become smaller
+    /// since its size was read.
+    virtual void copyFrom(const File& source, const FileEdit& edit) = 0;
+    /// The path given to `open`.
+    virtual std::filesystem::path path() const = 0;
+    /// The POSIX descriptor, for system calls that take two files. Empty for a file without one.
+    virtual std::optional<int> descriptor() const = 0;
     /// The current size in bytes. A file opened read-only reports its size at the time of opening.
     virtual std::uint64_t size() const = 0;
-    virtual void resize(std::uint64_t size) = 0;
     virtual void setPermissions(std::filesystem::perms permissions) = 0;
     /// Waits until the content has reached the storage medium.
     virtual void flush() = 0;
@@ -69,7 +88,6 @@ public:
 
 enum class OpenMode {
     read,         ///< an existing regular file
-    update,       ///< an existing regular file, read and written in place
     create,       ///< a new or truncated file with default permissions
     createUnique, ///< a new file with default permissions; an existing one is an error
 };
@@ -98,9 +116,6 @@ public:
     virtual void createDirectory(const std::filesystem::path& path) const = 0;
     /// Removes a file, a symbolic link (not its target) or a folder with its contents.
     virtual void removeItem(const std::filesystem::path& path) const = 0;
-    /// Copies a file's bytes to a new file with default permissions.
-    virtual void copyItem(const std::filesystem::path& source,
-                          const std::filesystem::path& destination) const = 0;
     /// Atomically replaces `destination` with `source` (POSIX rename()).
     virtual void replaceItem(const std::filesystem::path& destination,
                              const std::filesystem::path& source) const = 0;

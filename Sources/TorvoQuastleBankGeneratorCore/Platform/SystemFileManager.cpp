@@ -10,6 +10,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/uio.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 #include <utility>
@@ -89,15 +90,21 @@ std::optional<FileStatus> statusAt(const fs::path& path, int flags) {
     throw FileError(FileOperation::inspect, path, errno);
 }
 
-void closeChecked(Descriptor& descriptor, const fs::path& path) {
-    // EINTR is not an error: Linux has released the descriptor (close(2)).
-    if (::close(descriptor.release()) != 0 && errno != EINTR)
-        throw FileError(FileOperation::flush, path, errno);
-}
-
 /// Returns false and sets `errno` when the file or folder could not be flushed.
 bool fsyncDescriptor(const Descriptor& descriptor) {
     return retryOnInterrupt([&] { return ::fsync(descriptor.number()); }) == 0;
+}
+
+/// The bytes of the parts after the first `done` ones.
+std::vector<iovec> buffersAfter(std::size_t done, std::span<const File::Bytes> parts) {
+    std::vector<iovec> buffers;
+    for (const auto& part : parts) {
+        const auto rest = part.subspan(std::min(done, part.size()));
+        done -= part.size() - rest.size();
+        if (!rest.empty())
+            buffers.push_back({const_cast<std::byte*>(rest.data()), rest.size()});
+    }
+    return buffers;
 }
 
 class SystemFile final : public File {
@@ -123,18 +130,27 @@ public:
         return done;
     }
 
-    void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
-        std::size_t done = 0;
-        while (done < bytes.size()) {
-            const auto count = retryOnInterrupt([&] {
-                return ::pwrite(descriptor_.number(), bytes.data() + done, bytes.size() - done,
-                                static_cast<off_t>(offset + done));
-            });
-            if (count < 0)
-                throw FileError(FileOperation::write, path_, errno);
-            done += static_cast<std::size_t>(count);
-        }
+    void writeParts(std::uint64_t offset, std::span<const Bytes> parts) override {
+        writeAll(FileOperation::write, offset, parts);
     }
+
+    void copyFrom(const File& source, const FileEdit& edit) override {
+        const auto size = source.size();
+        const auto editEnd = edit.offset + edit.replacedSize;
+        const bool keepsSize = edit.bytes.size() == edit.replacedSize;
+        const auto done = copyInKernel(source, keepsSize ? size : edit.offset);
+        if (done < edit.offset)
+            copyThroughBuffer(source, done, edit.offset, done, edit.bytes);
+        else
+            writeAll(FileOperation::copy, edit.offset, std::array{Bytes(edit.bytes)});
+        const auto restOffset = std::max(done, editEnd);
+        copyThroughBuffer(source, restOffset, size,
+                          restOffset - edit.replacedSize + edit.bytes.size(), {});
+    }
+
+    fs::path path() const override { return path_; }
+
+    std::optional<int> descriptor() const override { return descriptor_.number(); }
 
     std::uint64_t size() const override {
         if (readOnlySize_)
@@ -143,13 +159,6 @@ public:
         if (::fstat(descriptor_.number(), &details) != 0)
             throw FileError(FileOperation::inspect, path_, errno);
         return static_cast<std::uint64_t>(details.st_size);
-    }
-
-    void resize(std::uint64_t size) override {
-        const auto result = retryOnInterrupt(
-            [&] { return ::ftruncate(descriptor_.number(), static_cast<off_t>(size)); });
-        if (result != 0)
-            throw FileError(FileOperation::write, path_, errno);
     }
 
     void setPermissions(fs::perms permissions) override {
@@ -164,61 +173,85 @@ public:
             throw FileError(FileOperation::flush, path_, errno);
     }
 
-    void close() override { closeChecked(descriptor_, path_); }
+    void close() override {
+        // EINTR is not an error: Linux has released the descriptor (close(2)).
+        if (::close(descriptor_.release()) != 0 && errno != EINTR)
+            throw FileError(FileOperation::flush, path_, errno);
+    }
 
 private:
+    void writeAll(FileOperation operation, std::uint64_t offset, std::span<const Bytes> parts) {
+        std::size_t done = 0;
+        for (auto buffers = buffersAfter(done, parts); !buffers.empty();
+             buffers = buffersAfter(done, parts)) {
+            const auto count = retryOnInterrupt([&] {
+                return ::pwritev(descriptor_.number(), buffers.data(),
+                                 static_cast<int>(buffers.size()),
+                                 static_cast<off_t>(offset + done));
+            });
+            if (count < 0)
+                throw FileError(operation, path_, errno);
+            done += static_cast<std::size_t>(count);
+        }
+    }
+
+    /// Copies the first `size` bytes with copy_file_range() where the file systems support it.
+    /// Returns the number of bytes copied.
+    std::uint64_t copyInKernel(const File& source, std::uint64_t size) {
+        constexpr std::uint64_t maxCopySize = std::uint64_t{1} << 30U;
+        const auto input = source.descriptor();
+        loff_t from = 0;
+        loff_t to = 0;
+        while (input && static_cast<std::uint64_t>(to) < size) {
+            const auto rest = std::min(size - static_cast<std::uint64_t>(to), maxCopySize);
+            const auto count = retryOnInterrupt([&] {
+                return ::copy_file_range(*input, &from, descriptor_.number(), &to,
+                                         static_cast<std::size_t>(rest), 0);
+            });
+            // Some file systems return 0 instead of an error when they do not support the call.
+            if (count == 0)
+                break;
+            if (count < 0) {
+                if (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP ||
+                    errno == EPERM)
+                    break;
+                throw FileError(FileOperation::copy, path_, errno);
+            }
+        }
+        return static_cast<std::uint64_t>(to);
+    }
+
+    /// Copies the bytes of `source` from `begin` to `end`, followed by `tail`, to `offset`. Writes
+    /// the last block and the tail together.
+    void copyThroughBuffer(const File& source, std::uint64_t begin, std::uint64_t end,
+                           std::uint64_t offset, Bytes tail) {
+        constexpr std::uint64_t maxBlockSize = std::uint64_t{256} * 1024;
+        if (begin >= end)
+            return;
+        std::vector<std::byte> block(static_cast<std::size_t>(std::min(end - begin, maxBlockSize)));
+        while (begin < end) {
+            const auto part = std::span(block).first(
+                static_cast<std::size_t>(std::min<std::uint64_t>(end - begin, block.size())));
+            if (source.read(begin, part) < part.size())
+                throw FileError(FileOperation::read, source.path(), EIO);
+            begin += part.size();
+            writeAll(FileOperation::copy, offset,
+                     std::array{Bytes(part), begin < end ? Bytes() : tail});
+            offset += part.size();
+        }
+    }
+
     std::string path_; ///< a string takes less memory than a path
     Descriptor descriptor_;
     std::optional<std::uint64_t> readOnlySize_;
 };
 
-/// Copies with copy_file_range() where the file systems support it, otherwise through a buffer.
-void copyBytes(const Descriptor& input, const Descriptor& output, const fs::path& source,
-               const fs::path& destination) {
-    constexpr std::size_t maxCopySize = std::size_t{1} << 30U;
-    for (bool hasCopied = false;;) {
-        const auto count = retryOnInterrupt([&] {
-            return ::copy_file_range(input.number(), nullptr, output.number(), nullptr, maxCopySize,
-                                     0);
-        });
-        if (count == 0 && hasCopied)
-            return;
-        hasCopied = hasCopied || count > 0;
-        if (count > 0)
-            continue;
-        // Some file systems return 0 instead of an error when they do not support the call.
-        if (count == 0 || errno == EXDEV || errno == ENOSYS || errno == EINVAL ||
-            errno == EOPNOTSUPP || errno == EPERM)
-            break;
-        throw FileError(FileOperation::copy, destination, errno);
-    }
-    std::vector<std::byte> buffer(std::size_t{256} * 1024);
-    for (;;) {
-        const auto count =
-            retryOnInterrupt([&] { return ::read(input.number(), buffer.data(), buffer.size()); });
-        if (count == 0)
-            return;
-        if (count < 0)
-            throw FileError(FileOperation::read, source, errno);
-        for (ssize_t done = 0; done < count;) {
-            const auto written = retryOnInterrupt([&] {
-                return ::write(output.number(), buffer.data() + done,
-                               static_cast<std::size_t>(count - done));
-            });
-            if (written < 0)
-                throw FileError(FileOperation::copy, destination, errno);
-            done += written;
-        }
-    }
-}
-
-/// Opens an existing regular file and returns its descriptor and size in bytes. O_NONBLOCK keeps
-/// open() from blocking on a named pipe.
-std::pair<Descriptor, std::uint64_t> openRegular(const fs::path& path, int flags) {
-    Descriptor descriptor(openDescriptor(path, flags | O_NONBLOCK));
+/// Opens an existing regular file for reading and returns its descriptor and size in bytes.
+/// O_NONBLOCK keeps open() from blocking on a named pipe.
+std::pair<Descriptor, std::uint64_t> openRegular(const fs::path& path) {
+    Descriptor descriptor(openDescriptor(path, O_RDONLY | O_NONBLOCK));
     if (!descriptor.isValid())
-        throw FileError(flags == O_RDONLY ? FileOperation::read : FileOperation::write, path,
-                        errno);
+        throw FileError(FileOperation::read, path, errno);
     struct stat details {};
     if (::fstat(descriptor.number(), &details) != 0)
         throw FileError(FileOperation::inspect, path, errno);
@@ -331,13 +364,6 @@ public:
             throw FileError(FileOperation::remove, path, code);
     }
 
-    void copyItem(const fs::path& source, const fs::path& destination) const override {
-        const auto input = openRegular(source, O_RDONLY).first;
-        auto output = openNew(destination, O_EXCL);
-        copyBytes(input, output, source, destination);
-        closeChecked(output, destination);
-    }
-
     void replaceItem(const fs::path& destination, const fs::path& source) const override {
         if (::rename(source.c_str(), destination.c_str()) != 0)
             throw FileError(FileOperation::replace, destination, errno);
@@ -346,11 +372,9 @@ public:
     std::unique_ptr<File> open(const fs::path& path, OpenMode mode) const override {
         switch (mode) {
         case OpenMode::read: {
-            auto [descriptor, size] = openRegular(path, O_RDONLY);
+            auto [descriptor, size] = openRegular(path);
             return std::make_unique<SystemFile>(path, std::move(descriptor), size);
         }
-        case OpenMode::update:
-            return std::make_unique<SystemFile>(path, openRegular(path, O_RDWR).first);
         case OpenMode::create:
             return std::make_unique<SystemFile>(path, openNew(path, O_TRUNC));
         case OpenMode::createUnique:

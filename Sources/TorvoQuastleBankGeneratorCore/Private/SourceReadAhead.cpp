@@ -20,9 +20,10 @@ SourceReadAhead::SourceReadAhead(std::shared_ptr<const AudioFilePreparing> prepa
 }
 
 SamplePreparationMode SourceReadAhead::prepare(const SampleCandidate& sample,
-                                               const FileURL& destinationURL) const {
+                                               const FileURL& destinationURL,
+                                               const SampleEdit& edit) const {
     use(sample);
-    return preparer_->prepare(sample, destinationURL);
+    return preparer_->prepare(sample, destinationURL, edit);
 }
 
 std::shared_ptr<const ConvertedFile>

@@ -34,8 +34,8 @@ public:
     SourceReadAhead(std::shared_ptr<const AudioFilePreparing> preparer,
                     const std::vector<const SampleCandidate*>& uses, Prefetch prefetch);
 
-    SamplePreparationMode prepare(const SampleCandidate& sample,
-                                  const FileURL& destinationURL) const override;
+    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL& destinationURL,
+                                  const SampleEdit& edit = {}) const override;
     std::shared_ptr<const ConvertedFile> convertedFile(const SampleCandidate& sample,
                                                        std::size_t maxSize,
                                                        const std::stop_token& stop) const override;

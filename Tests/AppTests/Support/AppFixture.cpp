@@ -63,7 +63,8 @@ void GatedPreparer::open() {
 }
 
 SamplePreparationMode GatedPreparer::prepare(const SampleCandidate& sample,
-                                             const FileURL& destinationURL) const {
+                                             const FileURL& destinationURL,
+                                             const SampleEdit& edit) const {
     std::shared_ptr<Gate> gate;
     {
         const std::scoped_lock lock(mutex_);
@@ -72,7 +73,7 @@ SamplePreparationMode GatedPreparer::prepare(const SampleCandidate& sample,
     }
     if (gate)
         gate->pass();
-    return banks_ == Banks::written ? real_.prepare(sample, destinationURL)
+    return banks_ == Banks::written ? real_.prepare(sample, destinationURL, edit)
                                     : SamplePreparationMode::copied;
 }
 

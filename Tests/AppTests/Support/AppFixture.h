@@ -41,8 +41,8 @@ public:
     explicit GatedPreparer(Banks banks) : banks_(banks) {}
     std::shared_ptr<Gate> holdBank(std::int64_t bank);
     void open();
-    SamplePreparationMode prepare(const SampleCandidate& sample,
-                                  const FileURL& destinationURL) const override;
+    SamplePreparationMode prepare(const SampleCandidate& sample, const FileURL& destinationURL,
+                                  const SampleEdit& edit = {}) const override;
 
 private:
     Banks banks_;

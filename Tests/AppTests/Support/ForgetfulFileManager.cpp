@@ -1,9 +1,5 @@
 #include "Support/ForgetfulFileManager.h"
 
-#include "WavFixture.h"
-
-#include <algorithm>
-
 namespace torvo::test {
 
 namespace fs = std::filesystem;
@@ -16,22 +12,15 @@ bool isInDeviceFolder(const fs::path& path) {
 
 class ForgottenFile final : public File {
 public:
-    std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const override {
-        const auto rest = std::span(content_).subspan(
-            std::min(static_cast<std::size_t>(offset), content_.size()));
-        const auto count = std::min(rest.size(), bytes.size());
-        std::ranges::copy(rest.first(count), bytes.begin());
-        return count;
-    }
-    void write(std::uint64_t, std::span<const std::byte>) override {}
-    std::uint64_t size() const override { return content_.size(); }
-    void resize(std::uint64_t) override {}
+    std::size_t read(std::uint64_t, std::span<std::byte>) const override { return 0; }
+    void writeParts(std::uint64_t, std::span<const Bytes>) override {}
+    void copyFrom(const File&, const FileEdit&) override {}
+    fs::path path() const override { return {}; }
+    std::optional<int> descriptor() const override { return std::nullopt; }
+    std::uint64_t size() const override { return 0; }
     void setPermissions(fs::perms) override {}
     void flush() override {}
     void close() override {}
-
-private:
-    std::vector<std::byte> content_ = wavFile(WavFormat{}, std::size_t{1});
 };
 
 } // namespace

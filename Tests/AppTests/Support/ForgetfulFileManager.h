@@ -4,8 +4,8 @@
 
 namespace torvo::test {
 
-/// The operating system's files, except in device folders: what is written there is discarded, and
-/// every file opened there is the same short WAV file. A run of 99 banks then takes almost no time.
+/// The operating system's files, except in device folders: what is written there is discarded. A
+/// run of 99 banks then takes almost no time.
 class ForgetfulFileManager final : public ForwardingFileManager {
 public:
     void createDirectory(const std::filesystem::path& path) const override;

@@ -82,9 +82,8 @@ bool isTooLongToConvert(const AudioReader& reader) {
     return dataSizeOf(resampledFrameCount(*frames, rate)) > maxConvertedDataSize;
 }
 
-void convertFile(const FileManager& fileManager, const FileURL& source,
-                 const FileURL& destination) {
-    removeExisting(fileManager, destination);
+void convertFile(const FileManager& fileManager, const FileURL& source, const FileURL& destination,
+                 const SampleEdit& edit) {
     ConversionSource input(fileManager, source);
     ConvertedFileWriter output(fileManager, destination);
     input.configure();
@@ -92,7 +91,7 @@ void convertFile(const FileManager& fileManager, const FileURL& source,
     std::array<std::byte, conversionBlockFrames * sizeof(std::int16_t)> block;
     while (const std::size_t count = input.read(block))
         output.write(std::span(block).first(count));
-    output.finish();
+    output.finish(edit);
 }
 
 std::shared_ptr<const std::vector<std::byte>> convertInMemory(const FileManager& fileManager,

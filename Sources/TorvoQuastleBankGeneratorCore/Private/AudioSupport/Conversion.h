@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioSupport.h"
 #include "AudioSupport/AudioReader.h"
 #include "AudioSupport/Resampler.h"
 #include "AudioSupport/RiffChunks.h"
@@ -51,12 +52,13 @@ std::unique_ptr<const File> openConversionSource(const FileManager& fileManager,
 /// when the file does not declare its length.
 bool isTooLongToConvert(const AudioReader& reader);
 
-/// Converts a file block by block. Removes an existing item at the destination first. On failure a
-/// partial file may remain. Throws `FileError`, or `GenerationError` as `ConversionSource` does.
-void convertFile(const FileManager& fileManager, const FileURL& source, const FileURL& destination);
+/// Converts a file block by block and applies `edit`, which may be empty, to the result. On failure
+/// a partial file may remain. Throws as `ConversionSource` does.
+void convertFile(const FileManager& fileManager, const FileURL& source, const FileURL& destination,
+                 const SampleEdit& edit);
 
-/// Returns the contents of the file that `convertFile` would write. Null when it would exceed
-/// `maxSize` bytes or when `stop` was requested. Throws as `ConversionSource` does.
+/// Returns the contents of the file that `convertFile` would write without an edit. Null when it
+/// would exceed `maxSize` bytes or when `stop` was requested. Throws as `ConversionSource` does.
 std::shared_ptr<const std::vector<std::byte>> convertInMemory(const FileManager& fileManager,
                                                               const FileURL& source,
                                                               std::size_t maxSize,

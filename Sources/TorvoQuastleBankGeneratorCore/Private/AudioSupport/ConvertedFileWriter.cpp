@@ -1,7 +1,9 @@
 #include "AudioSupport/ConvertedFileWriter.h"
 
 #include "AudioSupport/AudioError.h"
+#include "AudioSupport/RiffChunks.h"
 #include "Models/Device.h"
+#include "Platform/Precondition.h"
 
 #include <cerrno>
 #include <string>
@@ -82,17 +84,25 @@ void ConvertedFileWriter::write(std::span<const std::byte> data) {
     });
 }
 
-void ConvertedFileWriter::writeWhole(std::span<const std::byte> file) {
+void ConvertedFileWriter::writeWhole(std::span<const std::byte> file, const SampleEdit& edit) {
     withStatus(unableToWrite, path_, [&] {
-        file_->write(0, file);
+        const auto [offset, replacedSize, bytes] = edit(MemoryByteSource(file));
+        file_->writeParts(0, std::array<File::Bytes, 3>{file.first(offset), bytes,
+                                                        file.subspan(offset + replacedSize)});
         file_->close();
     });
 }
 
-void ConvertedFileWriter::finish() {
+void ConvertedFileWriter::finish(const SampleEdit& edit) {
     withStatus(unableToWrite, path_, [&] {
         if (headerDataSize_ != dataSize_)
             file_->write(0, convertedHeader(static_cast<std::uint32_t>(dataSize_)));
+        if (edit) {
+            const auto tail = edit(FileByteSource(*file_));
+            precondition(tail.offset == convertedHeaderSize + dataSize_ && tail.replacedSize == 0,
+                         "a converted file is only appended to");
+            file_->write(tail.offset, tail.bytes);
+        }
         file_->close();
     });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioSupport.h"
 #include "Platform/FileManager.h"
 #include "Platform/FileURL.h"
 
@@ -37,11 +38,12 @@ public:
     /// too large for a WAV file.
     void configure(std::optional<std::uint64_t> expectedDataSize);
     void write(std::span<const std::byte> data);
-    /// Writes a complete file, header included, and closes it. Replaces the calls of `configure`,
-    /// `write` and `finish`.
-    void writeWhole(std::span<const std::byte> file);
-    /// Corrects the sizes in the header and closes the file.
-    void finish();
+    /// Writes a complete file, header included, with an edit and closes it. Replaces the calls of
+    /// `configure`, `write` and `finish`.
+    void writeWhole(std::span<const std::byte> file, const SampleEdit& edit);
+    /// Corrects the sizes in the header, applies the edit, which may be empty and may only append
+    /// (a precondition), and closes the file.
+    void finish(const SampleEdit& edit);
 
 private:
     std::filesystem::path path_;
