@@ -29,10 +29,14 @@ QSize MainWindow::freeArea(QSize availableSize, const QString& platform) {
     return availableSize - QSize(0, isWayland ? usualPanelHeight : 0);
 }
 
+QSize MainWindow::roomInFrame(QSize freeArea) {
+    return freeArea - usualFrame;
+}
+
 QSize MainWindow::contentRoom(QSize freeArea) const {
     const QSize frame = frameGeometry().size() - geometry().size();
-    return freeArea - (frame.isNull() ? usualFrame : frame) -
-           QSize(0, menuBar()->sizeHint().height());
+    const QSize room = frame.isNull() ? roomInFrame(freeArea) : freeArea - frame;
+    return room - QSize(0, menuBar()->sizeHint().height());
 }
 
 QSize MainWindow::contentRoom() const {

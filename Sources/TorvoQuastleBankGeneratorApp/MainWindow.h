@@ -17,6 +17,8 @@ public:
     /// The size of the area that windows may cover, in logical pixels. Qt reports the whole screen
     /// on Wayland, panels included; the height of a usual panel is subtracted there.
     static QSize freeArea(QSize availableSize, const QString& platform);
+    /// The size available in a window frame of the usual size.
+    static QSize roomInFrame(QSize freeArea);
     /// The size available for the content on a screen with this free area, in logical pixels.
     QSize contentRoom(QSize freeArea) const;
     /// The same on the window's screen.

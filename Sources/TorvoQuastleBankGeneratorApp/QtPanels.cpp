@@ -1,6 +1,7 @@
 #include "QtPanels.h"
 
 #include "Controls/FileBrowser.h"
+#include "MainWindow.h"
 #include "Platform/SystemFileManager.h"
 #include "Text.h"
 
@@ -12,6 +13,7 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTreeView>
 
 namespace torvo::app {
@@ -42,13 +44,13 @@ public:
 
 /// Qt's own panel, used where the desktop has none, is too narrow for its columns.
 void makeRoomForNames(QFileDialog& panel) {
-    constexpr QSize roomy{880, 560};
     constexpr int minSideBarWidth = 150;
     auto* const files = panel.findChild<QTreeView*>(QStringLiteral("treeView"));
     auto* const sideBar = panel.findChild<QListView*>(QStringLiteral("sidebar"));
     if (!files || !sideBar)
         return;
-    panel.resize(panel.size().expandedTo(roomy));
+    panel.resize(panelSize(panel.size(), MainWindow::freeArea(panel.screen()->availableSize(),
+                                                              QGuiApplication::platformName())));
     sideBar->setMinimumWidth(minSideBarWidth);
     files->header()->setStretchLastSection(false);
     // Measure only the visible rows: measuring all rows of a large folder takes long.
@@ -108,6 +110,11 @@ bool isReplacementAllowed(QWidget* window, const FileURL& url) {
 }
 
 } // namespace
+
+QSize panelSize(QSize size, QSize freeArea) {
+    constexpr QSize roomy{880, 560};
+    return size.expandedTo(roomy).boundedTo(MainWindow::roomInFrame(freeArea));
+}
 
 void QtPanels::startAt(const std::string& title, const std::optional<FileURL>& folder) {
     starts_[title] = folder ? QFile::decodeName(folder->path().c_str()) : QString();

@@ -3,6 +3,7 @@
 #include "Panels.h"
 
 #include <QDBusConnection>
+#include <QSize>
 #include <QString>
 
 #include <map>
@@ -12,6 +13,10 @@
 class QWidget;
 
 namespace torvo::app {
+
+/// The size for a panel of Qt that would have `size`: roomy, but no larger than the screen's free
+/// area, whose lower edge would cut off the buttons.
+QSize panelSize(QSize size, QSize freeArea);
 
 /// The desktop's file panels, modal to a window that outlives them, and its file browser.
 class QtPanels final : public Panels {

@@ -13,10 +13,12 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 #include <QTreeView>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <vector>
 
@@ -197,6 +199,18 @@ TEST(QtPanels, returnsToThePanelWhenAFileIsNotToBeReplaced) {
               (std::vector{questionAbout("old.json"), questionAbout("old.json")}));
 }
 
+TEST(QtPanels, areNoLargerThanTheScreen) {
+    EXPECT_EQ(panelSize({600, 400}, {1920, 1080}), QSize(880, 560));
+    EXPECT_EQ(panelSize({900, 400}, {1920, 1080}), QSize(900, 560));
+    EXPECT_EQ(panelSize({600, 400}, {960, 492}), QSize(880, 444));
+    EXPECT_EQ(panelSize({600, 400}, {800, 600}), QSize(800, 552));
+    lookAtPanel([](QtPanels& panels) { return panels.pickJSONFile(); },
+                [](QFileDialog& panel) {
+                    EXPECT_EQ(panel.size().boundedTo(panel.screen()->availableSize()),
+                              panel.size());
+                });
+}
+
 TEST(QtPanels, picturesOfSelectedRowsHaveTheColourOfTheirTexts) {
     for (const auto picture : {QStyle::SP_DirIcon, QStyle::SP_FileIcon, QStyle::SP_DriveHDIcon}) {
         const QImage shown = panelIcon(picture).pixmap(QSize(16, 16), QIcon::Selected).toImage();
@@ -248,7 +262,8 @@ TEST(QtPanels, hasRoomForNames) {
                     const auto* files = panel.findChild<QTreeView*>(QStringLiteral("treeView"));
                     ASSERT_TRUE(files);
                     EXPECT_EQ(files->header()->sectionResizeMode(0), QHeaderView::Stretch);
-                    EXPECT_GE(panel.width(), 880);
+                    EXPECT_EQ(panel.width(),
+                              std::min(880, panel.screen()->availableSize().width()));
                     const auto* places = panel.findChild<QListView*>(QStringLiteral("sidebar"));
                     EXPECT_GE(places->width(), places->sizeHintForColumn(0));
                 });
