@@ -2,6 +2,7 @@
 #include "Controls/MarloButton.h"
 #include "MarloTheme.h"
 #include "Support/ContentViewFixture.h"
+#include "Support/Paints.h"
 #include "Text.h"
 
 #include <QApplication>
@@ -192,6 +193,24 @@ TEST_F(OutputCardTest, offersNoRunWhileOneIsCarriedOut) {
     gate->open();
     waitForWork();
     EXPECT_TRUE(mainButton()->isEnabled());
+}
+
+TEST_F(OutputCardTest, isNotPaintedForEachBank) {
+    prepareRun();
+    const auto gate = preparer->holdBank(3);
+    press(mainButton());
+    ASSERT_TRUE(waitUntil([this] { return shows("WRITING KitA002  2/99"); }));
+    settle();
+    const Paints paints(*mainButton()->parentWidget());
+    const auto later = preparer->holdBank(8);
+    gate->open();
+    ASSERT_TRUE(waitUntil([this] { return shows("WRITING KitA007  7/99"); }));
+    settle();
+    EXPECT_EQ(paints.count(), 0);
+    later->open();
+    waitForWork();
+    settle();
+    EXPECT_GT(paints.count(), 0);
 }
 
 // TARGET shows the folder of the current source; GENERATE must not write anywhere else.

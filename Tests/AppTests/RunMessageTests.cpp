@@ -3,6 +3,7 @@
 #include "Controls/StatusIcon.h"
 #include "MarloTheme.h"
 #include "Support/ContentViewFixture.h"
+#include "Support/Paints.h"
 #include "Text.h"
 
 #include <QTest>
@@ -18,22 +19,6 @@ using namespace torvo::test;
 namespace {
 
 const QString hint = QStringLiteral("Choose an output folder above!");
-
-/// Counts how often a widget is painted.
-class Paints final : public QObject {
-public:
-    explicit Paints(QWidget& widget) { widget.installEventFilter(this); }
-    int count() const { return count_; }
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        count_ += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-
-private:
-    int count_ = 0;
-};
 
 class RunMessageTest : public testing::Test, protected ContentViewFixture {
 protected:

@@ -107,8 +107,9 @@ void OutputCard::render() {
         (updating ? model_.exportRootExists() : model_.canGenerate() && model_.isReportOfSource());
     choose_->setVisible(!updating);
     main_->setText(updating ? tr("APPLY") : tr("GENERATE"));
+    if (main_->isEnabled() != enabled)
+        update(); // the edge around it; a run renders for every bank
     main_->setEnabled(enabled);
-    update(); // the edge around it
     // Intended: the same hint for every reason.
     main_->setToolTip(updating || enabled ? QString() : tr("Choose an output folder above!"));
 
