@@ -1,11 +1,11 @@
 #pragma once
 
+#include "AudioSupport/RiffChunks.h"
 #include "Models/SampleRecords.h"
 #include "Platform/FileURL.h"
 #include "Platform/SystemFileManager.h"
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <stop_token>
 #include <vector>
@@ -40,11 +40,6 @@ struct AudioCompatibilityEvaluator {
     /// precondition).
     SampleCompatibility compatibility(const AudioFormatDetails& details) const;
 };
-
-class ByteSource;
-
-/// Chooses the edit with which a sample is written, given the bytes that are written without it.
-using SampleEdit = std::function<FileEdit(const ByteSource& bytes)>;
 
 /// How `prepare` wrote a sample.
 enum class SamplePreparationMode { copied, converted };

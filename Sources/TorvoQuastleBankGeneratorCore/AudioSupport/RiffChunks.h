@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -45,6 +46,9 @@ private:
     std::array<std::byte, 4096> head_;
     std::size_t headLength_;
 };
+
+/// Chooses the edit with which a sample is written, given the bytes that are written without it.
+using SampleEdit = std::function<FileEdit(const ByteSource& bytes)>;
 
 enum class ByteOrder { little, big };
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "AudioSupport.h"
 #include "AudioSupport/AudioReader.h"
 #include "AudioSupport/Resampler.h"
 #include "AudioSupport/RiffChunks.h"

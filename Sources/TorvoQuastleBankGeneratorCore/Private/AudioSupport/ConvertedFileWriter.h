@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AudioSupport.h"
+#include "AudioSupport/RiffChunks.h"
 #include "Platform/FileManager.h"
 #include "Platform/FileURL.h"
 
